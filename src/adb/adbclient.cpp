@@ -1,0 +1,253 @@
+#include "adbclient.h"
+
+#include "appconfig.h"
+#include "devicesettings.h"
+
+#include <QFileInfo>
+#include <QMutex>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <atomic>
+
+namespace {
+constexpr int kStartTimeoutMs = 5000;
+constexpr int kNormalSeconds = 30;
+constexpr int kTransferSeconds = 300;
+
+std::atomic<int> normalTimeoutMs{kNormalSeconds * 1000};
+std::atomic<int> transferTimeoutMs{kTransferSeconds * 1000};
+
+QMutex programMutex;
+QString programOverride;
+
+QString program()
+{
+    QMutexLocker lock(&programMutex);
+    return programOverride.isEmpty() ? AppConfig::adbPath() : programOverride;
+}
+
+QString shellResult(const QString &serial, const QStringList &command)
+{
+    return AdbClient::run(QStringList{"-s", serial, "shell"} + command);
+}
+}
+
+void AdbClient::setTimeouts(int normalMs, int transferMs)
+{
+    normalTimeoutMs = normalMs;
+    transferTimeoutMs = transferMs;
+}
+
+void AdbClient::setProgram(const QString &path)
+{
+    QMutexLocker lock(&programMutex);
+    programOverride = path;
+}
+
+QString AdbClient::run(const QStringList &args)
+{
+    const bool transfer = args.contains("push") || args.contains("install");
+    const int timeoutMs = transfer ? transferTimeoutMs.load() : normalTimeoutMs.load();
+    const int nominalSeconds = transfer ? kTransferSeconds : kNormalSeconds;
+
+    QProcess process;
+    process.start(program(), args, QIODevice::ReadWrite);
+    if (!process.waitForStarted(kStartTimeoutMs))
+        return QString("[error] failed to start adb: %1").arg(process.errorString());
+
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished(kStartTimeoutMs);
+        return QString("[error] adb command timed out after %1 seconds").arg(nominalSeconds);
+    }
+
+    if (process.exitCode() == 0)
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+
+    QString errorText = QString::fromUtf8(process.readAllStandardError());
+    if (errorText.isEmpty())
+        errorText = "unknown error";
+    return QString("[error] adb command failed (exit code %1): %2").arg(process.exitCode()).arg(errorText);
+}
+
+bool AdbClient::succeeded(const QStringList &args, const char *failureWord)
+{
+    return !run(args).contains(QLatin1String(failureWord));
+}
+
+bool AdbClient::killServer() { return succeeded({"kill-server"}); }
+bool AdbClient::startServer() { return succeeded({"start-server"}); }
+
+bool AdbClient::restartServer()
+{
+    return killServer() && startServer();
+}
+
+QList<ADBDeviceInfo> AdbClient::devices()
+{
+    const QString text = run({"devices", "-l"});
+    if (text.contains("error"))
+        return {};
+    return parseDevices(text);
+}
+
+bool AdbClient::connect(const QString &serial, const QString &ip, quint16 port)
+{
+    // A time-out counts as success: only adb's own "failed" answer is a failure.
+    return succeeded({"-s", serial, "connect", ip + ":" + QString::number(port)}, "failed");
+}
+
+bool AdbClient::disconnect(const QString &serial) { return succeeded({"-s", serial, "disconnect"}); }
+bool AdbClient::usb(const QString &serial) { return succeeded({"-s", serial, "usb"}); }
+
+bool AdbClient::tcpip(const QString &serial, quint16 port)
+{
+    return succeeded({"-s", serial, "tcpip", QString::number(port)});
+}
+
+bool AdbClient::reboot(const QString &serial) { return succeeded({"-s", serial, "reboot"}); }
+
+bool AdbClient::shutdown(const QString &serial)
+{
+    const bool emulator = shellResult(serial, {"getprop", "ro.kernel.qemu"}) == "1";
+    if (emulator)
+        return succeeded({"-s", serial, "emu", "kill"});
+    return succeeded({"-s", serial, "reboot", "-p"});
+}
+
+bool AdbClient::push(const QString &serial, const QString &localPath, const QString &remotePath)
+{
+    if (!QFileInfo::exists(localPath))
+        return false;
+    return succeeded({"-s", serial, "push", localPath, remotePath});
+}
+
+bool AdbClient::installApk(const QString &serial, const QString &localPath)
+{
+    // The install runs whatever the push gave: the phone's own answer says what went wrong.
+    push(serial, localPath, "/data/local/tmp/");
+    const QString remote = "/data/local/tmp/" + QFileInfo(localPath).fileName();
+    return !shellResult(serial, {"pm install -r " + remote}).contains("error");
+}
+
+bool AdbClient::forward(const QString &serial, quint16 localPort, quint16 remotePort)
+{
+    return succeeded({"-s", serial, "forward", "tcp:" + QString::number(localPort),
+                      "tcp:" + QString::number(remotePort)});
+}
+
+bool AdbClient::removeForward(const QString &serial, quint16 localPort)
+{
+    return succeeded({"-s", serial, "forward", "--remove", "tcp:" + QString::number(localPort)});
+}
+
+bool AdbClient::reverse(const QString &serial, const QString &socketName, quint16 port)
+{
+    return succeeded({"-s", serial, "reverse", "localabstract:" + socketName, "tcp:" + QString::number(port)});
+}
+
+bool AdbClient::removeReverse(const QString &serial, const QString &socketName)
+{
+    return succeeded({"-s", serial, "reverse", "--remove", "localabstract:" + socketName});
+}
+
+QList<ADBDeviceInfo> AdbClient::parseDevices(const QString &text)
+{
+    static const QRegularExpression lineBreak("\\r?\\n");
+    static const QRegularExpression spaces("\\s+");
+
+    QList<ADBDeviceInfo> result;
+    for (const QString &rawLine : text.split(lineBreak)) {
+        const QString line = rawLine.trimmed();
+        if (line.isEmpty() || line.startsWith("List of devices attached"))
+            continue;
+        const QStringList words = line.split(spaces, Qt::SkipEmptyParts);
+        if (words.size() < 2 || words.at(1) != "device")
+            continue;
+
+        ADBDeviceInfo info;
+        info.adb_serial = words.first();
+        info.nickname = DeviceSettings::instance()->getDeviceNickname(info.adb_serial);
+        info.is_usb_connection = !(info.adb_serial.contains(':') && info.adb_serial.contains('.'));
+        for (const QString &word : words.mid(2)) {
+            if (word.startsWith("usb:")) {
+                info.is_usb_connection = true;
+            } else if (word.contains('-') && word.contains('.') && word.at(0).isDigit()) {
+                info.is_usb_connection = true;
+            }
+            if (word.startsWith("product:")) {
+                info.product = word.mid(8);
+            } else if (word.startsWith("model:")) {
+                info.model = word.mid(6);
+            } else if (word.startsWith("transport_id:")) {
+                bool ok = false;
+                const int id = word.mid(13).toInt(&ok);
+                info.transport_id = ok ? id : -1;
+            }
+        }
+        result.append(info);
+    }
+    return result;
+}
+
+DeviceInfo AdbClient::getDeviceInfo(const QString &serial)
+{
+    DeviceInfo info;
+    const QList<QPair<QString *, const char *>> properties = {
+        {&info.manufacturer, "ro.product.manufacturer"},
+        {&info.model, "ro.product.model"},
+        {&info.build_version, "ro.build.version.release"},
+        {&info.hardward_serial, "ro.serialno"},
+        {&info.build_fingerprint, "ro.build.fingerprint"},
+        {&info.country_code, "ro.csc.country_code"},
+        {&info.sales_code, "ro.csc.sales_code"},
+        {&info.gsm_operator_alpha, "gsm.operator.alpha"},
+        {&info.adb_tcp_port, "service.adb.tcp.port"},
+        {&info.usb_config, "sys.usb.config"},
+        {&info.ddr_size, "ro.boot.ddr_size"},
+    };
+    for (const auto &[field, key] : properties)
+        *field = shellResult(serial, {"getprop", key});
+
+    const QString size = shellResult(serial, {"wm", "size"}).remove("Physical size: ").trimmed();
+    const QStringList sides = size.split("x");
+    const int width = sides.value(0).toInt();
+    const int height = sides.size() > 1 ? sides.value(1).toInt() : 0;
+    info.screen_size = QSize(width, height);
+    return info;
+}
+
+QString AdbClient::getWifiIpAddress(const QString &serial)
+{
+    static const QRegularExpression ipAddr("inet\\s+(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
+    static const QRegularExpression ifconfig("inet\\s+(?:addr:)?(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
+    static const QRegularExpression whole("^\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}$");
+
+    auto capture = [](const QString &text, const QRegularExpression &expression) {
+        const QRegularExpressionMatch match = expression.match(text);
+        return match.hasMatch() ? match.captured(1) : QString();
+    };
+
+    QString address = capture(shellResult(serial, {"ip addr show wlan0"}), ipAddr);
+    if (!address.isEmpty())
+        return address;
+    address = capture(shellResult(serial, {"ifconfig wlan0"}), ifconfig);
+    if (!address.isEmpty())
+        return address;
+    const QString property = shellResult(serial, {"getprop", "dhcp.wlan0.ipaddress"});
+    if (whole.match(property).hasMatch())
+        return property;
+    return capture(shellResult(serial, {"ip addr show eth0"}), ipAddr);
+}
+
+bool AdbClient::setWallpaper(const QString &serial, const QString &localImagePath)
+{
+    const QString remote = "/data/local/tmp/wallpaper_korvel.png";
+    if (!push(serial, localImagePath, remote))
+        return false;
+    return !shellResult(serial, {"am", "start", "-a", "android.intent.action.ATTACH_DATA", "-c",
+                                 "android.intent.category.DEFAULT", "-d", "file://" + remote, "-t",
+                                 "image/*", "--grant-read-uri-permission"})
+                .contains("error");
+}

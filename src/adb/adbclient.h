@@ -1,0 +1,50 @@
+#pragma once
+
+#include "adbdeviceinfo.h"
+#include "deviceinfo.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// Every conversation with phones: adb run as a child process once per operation. Stateless and
+// synchronous: a call blocks its thread until adb ends or its time-out passes, so long-running
+// callers use worker threads. A result text beginning "[error]" reports a failure.
+class AdbClient
+{
+public:
+    AdbClient() = delete;
+
+    static QString run(const QStringList &args);
+
+    static bool killServer();
+    static bool startServer();
+    static bool restartServer();
+    static QList<ADBDeviceInfo> devices();
+    static bool connect(const QString &serial, const QString &ip, quint16 port);
+    static bool disconnect(const QString &serial);
+    static bool usb(const QString &serial);
+    static bool tcpip(const QString &serial, quint16 port);
+    static bool reboot(const QString &serial);
+    static bool shutdown(const QString &serial);
+    static bool push(const QString &serial, const QString &localPath, const QString &remotePath);
+    static bool installApk(const QString &serial, const QString &localPath);
+    static bool forward(const QString &serial, quint16 localPort, quint16 remotePort);
+    static bool removeForward(const QString &serial, quint16 localPort);
+    static bool reverse(const QString &serial, const QString &socketName, quint16 port);
+    static bool removeReverse(const QString &serial, const QString &socketName);
+
+    static QList<ADBDeviceInfo> parseDevices(const QString &text);
+    static DeviceInfo getDeviceInfo(const QString &serial);
+    static QString getWifiIpAddress(const QString &serial);
+    static bool setWallpaper(const QString &serial, const QString &localImagePath);
+
+    // The two time-outs, in milliseconds. Tests shorten them; the reported text always names the
+    // nominal 30 or 300 seconds of the time-out class that ran out.
+    static void setTimeouts(int normalMs, int transferMs);
+    // The adb program; defaults to AppConfig::adbPath().
+    static void setProgram(const QString &program);
+
+private:
+    static bool succeeded(const QStringList &args, const char *failureWord = "error");
+};

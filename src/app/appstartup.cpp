@@ -1,0 +1,64 @@
+#include "appstartup.h"
+
+#include "adbclient.h"
+#include "appconfig.h"
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QTranslator>
+
+void AppStartup::selectGraphicsApi()
+{
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+}
+
+void AppStartup::configureApplication()
+{
+    QCoreApplication::setOrganizationName("Korvel");
+    QCoreApplication::setOrganizationDomain("app.korvel.phonefarm");
+    QCoreApplication::setApplicationName("Korvel");
+    QGuiApplication::setApplicationDisplayName("Korvel");
+    QCoreApplication::setApplicationVersion("1.0.1");
+    QGuiApplication::setWindowIcon(QIcon(":/Korvel/src/icons/korvel_logo.png"));
+    QQuickStyle::setStyle("Fusion");
+}
+
+QString AppStartup::translationFile(const QString &locale)
+{
+    // Both tests run in this order on purpose: a "TW" locale wins over a "CN" one.
+    QString file;
+    if (locale.contains("CN"))
+        file = ":/translations/Korvel_CN.qm";
+    if (locale.contains("TW"))
+        file = ":/translations/Korvel_TW.qm";
+    return file;
+}
+
+bool AppStartup::installTranslation(const QString &locale)
+{
+    static QTranslator translator;
+    const QString file = translationFile(locale);
+    if (file.isEmpty() || !translator.load(file))
+        return false;
+    QCoreApplication::installTranslator(&translator);
+    return true;
+}
+
+void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
+{
+    engine.retranslate();
+    qRegisterMetaType<QList<ADBDeviceInfo>>("QList<ADBDeviceInfo>");
+    qRegisterMetaType<QList<DeviceInfo>>("QList<DeviceInfo>");
+    installTranslation(AppConfig::instance()->getLocale());
+
+    QObject::connect(
+        &engine, &QQmlApplicationEngine::objectCreationFailed, qApp,
+        [] { QCoreApplication::exit(-1); }, Qt::QueuedConnection);
+    engine.load(QUrl("qrc:/Korvel/src/qml/Main.qml"));
+
+    // The adb server that the application started must not outlive it.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { AdbClient::killServer(); });
+}

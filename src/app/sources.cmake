@@ -1,0 +1,5 @@
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/appinfo.h
+    ${CMAKE_CURRENT_LIST_DIR}/appconfig.h ${CMAKE_CURRENT_LIST_DIR}/appconfig.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/appstartup.h ${CMAKE_CURRENT_LIST_DIR}/appstartup.cpp
+)

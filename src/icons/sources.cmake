@@ -1,0 +1,3 @@
+list(APPEND KORVEL_RESOURCES
+    src/icons/korvel_logo.png
+)

@@ -1,0 +1,114 @@
+#include "screenshotwriter.h"
+
+#include "appconfig.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QMutexLocker>
+#include <QRandomGenerator>
+
+#include <mutex>
+
+extern "C" {
+#include <libavutil/frame.h>
+#include <libswscale/swscale.h>
+}
+
+namespace {
+
+// The geometry the most recently built scaler was made for, shared by all writers: a writer whose
+// scaler was built for other values than the record simply builds a new one.
+struct ScalerRecord
+{
+    int srcWidth = 0;
+    int srcHeight = 0;
+    int srcFormat = -1;
+    int dstWidth = 0;
+    int dstHeight = 0;
+    bool operator==(const ScalerRecord &o) const
+    {
+        return srcWidth == o.srcWidth && srcHeight == o.srcHeight && srcFormat == o.srcFormat
+               && dstWidth == o.dstWidth && dstHeight == o.dstHeight;
+    }
+};
+
+QMutex recordMutex;
+ScalerRecord lastBuiltScaler;
+
+} // namespace
+
+ScreenshotWriter::~ScreenshotWriter()
+{
+    sws_freeContext(m_scaler);
+}
+
+QString ScreenshotWriter::folder()
+{
+    static const QString path = AppConfig::instance()->getScreenshotSavePath() + QLatin1Char('/');
+    return path;
+}
+
+QString ScreenshotWriter::fileName(const QString &serial)
+{
+    return QStringLiteral("%1_%2_%3.jpg")
+        .arg(serial,
+             QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss")),
+             QString::number(QRandomGenerator::global()->bounded(1000, 9999)));
+}
+
+QSize ScreenshotWriter::targetSize(int width, int height)
+{
+    if (width > MaxWidth)
+        return QSize(MaxWidth, int(qint64(height) * MaxWidth / width));
+    return QSize(width, height);
+}
+
+QImage ScreenshotWriter::toImage(const AVFrame *frame)
+{
+    if (!frame || frame->width <= 0 || frame->height <= 0)
+        return QImage();
+
+    const QSize target = targetSize(frame->width, frame->height);
+    const ScalerRecord wanted{frame->width, frame->height, frame->format, target.width(), target.height()};
+
+    QMutexLocker locker(&m_mutex);
+    {
+        QMutexLocker recordLocker(&recordMutex);
+        if (!m_scaler || !(lastBuiltScaler == wanted)) {
+            sws_freeContext(m_scaler);
+            m_scaler = sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format),
+                                      target.width(), target.height(), AV_PIX_FMT_RGB24,
+                                      SWS_FAST_BILINEAR, nullptr, nullptr, nullptr);
+            lastBuiltScaler = wanted;
+        }
+    }
+    if (!m_scaler)
+        return QImage();
+
+    QImage image(target, QImage::Format_RGB888);
+    if (image.isNull())
+        return QImage();
+    uint8_t *dst[4] = {image.bits(), nullptr, nullptr, nullptr};
+    int dstStride[4] = {int(image.bytesPerLine()), 0, 0, 0};
+    sws_scale(m_scaler, frame->data, frame->linesize, 0, frame->height, dst, dstStride);
+    return image;
+}
+
+bool ScreenshotWriter::save(const AVFrame *frame, const QString &folder, const QString &serial, QString *path)
+{
+    if (!frame)
+        return false;
+    static std::once_flag folderChecked;
+    std::call_once(folderChecked, [&folder] {
+        if (!QDir(folder).exists())
+            QDir().mkpath(folder);
+    });
+
+    const QString filePath = folder + fileName(serial);
+    if (path)
+        *path = filePath;
+    const QImage image = toImage(frame);
+    if (image.isNull())
+        return false;
+    return image.save(filePath, "JPEG", JpegQuality);
+}

@@ -1,0 +1,167 @@
+#include "videodemuxer.h"
+
+#include "packetsink.h"
+
+#include <QIODevice>
+#include <QtEndian>
+#include <QtDebug>
+
+#include <cstring>
+
+namespace {
+
+constexpr quint64 ConfigFlag = quint64(1) << 63;
+constexpr quint64 KeyFrameFlag = quint64(1) << 62;
+constexpr quint64 PtsMask = (quint64(1) << 62) - 1;
+constexpr int DeviceNameSize = 64;
+
+// Deliberately loose: three leading zero bytes count as a start code whatever follows them.
+bool startsWithStartCode(const uchar *p)
+{
+    return p[0] == 0 && p[1] == 0 && (p[2] == 0 || p[2] == 1 || p[3] == 1);
+}
+
+} // namespace
+
+VideoDemuxer::VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder)
+    : m_socket(socket)
+    , m_recorder(makeSink(recorder))
+    , m_decoder(makeSink(decoder))
+    , m_packet(av_packet_alloc())
+{
+    if (m_socket)
+        connect(m_socket, &QIODevice::readyRead, this, &VideoDemuxer::read);
+}
+
+VideoDemuxer::~VideoDemuxer()
+{
+    av_packet_free(&m_packet);
+}
+
+VideoDemuxer::Sink VideoDemuxer::makeSink(PacketSink *sink)
+{
+    Sink result;
+    result.sink = sink;
+    if (QObject *object = dynamic_cast<QObject *>(sink)) {
+        result.guard = object;
+        result.guarded = true;
+    }
+    return result;
+}
+
+void VideoDemuxer::deliver(const Sink &sink, const AVPacket *packet)
+{
+    if (!sink.sink || (sink.guarded && sink.guard.isNull()))
+        return;
+    sink.sink->pushPacket(packet);
+}
+
+void VideoDemuxer::read()
+{
+    if (m_socket)
+        m_buffer.append(m_socket->readAll());
+
+    if (!m_headerParsed && !parseHeader())
+        return;
+    if (!m_packet)
+        return;
+
+    // Consumed bytes are removed once at the end, so a burst of small packets costs one move.
+    const auto *data = reinterpret_cast<const uchar *>(m_buffer.constData());
+    const qsizetype available = m_buffer.size();
+    qsizetype pos = 0;
+    for (int pass = 0; pass < MaxPacketsPerRead; ++pass) {
+        if (available - pos < PacketHeaderSize)
+            break;
+        const quint64 ptsAndFlags = qFromBigEndian<quint64>(data + pos);
+        const quint32 size = qFromBigEndian<quint32>(data + pos + 8);
+        if (size == 0 || size > MaxPayloadSize) {
+            pos += PacketHeaderSize;
+            continue;
+        }
+        if (available - pos < qsizetype(size) + PacketHeaderSize)
+            break;
+        const uchar *payload = data + pos + PacketHeaderSize;
+        if (!fillPacket(reinterpret_cast<const char *>(payload), int(size))) {
+            pos += PacketHeaderSize;
+            continue;
+        }
+        pos += PacketHeaderSize + size;
+
+        const qint64 pts = (ptsAndFlags & ConfigFlag) ? AV_NOPTS_VALUE : qint64(ptsAndFlags & PtsMask);
+        m_packet->pts = pts;
+        m_packet->dts = pts;
+        if (ptsAndFlags & KeyFrameFlag)
+            m_packet->flags |= AV_PKT_FLAG_KEY;
+
+        deliver(m_recorder, m_packet);
+        deliver(m_decoder, m_packet);
+        av_packet_unref(m_packet);
+    }
+    m_buffer.remove(0, pos);
+}
+
+bool VideoDemuxer::fillPacket(const char *data, int size)
+{
+    static const char startCode[4] = {0, 0, 0, 1};
+    const bool needsStartCode = size > 4 && !startsWithStartCode(reinterpret_cast<const uchar *>(data));
+    if (needsStartCode && av_new_packet(m_packet, size + 4) == 0) {
+        std::memcpy(m_packet->data, startCode, 4);
+        std::memcpy(m_packet->data + 4, data, size_t(size));
+        return true;
+    }
+    // Without room for the start code the payload still goes out as it came.
+    if (av_new_packet(m_packet, size) < 0)
+        return false;
+    std::memcpy(m_packet->data, data, size_t(size));
+    return true;
+}
+
+bool VideoDemuxer::parseHeader()
+{
+    if (m_buffer.size() < HeaderSize)
+        return false;
+
+    const auto *data = reinterpret_cast<const uchar *>(m_buffer.constData());
+    const QByteArray name = m_buffer.left(DeviceNameSize);
+    const qsizetype nul = name.indexOf('\0');
+    m_deviceName = QString::fromUtf8(nul < 0 ? name : name.left(nul));
+    m_codecId = m_buffer.mid(DeviceNameSize, 4);
+    m_width = qFromBigEndian<quint32>(data + 68);
+    m_height = qFromBigEndian<quint32>(data + 72);
+    m_buffer.remove(0, HeaderSize);
+    m_headerParsed = true;
+
+    return openCodec();
+}
+
+bool VideoDemuxer::openCodec()
+{
+    const QByteArray codecName = QString::fromLatin1(m_codecId).toLatin1();
+    const AVCodec *codec = avcodec_find_decoder_by_name(codecName.constData());
+    if (!codec) {
+        qWarning() << "VideoDemuxer: no decoder named" << codecName;
+        return false;
+    }
+    AVCodecContext *context = avcodec_alloc_context3(codec);
+    if (!context)
+        return false;
+    m_codecContext.reset(context, [](AVCodecContext *c) { avcodec_free_context(&c); });
+
+    context->flags |= AV_CODEC_FLAG_LOW_DELAY;
+    context->width = int(m_width);
+    context->height = int(m_height);
+    if (m_codecId == "h264") {
+        context->flags |= AV_CODEC_FLAG_LOW_DELAY;
+        context->flags2 |= AV_CODEC_FLAG2_FAST | AV_CODEC_FLAG2_CHUNKS;
+    }
+
+    const int result = avcodec_open2(context, codec, nullptr);
+    if (result < 0) {
+        char text[64] = {};
+        av_strerror(result, text, sizeof text);
+        qWarning() << "VideoDemuxer: cannot open decoder" << codecName << ":" << text;
+        return false;
+    }
+    return true;
+}

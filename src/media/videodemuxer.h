@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <memory>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+class QIODevice;
+class PacketSink;
+
+// Cuts the video socket's byte stream (a 76-byte stream header, then packets with a 12-byte
+// header) into FFmpeg packets and hands each one to the recorder first, then to the decoder.
+class VideoDemuxer : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int HeaderSize = 76;
+    static constexpr int PacketHeaderSize = 12;
+    static constexpr quint32 MaxPayloadSize = 0x800000;
+    static constexpr int MaxPacketsPerRead = 200;
+
+    // recorder and decoder may be null and are not owned. A sink that is also a QObject and is
+    // destroyed before the demuxer is skipped from then on.
+    VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder);
+    ~VideoDemuxer() override;
+
+    // Null until the stream header has named a known decoder; never replaced afterwards.
+    AVCodecContext *codecContext() const { return m_codecContext.get(); }
+    // The same context for holders that may outlive the demuxer (the decoder borrows it); it is
+    // freed when the last holder lets go.
+    std::shared_ptr<AVCodecContext> sharedCodecContext() const { return m_codecContext; }
+
+    bool isHeaderParsed() const { return m_headerParsed; }
+    QString deviceName() const { return m_deviceName; }
+    QByteArray codecId() const { return m_codecId; }
+    quint32 width() const { return m_width; }
+    quint32 height() const { return m_height; }
+
+signals:
+    // Part of the public interface for observers; packets themselves travel by direct calls.
+    void packetReady(AVPacket packet);
+
+public slots:
+    void read();
+
+private:
+    struct Sink
+    {
+        PacketSink *sink = nullptr;
+        QPointer<QObject> guard;
+        bool guarded = false;
+    };
+    static Sink makeSink(PacketSink *sink);
+    static void deliver(const Sink &sink, const AVPacket *packet);
+
+    bool parseHeader();
+    bool openCodec();
+    // Fills m_packet from size payload bytes at data; false if no packet could be allocated.
+    bool fillPacket(const char *data, int size);
+
+    QIODevice *m_socket;
+    bool m_headerParsed = false;
+    QByteArray m_buffer;
+    std::shared_ptr<AVCodecContext> m_codecContext;
+    Sink m_recorder;
+    Sink m_decoder;
+    QString m_deviceName;
+    QByteArray m_codecId;
+    quint32 m_width = 0;
+    quint32 m_height = 0;
+    AVPacket *m_packet = nullptr;
+};

@@ -1,0 +1,96 @@
+#include "devicesettings.h"
+
+#include "appconfig.h"
+#include "jsonfile.h"
+
+#include <QJSEngine>
+#include <QJsonObject>
+
+DeviceSettings::DeviceSettings()
+{
+    load();
+}
+
+DeviceSettings *DeviceSettings::instance()
+{
+    static DeviceSettings *settings = new DeviceSettings;
+    return settings;
+}
+
+DeviceSettings *DeviceSettings::create(QQmlEngine *, QJSEngine *)
+{
+    DeviceSettings *settings = instance();
+    QJSEngine::setObjectOwnership(settings, QJSEngine::CppOwnership);
+    return settings;
+}
+
+QString DeviceSettings::filePath() const
+{
+    return AppConfig::instance()->getDeviceNicknameSavePath() + "/device_nicknames.json";
+}
+
+void DeviceSettings::load()
+{
+    const QJsonObject members = JsonFile::read(filePath()).value("device_nicknames").toObject();
+    for (auto it = members.begin(); it != members.end(); ++it) {
+        const QString nickname = it.value().toString();
+        if (it.value().isString() && !nickname.isEmpty())
+            m_nicknames.insert(it.key(), nickname);
+    }
+}
+
+void DeviceSettings::save()
+{
+    QJsonObject members;
+    for (auto it = m_nicknames.cbegin(); it != m_nicknames.cend(); ++it)
+        members.insert(it.key(), it.value());
+    JsonFile::write(filePath(), QJsonObject{{"device_nicknames", members}});
+}
+
+void DeviceSettings::sync()
+{
+    save();
+}
+
+QString DeviceSettings::getDeviceNickname(const QString &serial) const
+{
+    return m_nicknames.value(serial);
+}
+
+void DeviceSettings::setDeviceNickname(const QString &serial, const QString &nickname)
+{
+    if (serial.isEmpty())
+        return;
+    if (nickname.isEmpty()) {
+        removeDeviceNickname(serial);
+        return;
+    }
+    auto existing = m_nicknames.constFind(serial);
+    if (existing != m_nicknames.cend() && existing.value() == nickname)
+        return;
+    m_nicknames.insert(serial, nickname);
+    save();
+    emit deviceNicknameChanged(serial, nickname);
+}
+
+void DeviceSettings::removeDeviceNickname(const QString &serial)
+{
+    if (!m_nicknames.remove(serial))
+        return;
+    save();
+    emit deviceNicknameChanged(serial, QString());
+}
+
+void DeviceSettings::clearAllDeviceNicknames()
+{
+    const QStringList serials = m_nicknames.keys();
+    m_nicknames.clear();
+    save();
+    for (const QString &serial : serials)
+        emit deviceNicknameChanged(serial, QString());
+}
+
+QStringList DeviceSettings::getAllDeviceSerials() const
+{
+    return m_nicknames.keys();
+}

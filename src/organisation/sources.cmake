@@ -1,0 +1,5 @@
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/jsonfile.h ${CMAKE_CURRENT_LIST_DIR}/jsonfile.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/devicesettings.h ${CMAKE_CURRENT_LIST_DIR}/devicesettings.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/colormanager.h ${CMAKE_CURRENT_LIST_DIR}/colormanager.cpp
+)

@@ -1,0 +1,21 @@
+pragma Singleton
+import QtQuick
+import Korvel
+
+// Shared sizes and colours of every screen; colours come from ColorManager.
+QtObject {
+    readonly property color background: ColorManager.backgroundBlack
+    readonly property color panel: ColorManager.backgroundDarkGray
+    readonly property color headerBar: "#222222"
+    readonly property color accent: ColorManager.primaryGreen
+    readonly property color text: ColorManager.textWhite
+    readonly property color textMuted: ColorManager.textGray
+    readonly property color border: ColorManager.borderDarkGray
+
+    readonly property int headerHeight: 44
+    readonly property int controlButtonsWidth: 34
+    readonly property int radius: 4
+    readonly property int fontSmall: 12
+    readonly property int fontNormal: 14
+    readonly property int fontTitle: 16
+}

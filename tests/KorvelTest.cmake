@@ -1,0 +1,18 @@
+# korvel_add_test(NAME tst_x SOURCES a.cpp ... LABELS unit|e2e|ui [LIBS ...] [TIMEOUT s])
+# Every test runs with its own HOME and XDG folders under the build tree, so settings and user files
+# written by a test never touch the developer's own, and with a private adb server port.
+function(korvel_add_test)
+    cmake_parse_arguments(T "" "NAME;TIMEOUT" "SOURCES;LABELS;LIBS" ${ARGN})
+    qt_add_executable(${T_NAME} ${T_SOURCES})
+    target_link_libraries(${T_NAME} PRIVATE Qt6::Test ${T_LIBS})
+    add_test(NAME ${T_NAME} COMMAND ${T_NAME})
+    set(home ${CMAKE_BINARY_DIR}/test-home/${T_NAME})
+    if(NOT T_TIMEOUT)
+        set(T_TIMEOUT 300)
+    endif()
+    set_tests_properties(${T_NAME} PROPERTIES
+        LABELS "${T_LABELS}"
+        TIMEOUT ${T_TIMEOUT}
+        ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/.config;XDG_DATA_HOME=${home}/.local/share;XDG_RUNTIME_DIR=${home}/runtime;KORVEL_SOURCE_DIR=${CMAKE_SOURCE_DIR};KORVEL_BUILD_DIR=${CMAKE_BINARY_DIR}")
+    file(MAKE_DIRECTORY ${home}/runtime)
+endfunction()
