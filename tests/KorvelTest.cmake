@@ -15,4 +15,5 @@ function(korvel_add_test)
         TIMEOUT ${T_TIMEOUT}
         ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/.config;XDG_DATA_HOME=${home}/.local/share;XDG_RUNTIME_DIR=${home}/runtime;KORVEL_SOURCE_DIR=${CMAKE_SOURCE_DIR};KORVEL_BUILD_DIR=${CMAKE_BINARY_DIR}")
     file(MAKE_DIRECTORY ${home}/runtime)
+    file(CHMOD ${home}/runtime DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endfunction()

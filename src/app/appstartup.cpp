@@ -50,6 +50,8 @@ bool AppStartup::installTranslation(const QString &locale)
 void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
 {
     engine.retranslate();
+    // The module's qmldir (with its QML singletons) is compiled in at :/Korvel/qmldir.
+    engine.addImportPath(QStringLiteral("qrc:/"));
     qRegisterMetaType<QList<ADBDeviceInfo>>("QList<ADBDeviceInfo>");
     qRegisterMetaType<QList<DeviceInfo>>("QList<DeviceInfo>");
     installTranslation(AppConfig::instance()->getLocale());

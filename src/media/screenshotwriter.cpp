@@ -11,6 +11,8 @@
 
 extern "C" {
 #include <libavutil/frame.h>
+#include <libavutil/macros.h>
+#include <libavutil/mem.h>
 #include <libswscale/swscale.h>
 }
 
@@ -85,11 +87,16 @@ QImage ScreenshotWriter::toImage(const AVFrame *frame)
     if (!m_scaler)
         return QImage();
 
-    QImage image(target, QImage::Format_RGB888);
-    if (image.isNull())
+    // The SIMD converters write whole blocks of pixels and may run past the end of a row; rows
+    // are aligned and one spare row keeps the last row's overrun inside the buffer.
+    const int stride = FFALIGN(target.width() * 3, 64);
+    auto *pixels = static_cast<uint8_t *>(av_malloc(size_t(stride) * size_t(target.height() + 1)));
+    if (!pixels)
         return QImage();
-    uint8_t *dst[4] = {image.bits(), nullptr, nullptr, nullptr};
-    int dstStride[4] = {int(image.bytesPerLine()), 0, 0, 0};
+    QImage image(pixels, target.width(), target.height(), stride, QImage::Format_RGB888,
+                 [](void *p) { av_free(p); }, pixels);
+    uint8_t *dst[4] = {pixels, nullptr, nullptr, nullptr};
+    int dstStride[4] = {stride, 0, 0, 0};
     sws_scale(m_scaler, frame->data, frame->linesize, 0, frame->height, dst, dstStride);
     return image;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QList>
+#include <QIODevice>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -12,7 +12,6 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
-class QIODevice;
 class PacketSink;
 
 // Cuts the video socket's byte stream (a 76-byte stream header, then packets with a 12-byte
@@ -66,7 +65,7 @@ private:
     // Fills m_packet from size payload bytes at data; false if no packet could be allocated.
     bool fillPacket(const char *data, int size);
 
-    QIODevice *m_socket;
+    QPointer<QIODevice> m_socket;
     bool m_headerParsed = false;
     QByteArray m_buffer;
     std::shared_ptr<AVCodecContext> m_codecContext;

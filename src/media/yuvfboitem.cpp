@@ -23,9 +23,8 @@ YuvFboItem::YuvFboItem(QQuickItem *parent)
     : QQuickFramebufferObject(parent)
     , m_textureAllocations(std::make_shared<std::atomic_int>(0))
 {
-    // The renderer puts the first picture row at the bottom of the framebuffer; mirroring shows
-    // it at the top of the item.
-    setMirrorVertically(true);
+    // No mirroring: Qt Quick shows the framebuffer's y = -1 edge, where the renderer's quad puts
+    // the first picture row, at the top of the item, so the picture is upright as drawn.
 }
 
 QQuickFramebufferObject::Renderer *YuvFboItem::createRenderer() const

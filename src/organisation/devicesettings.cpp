@@ -8,7 +8,7 @@
 
 DeviceSettings::DeviceSettings()
 {
-    load();
+    reload();
 }
 
 DeviceSettings *DeviceSettings::instance()
@@ -29,8 +29,9 @@ QString DeviceSettings::filePath() const
     return AppConfig::instance()->getDeviceNicknameSavePath() + "/device_nicknames.json";
 }
 
-void DeviceSettings::load()
+void DeviceSettings::reload()
 {
+    m_nicknames.clear();
     const QJsonObject members = JsonFile::read(filePath()).value("device_nicknames").toObject();
     for (auto it = members.begin(); it != members.end(); ++it) {
         const QString nickname = it.value().toString();

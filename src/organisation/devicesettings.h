@@ -28,13 +28,14 @@ public:
     Q_INVOKABLE void sync();
 
     QString filePath() const;
+    // Reads the file again, dropping what is in memory; the application reads it once at start.
+    void reload();
 
 signals:
     void deviceNicknameChanged(const QString &serial, const QString &nickname);
 
 private:
     DeviceSettings();
-    void load();
     void save();
 
     QMap<QString, QString> m_nicknames;

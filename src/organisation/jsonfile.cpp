@@ -22,7 +22,12 @@ bool write(const QString &path, const QJsonObject &object)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    const QByteArray text = QJsonDocument(object).toJson(QJsonDocument::Indented);
+    // A short write (a full disk) must not replace the previous file with a truncated one.
+    if (file.write(text) != text.size() || !file.flush()) {
+        file.cancelWriting();
+        return false;
+    }
     return file.commit();
 }
 

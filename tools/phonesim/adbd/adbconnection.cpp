@@ -31,6 +31,9 @@ AdbConnection::AdbConnection(QTcpSocket *socket, const QByteArray &banner, Servi
     m_socket->setParent(this);
     connect(m_socket, &QTcpSocket::readyRead, this, &AdbConnection::readMessages);
     connect(m_socket, &QTcpSocket::disconnected, this, [this] {
+        if (m_dropped)
+            return;
+        m_dropped = true;
         closeAllStreams();
         emit disconnected();
     });

@@ -9,6 +9,7 @@
 #include <functional>
 
 class AdbStream;
+struct AdbMessage;
 class QTcpSocket;
 
 // One adb transport over a TCP socket: the handshake, the stream table and message dispatch.

@@ -13,4 +13,7 @@ public:
     explicit AutojsServer(Phone *phone, QObject *parent = nullptr);
     // Takes a stream that the PC opened to tcp:7347 (through adb forward). Not owned.
     void accept(PhoneChannel *channel);
+
+private:
+    Phone *m_phone;
 };

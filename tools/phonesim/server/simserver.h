@@ -1,9 +1,18 @@
 #pragma once
 
+#include "commandlineoptions.h"
+#include "testpattern.h"
+
+#include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
+class AudioStreamer;
+class ControlChannel;
 class Phone;
+class PhoneChannel;
+class VideoStreamer;
 
 // The simulated scrcpy server 3.3.1: what `app_process / com.genymobile.scrcpy.Server ...` runs.
 // The adb daemon creates one per shell command that launches it and relays `output` to that
@@ -28,4 +37,34 @@ public slots:
 signals:
     void output(const QByteArray &text);
     void finished(int exitCode);
+
+private:
+    enum class Stream { Video, Audio, Control };
+
+    void connectNext();
+    void handleOpened();
+    void handleClosed(PhoneChannel *channel);
+    void startStreams();
+    QPointer<PhoneChannel> &channelFor(Stream stream);
+    bool anyStreamOpen() const;
+    void log(const QString &level, const QString &message);
+    // Ends the process once: closes the sockets, journals why, and reports the exit code.
+    void finish(const QString &reason, int exitCode, const QString &errorLine = {});
+    void shutDownStreams();
+
+    Phone *m_phone;
+    QString m_commandLine;
+    CommandLineOptions m_options;
+    TestPattern m_pattern;
+    QList<Stream> m_toConnect;
+    QPointer<PhoneChannel> m_connecting;
+    QPointer<PhoneChannel> m_video;
+    QPointer<PhoneChannel> m_audio;
+    QPointer<PhoneChannel> m_control;
+    QList<QPointer<PhoneChannel>> m_connectOrder;
+    VideoStreamer *m_videoStreamer = nullptr;
+    AudioStreamer *m_audioStreamer = nullptr;
+    ControlChannel *m_controlChannel = nullptr;
+    bool m_started = false;
+    bool m_finished = false;
 };

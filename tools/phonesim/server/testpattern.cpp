@@ -13,9 +13,15 @@ namespace {
 constexpr int maxTrailPoints = 200;
 
 // Rounding down keeps the picture within the screen and within maxSize.
-int roundToMultipleOf8(double value)
+int floorToMultipleOf8(double value)
 {
     return std::max(8, int(value) / 8 * 8);
+}
+
+// A scaled side is rounded to the nearest multiple, which keeps the aspect ratio closest.
+int roundToMultipleOf8(double value)
+{
+    return std::max(8, int(std::lround(value / 8.0)) * 8);
 }
 
 } // namespace
@@ -32,10 +38,10 @@ QSize TestPattern::videoSize(const QSize &screen, int maxSize)
     const bool portrait = screen.height() >= screen.width();
     const int major = portrait ? screen.height() : screen.width();
     const int minor = portrait ? screen.width() : screen.height();
-    int newMajor = roundToMultipleOf8(major);
-    int newMinor = roundToMultipleOf8(minor);
+    int newMajor = floorToMultipleOf8(major);
+    int newMinor = floorToMultipleOf8(minor);
     if (maxSize > 0 && major > maxSize) {
-        newMajor = roundToMultipleOf8(maxSize);
+        newMajor = floorToMultipleOf8(maxSize);
         newMinor = roundToMultipleOf8(double(minor) * newMajor / major);
     }
     return portrait ? QSize(newMinor, newMajor) : QSize(newMajor, newMinor);

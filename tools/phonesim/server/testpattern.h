@@ -17,7 +17,8 @@ public:
     TestPattern(const QString &model, const QString &serial);
 
     // The encoded size for a screen: the longest side at most maxSize (0: no limit), both sides
-    // multiples of 8 (rounded down), as video encoders want.
+    // multiples of 8, as video encoders want. Unscaled sides and the limit round down; the scaled
+    // short side rounds to the nearest multiple.
     static QSize videoSize(const QSize &screen, int maxSize);
     // The phone's own colour, the same in every run, so a test can tell phones apart by a pixel.
     static QColor backgroundColor(const QString &serial);

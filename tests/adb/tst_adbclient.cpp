@@ -1,0 +1,343 @@
+#include "adbclient.h"
+#include "devicesettings.h"
+#include "fakeadb.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryFile>
+#include <QtTest>
+
+using Args = QStringList;
+
+class TestAdbClient : public QObject
+{
+    Q_OBJECT
+
+private:
+    FakeAdb m_adb;
+
+private slots:
+    void initTestCase()
+    {
+        AdbClient::setProgram(m_adb.program());
+        // The 30 s class becomes 300 ms, the 300 s class 1.5 s: enough to tell them apart.
+        AdbClient::setTimeouts(300, 1500);
+    }
+    void init() { m_adb.clear(); }
+
+    void runReturnsTrimmedOutput()
+    {
+        m_adb.addRule("shell echo*", 0, "  hello\\nworld \\n\\n");
+        QCOMPARE(AdbClient::run({"shell", "echo"}), QString("hello\nworld"));
+    }
+
+    void runReportsExitCodeAndUntrimmedStderr()
+    {
+        m_adb.addRule("bad*", 3, "ignored stdout", "device offline\\n");
+        QCOMPARE(AdbClient::run({"bad"}), QString("[error] adb command failed (exit code 3): device offline\n"));
+    }
+
+    void runReportsUnknownErrorWithoutStderr()
+    {
+        m_adb.addRule("bad*", 1, "only stdout");
+        QCOMPARE(AdbClient::run({"bad"}), QString("[error] adb command failed (exit code 1): unknown error"));
+    }
+
+    void runReportsMissingProgram()
+    {
+        AdbClient::setProgram("/nonexistent/adb");
+        const QString result = AdbClient::run({"devices"});
+        AdbClient::setProgram(m_adb.program());
+        QVERIFY2(result.startsWith("[error] failed to start adb: "), qPrintable(result));
+        QVERIFY(result.length() > QString("[error] failed to start adb: ").length());
+    }
+
+    void timeoutClassFollowsArguments_data()
+    {
+        QTest::addColumn<Args>("args");
+        QTest::addColumn<bool>("transfer");
+        QTest::newRow("shell") << Args{"-s", "X", "shell", "ls"} << false;
+        QTest::newRow("push") << Args{"-s", "X", "push", "a", "b"} << true;
+        QTest::newRow("install element") << Args{"-s", "X", "install", "a.apk"} << true;
+        QTest::newRow("pm install in one element") << Args{"-s", "X", "shell", "pm install -r a"} << false;
+        QTest::newRow("case sensitive") << Args{"Push"} << false;
+    }
+
+    void timeoutClassFollowsArguments()
+    {
+        QFETCH(Args, args);
+        QFETCH(bool, transfer);
+        // Sleeps past the short time-out but not the long one.
+        m_adb.addRule("*", 0, "done", {}, 0.8);
+        const QString result = AdbClient::run(args);
+        if (transfer)
+            QCOMPARE(result, QString("done"));
+        else
+            QCOMPARE(result, QString("[error] adb command timed out after 30 seconds"));
+    }
+
+    void transferTimeoutNamesThreeHundredSeconds()
+    {
+        m_adb.addRule("*", 0, "late", {}, 3);
+        QCOMPARE(AdbClient::run({"push", "a", "b"}), QString("[error] adb command timed out after 300 seconds"));
+    }
+
+    void operationsBuildExactArguments_data()
+    {
+        QTest::addColumn<int>("operation");
+        QTest::addColumn<Args>("expected");
+        QTest::newRow("killServer") << 0 << Args{"kill-server"};
+        QTest::newRow("startServer") << 1 << Args{"start-server"};
+        QTest::newRow("devices") << 2 << Args{"devices", "-l"};
+        QTest::newRow("connect") << 3 << Args{"-s", "S1", "connect", "127.0.0.5:5555"};
+        QTest::newRow("disconnect") << 4 << Args{"-s", "S1", "disconnect"};
+        QTest::newRow("usb") << 5 << Args{"-s", "S1", "usb"};
+        QTest::newRow("tcpip") << 6 << Args{"-s", "S1", "tcpip", "5555"};
+        QTest::newRow("reboot") << 7 << Args{"-s", "S1", "reboot"};
+        QTest::newRow("forward") << 8 << Args{"-s", "S1", "forward", "tcp:7000", "tcp:7347"};
+        QTest::newRow("removeForward") << 9 << Args{"-s", "S1", "forward", "--remove", "tcp:7000"};
+        QTest::newRow("reverse") << 10 << Args{"-s", "S1", "reverse", "localabstract:scrcpy_00001234", "tcp:27183"};
+        QTest::newRow("removeReverse") << 11 << Args{"-s", "S1", "reverse", "--remove", "localabstract:scrcpy_00001234"};
+    }
+
+    void operationsBuildExactArguments()
+    {
+        QFETCH(int, operation);
+        QFETCH(Args, expected);
+        bool ok = false;
+        switch (operation) {
+        case 0: ok = AdbClient::killServer(); break;
+        case 1: ok = AdbClient::startServer(); break;
+        case 2: AdbClient::devices(); ok = true; break;
+        case 3: ok = AdbClient::connect("S1", "127.0.0.5", 5555); break;
+        case 4: ok = AdbClient::disconnect("S1"); break;
+        case 5: ok = AdbClient::usb("S1"); break;
+        case 6: ok = AdbClient::tcpip("S1", 5555); break;
+        case 7: ok = AdbClient::reboot("S1"); break;
+        case 8: ok = AdbClient::forward("S1", 7000, 7347); break;
+        case 9: ok = AdbClient::removeForward("S1", 7000); break;
+        case 10: ok = AdbClient::reverse("S1", "scrcpy_00001234", 27183); break;
+        case 11: ok = AdbClient::removeReverse("S1", "scrcpy_00001234"); break;
+        }
+        QVERIFY(ok);
+        QCOMPARE(m_adb.calls(), QList<Args>{expected});
+    }
+
+    void successIsAPlainSubstringTest()
+    {
+        // adb's "failed" is the only failure word of connect; a time-out still counts as success.
+        m_adb.addRule("-s S1 connect *", 1, {}, "failed to connect");
+        QVERIFY(!AdbClient::connect("S1", "127.0.0.9", 5555));
+        m_adb.clear();
+        m_adb.addRule("-s S1 connect *", 0, "", {}, 0.8);
+        QVERIFY(AdbClient::connect("S1", "127.0.0.9", 5555));
+        m_adb.clear();
+        m_adb.addRule("-s S1 reboot", 1, {}, "device not found");
+        QVERIFY(!AdbClient::reboot("S1"));
+    }
+
+    void restartStopsWhenKillFails()
+    {
+        m_adb.addRule("kill-server", 1, {}, "cannot connect");
+        QVERIFY(!AdbClient::restartServer());
+        QCOMPARE(m_adb.calls(), QList<Args>{Args{"kill-server"}});
+        m_adb.clear();
+        QVERIFY(AdbClient::restartServer());
+        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"kill-server"}, Args{"start-server"}}));
+    }
+
+    void pushOfMissingFileStartsNoProcess()
+    {
+        QVERIFY(!AdbClient::push("S1", "/nonexistent/file.bin", "/data/local/tmp/"));
+        QVERIFY(m_adb.calls().isEmpty());
+    }
+
+    void installPushesThenInstalls()
+    {
+        QTemporaryFile apk(QDir::tempPath() + "/korvel_XXXXXX.apk");
+        QVERIFY(apk.open());
+        const QString name = QFileInfo(apk.fileName()).fileName();
+        m_adb.addRule("-s S1 shell pm install*", 0, "Success\\n");
+        QVERIFY(AdbClient::installApk("S1", apk.fileName()));
+        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"-s", "S1", "push", apk.fileName(), "/data/local/tmp/"},
+                                             Args{"-s", "S1", "shell", "pm install -r /data/local/tmp/" + name}}));
+    }
+
+    void installRunsEvenWhenPushFailsAndFailsOnError()
+    {
+        m_adb.addRule("-s S1 push*", 1, {}, "no space left");
+        m_adb.addRule("-s S1 shell pm install*", 1, {}, "Error: file not found");
+        QTemporaryFile apk;
+        QVERIFY(apk.open());
+        QVERIFY(!AdbClient::installApk("S1", apk.fileName()));
+        QCOMPARE(m_adb.calls().size(), 2);
+    }
+
+    void shutdownChoosesEmulatorOrReboot_data()
+    {
+        QTest::addColumn<QString>("qemu");
+        QTest::addColumn<Args>("second");
+        QTest::newRow("emulator") << "1" << Args{"-s", "S1", "emu", "kill"};
+        QTest::newRow("phone") << "0" << Args{"-s", "S1", "reboot", "-p"};
+        QTest::newRow("empty property") << "" << Args{"-s", "S1", "reboot", "-p"};
+    }
+
+    void shutdownChoosesEmulatorOrReboot()
+    {
+        QFETCH(QString, qemu);
+        QFETCH(Args, second);
+        m_adb.addRule("-s S1 shell getprop ro.kernel.qemu", 0, qemu + "\\n");
+        QVERIFY(AdbClient::shutdown("S1"));
+        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"-s", "S1", "shell", "getprop", "ro.kernel.qemu"}, second}));
+    }
+
+    void parseDevices_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("serials");
+        QTest::addColumn<QList<bool>>("usb");
+        QTest::newRow("empty") << "List of devices attached\n" << QStringList{} << QList<bool>{};
+        QTest::newRow("network") << "List of devices attached\r\n192.168.1.5:5555 device product:x model:Y transport_id:7\r\n"
+                                 << QStringList{"192.168.1.5:5555"} << QList<bool>{false};
+        QTest::newRow("usb word") << "ABC123 device usb:1-1 product:p model:m transport_id:3"
+                                  << QStringList{"ABC123"} << QList<bool>{true};
+        QTest::newRow("unauthorized and offline skipped")
+            << "ABC123 unauthorized usb:1-1 transport_id:3\nDEF offline\nGHI device\nJKL"
+            << QStringList{"GHI"} << QList<bool>{true};
+        QTest::newRow("network serial with usb path word")
+            << "127.0.0.1:5555 device 1-1.2 model:m" << QStringList{"127.0.0.1:5555"} << QList<bool>{true};
+        QTest::newRow("mdns-like serial stays usb") << "adb-XYZ._adb-tls-connect._tcp device"
+                                                    << QStringList{"adb-XYZ._adb-tls-connect._tcp"} << QList<bool>{true};
+    }
+
+    void parseDevices()
+    {
+        QFETCH(QString, text);
+        QFETCH(QStringList, serials);
+        QFETCH(QList<bool>, usb);
+        const QList<ADBDeviceInfo> devices = AdbClient::parseDevices(text);
+        QStringList gotSerials;
+        QList<bool> gotUsb;
+        for (const ADBDeviceInfo &info : devices) {
+            gotSerials << info.adb_serial;
+            gotUsb << info.is_usb_connection;
+        }
+        QCOMPARE(gotSerials, serials);
+        QCOMPARE(gotUsb, usb);
+    }
+
+    void parseDevicesFields()
+    {
+        DeviceSettings::instance()->setDeviceNickname("192.168.1.5:5555", "Rack 3");
+        const auto devices = AdbClient::parseDevices(
+            "192.168.1.5:5555 device product:x model:Y transport_id:7\nZ device transport_id:99999999999");
+        QCOMPARE(devices.size(), 2);
+        QCOMPARE(devices[0].product, QString("x"));
+        QCOMPARE(devices[0].model, QString("Y"));
+        QCOMPARE(devices[0].transport_id, 7);
+        QCOMPARE(devices[0].nickname, QString("Rack 3"));
+        QCOMPARE(devices[1].transport_id, -1);
+        QCOMPARE(devices[1].nickname, QString());
+        DeviceSettings::instance()->removeDeviceNickname("192.168.1.5:5555");
+    }
+
+    void devicesFailureGivesEmptyList()
+    {
+        m_adb.addRule("devices -l", 1, "List of devices attached\nA device", "cannot connect to daemon");
+        QVERIFY(AdbClient::devices().isEmpty());
+    }
+
+    void deviceInfoReadsEveryProperty()
+    {
+        m_adb.addRule("-s S1 shell getprop ro.product.model", 0, "Pixel 7\\n");
+        m_adb.addRule("-s S1 shell getprop ro.product.manufacturer", 0, "Google\\n");
+        m_adb.addRule("-s S1 shell getprop ro.boot.ddr_size", 1, {}, "boom");
+        m_adb.addRule("-s S1 shell wm size", 0, "Physical size: 1080x2400\\n");
+        const DeviceInfo info = AdbClient::getDeviceInfo("S1");
+        QCOMPARE(info.model, QString("Pixel 7"));
+        QCOMPARE(info.manufacturer, QString("Google"));
+        QCOMPARE(info.ddr_size, QString("[error] adb command failed (exit code 1): boom"));
+        QCOMPARE(info.screen_size, QSize(1080, 2400));
+        const QStringList keys = {"ro.product.manufacturer", "ro.product.model", "ro.build.version.release",
+                                  "ro.serialno", "ro.build.fingerprint", "ro.csc.country_code",
+                                  "ro.csc.sales_code", "gsm.operator.alpha", "service.adb.tcp.port",
+                                  "sys.usb.config", "ro.boot.ddr_size"};
+        const auto calls = m_adb.calls();
+        QCOMPARE(calls.size(), keys.size() + 1);
+        for (int i = 0; i < keys.size(); ++i)
+            QCOMPARE(calls[i], (Args{"-s", "S1", "shell", "getprop", keys[i]}));
+        QCOMPARE(calls.last(), (Args{"-s", "S1", "shell", "wm", "size"}));
+    }
+
+    void badScreenSizeGivesZeros()
+    {
+        m_adb.addRule("-s S1 shell wm size", 0, "Physical size: unknown\\n");
+        QCOMPARE(AdbClient::getDeviceInfo("S1").screen_size, QSize(0, 0));
+    }
+
+    void wifiAddressFallbacks_data()
+    {
+        QTest::addColumn<QString>("ipAddr");
+        QTest::addColumn<QString>("ifconfig");
+        QTest::addColumn<QString>("dhcp");
+        QTest::addColumn<QString>("eth0");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<int>("callCount");
+        const QString wlan = "3: wlan0: <BROADCAST,MULTICAST,UP> mtu 1500\\n    inet 127.0.0.11/24 brd 127.0.0.255 scope global wlan0\\n";
+        QTest::newRow("ip addr") << wlan << "" << "" << "" << "127.0.0.11" << 1;
+        QTest::newRow("ifconfig addr:") << "" << "wlan0 Link encap:Ethernet\\n inet addr:127.0.0.12  Bcast:127.0.0.255" << "" << ""
+                                        << "127.0.0.12" << 2;
+        QTest::newRow("dhcp property") << "" << "" << "127.0.0.13" << "" << "127.0.0.13" << 3;
+        QTest::newRow("dhcp junk then eth0") << "" << "" << "none" << "inet 127.0.0.14/8 scope" << "127.0.0.14" << 4;
+        QTest::newRow("octets not range checked") << "inet 999.1.1.1/24" << "" << "" << "" << "999.1.1.1" << 1;
+        QTest::newRow("nothing") << "" << "" << "" << "" << "" << 4;
+    }
+
+    void wifiAddressFallbacks()
+    {
+        QFETCH(QString, ipAddr);
+        QFETCH(QString, ifconfig);
+        QFETCH(QString, dhcp);
+        QFETCH(QString, eth0);
+        QFETCH(QString, expected);
+        QFETCH(int, callCount);
+        m_adb.addRule("-s S1 shell ip addr show wlan0", ipAddr.isEmpty() ? 1 : 0, ipAddr, "Device \"wlan0\" does not exist.");
+        m_adb.addRule("-s S1 shell ifconfig wlan0", 0, ifconfig);
+        m_adb.addRule("-s S1 shell getprop dhcp.wlan0.ipaddress", 0, dhcp);
+        m_adb.addRule("-s S1 shell ip addr show eth0", 0, eth0);
+        QCOMPARE(AdbClient::getWifiIpAddress("S1"), expected);
+        QCOMPARE(m_adb.calls().size(), callCount);
+        QCOMPARE(m_adb.calls().first(), (Args{"-s", "S1", "shell", "ip addr show wlan0"}));
+    }
+
+    void wallpaperPushesAndAttaches()
+    {
+        QTemporaryFile picture;
+        QVERIFY(picture.open());
+        QVERIFY(AdbClient::setWallpaper("S1", picture.fileName()));
+        QCOMPARE(m_adb.calls(),
+                 (QList<Args>{Args{"-s", "S1", "push", picture.fileName(), "/data/local/tmp/wallpaper_korvel.png"},
+                              Args{"-s", "S1", "shell", "am", "start", "-a", "android.intent.action.ATTACH_DATA",
+                                   "-c", "android.intent.category.DEFAULT", "-d",
+                                   "file:///data/local/tmp/wallpaper_korvel.png", "-t", "image/*",
+                                   "--grant-read-uri-permission"}}));
+    }
+
+    void callsFromSeveralThreadsAreIndependent()
+    {
+        m_adb.addRule("-s A shell echo", 0, "a");
+        m_adb.addRule("-s B shell echo", 0, "b");
+        QString a, b;
+        QThread *first = QThread::create([&] { a = AdbClient::run({"-s", "A", "shell", "echo"}); });
+        QThread *second = QThread::create([&] { b = AdbClient::run({"-s", "B", "shell", "echo"}); });
+        first->start();
+        second->start();
+        QVERIFY(first->wait(10000) && second->wait(10000));
+        delete first;
+        delete second;
+        QCOMPARE(a, QString("a"));
+        QCOMPARE(b, QString("b"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAdbClient)
+#include "tst_adbclient.moc"

@@ -1,0 +1,131 @@
+#include "appconfig.h"
+#include "appstartup.h"
+
+#include <QSettings>
+#include <QtTest>
+
+class TestAppConfig : public QObject
+{
+    Q_OBJECT
+
+private:
+    QStringList storedKeys() const
+    {
+        QSettings store(QSettings::NativeFormat, QSettings::UserScope, "Application", "Korvel");
+        store.beginGroup("app_settings");
+        return store.childKeys();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QStandardPaths::setTestModeEnabled(false);
+        AppConfig::instance()->reset();
+    }
+
+    void defaultsLeaveTheStoreEmpty()
+    {
+        AppConfig *config = AppConfig::instance();
+        const QString desktop = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+        QCOMPARE(config->getVideoSavePath(), desktop + "/KV/Videos");
+        QCOMPARE(config->getScreenshotSavePath(), desktop + "/KV/Screenshots");
+        QCOMPARE(config->getKeyMappingSavePath(), desktop + "/KV/KeyMap");
+        QCOMPARE(config->getCommonPhraseSavePath(), desktop + "/KV/CommonPhrase");
+        QCOMPARE(config->getDeviceNicknameSavePath(), desktop + "/KV/DeviceNickname");
+        QCOMPARE(config->getDeviceGroupSavePath(), desktop + "/KV/DeviceGroup");
+        QCOMPARE(config->getLocale(), QLocale::system().name());
+        QVERIFY(storedKeys().isEmpty());
+    }
+
+    void settersReachDiskAtOnceAndSignal()
+    {
+        AppConfig *config = AppConfig::instance();
+        QSignalSpy spy(config, &AppConfig::appSettingChanged);
+        config->setScreenshotSavePath("/tmp/shots");
+        config->setLocale("zh_TW");
+        QCOMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(0), (QVariantList{"screenshot_save_path", "/tmp/shots"}));
+        QCOMPARE(spy.at(1), (QVariantList{"locale", "zh_TW"}));
+
+        // Another reader of the store sees the values without any explicit sync.
+        QSettings store(QSettings::NativeFormat, QSettings::UserScope, "Application", "Korvel");
+        QCOMPARE(store.value("app_settings/screenshot_save_path").toString(), QString("/tmp/shots"));
+        QCOMPARE(store.value("app_settings/locale").toString(), QString("zh_TW"));
+        QCOMPARE(config->getScreenshotSavePath(), QString("/tmp/shots"));
+        QCOMPARE(config->getAppSetting("locale", "x"), QString("zh_TW"));
+
+        config->reset();
+        QVERIFY(storedKeys().isEmpty());
+        QCOMPARE(config->getLocale(), QLocale::system().name());
+    }
+
+    void appInfoDescribesThisVersion()
+    {
+        QCOMPARE(AppConfig::instance()->currentVersion(), QString("1.0.1"));
+        QCOMPARE(AppConfig::instance()->appInfo().appName, QString("Korvel Multi-Phones Control"));
+    }
+
+    void updateCheckWithoutServiceDoesNothing()
+    {
+        QSignalSpy spy(AppConfig::instance(), &AppConfig::appInfoChanged);
+        qunsetenv("KORVEL_UPDATE_URL");
+        AppConfig::instance()->getAppInfoFromServer();
+        // A service that cannot be reached is quiet as well.
+        qputenv("KORVEL_UPDATE_URL", "http://127.0.0.1:9/korvel/latest");
+        AppConfig::instance()->getAppInfoFromServer();
+        QTest::qWait(300);
+        QCOMPARE(spy.count(), 0);
+        QCOMPARE(AppConfig::instance()->appInfo().latestVersion, QString());
+    }
+
+    void adbPathPrefersBundledAdbAndIsCached()
+    {
+        const QString bundled = QCoreApplication::applicationDirPath() + "/third_party/adb/linux/adb";
+        QDir().mkpath(QFileInfo(bundled).path());
+        QFile file(bundled);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\nexit 0\n");
+        file.close();
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+
+        QCOMPARE(AppConfig::adbPath(), bundled);
+        QVERIFY(QFile::remove(bundled));
+        QCOMPARE(AppConfig::adbPath(), bundled);
+        QCOMPARE(AppConfig::serverPath(), QCoreApplication::applicationDirPath() + "/third_party/scrcpy-server");
+    }
+
+    void localeChoosesTranslation_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("zh_CN") << "zh_CN" << ":/translations/Korvel_CN.qm";
+        QTest::newRow("zh_TW") << "zh_TW" << ":/translations/Korvel_TW.qm";
+        QTest::newRow("en_US") << "en_US" << "";
+        QTest::newRow("case sensitive") << "zh_cn" << "";
+        QTest::newRow("both: TW wins") << "CN_TW" << ":/translations/Korvel_TW.qm";
+    }
+
+    void localeChoosesTranslation()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, file);
+        QCOMPARE(AppStartup::translationFile(locale), file);
+        if (!file.isEmpty())
+            QVERIFY2(QFile::exists(file), "the catalogue is compiled into the resources");
+    }
+
+    void storedLocaleTranslatesTheInterface()
+    {
+        AppConfig::instance()->setLocale("zh_TW");
+        QVERIFY(AppStartup::installTranslation(AppConfig::instance()->getLocale()));
+        QCOMPARE(QCoreApplication::translate("Main", "Phone Farms"), QString("手機農場"));
+        AppConfig::instance()->setLocale("zh_CN");
+        QVERIFY(AppStartup::installTranslation(AppConfig::instance()->getLocale()));
+        QCOMPARE(QCoreApplication::translate("Main", "Phone Farms"), QString("手机农场"));
+        QVERIFY(!AppStartup::installTranslation("en_US"));
+        AppConfig::instance()->reset();
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAppConfig)
+#include "tst_appconfig.moc"

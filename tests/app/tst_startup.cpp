@@ -1,0 +1,136 @@
+#include "appconfig.h"
+#include "appstartup.h"
+#include "fakeadb.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QtQml/qqmlextensionplugin.h>
+#include <QtTest>
+
+Q_IMPORT_QML_PLUGIN(KorvelPlugin)
+
+namespace {
+QStringList qmlWarnings;
+QtMessageHandler previousHandler = nullptr;
+
+void collectWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && message.contains("qml", Qt::CaseInsensitive))
+        qmlWarnings << message;
+    previousHandler(type, context, message);
+}
+}
+
+// Brings the application up in-process, as main() does, with a stand-in adb found on the PATH.
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+private:
+    FakeAdb m_adb;
+    QQmlApplicationEngine *m_engine = nullptr;
+
+    QQuickWindow *window() const
+    {
+        return m_engine->rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(m_engine->rootObjects().first());
+    }
+
+    template<typename T = QObject>
+    T *find(const char *name) const { return window()->findChild<T *>(name); }
+
+    QStringList menuEntries(const char *menuButton) const
+    {
+        QObject *menu = find(menuButton)->property("menu").value<QObject *>();
+        QStringList texts;
+        const int count = menu->property("count").toInt();
+        for (int i = 0; i < count; ++i) {
+            QQuickItem *item = nullptr;
+            QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem *, item), Q_ARG(int, i));
+            texts << item->property("text").toString() + (item->property("enabled").toBool() ? "" : " (disabled)");
+        }
+        return texts;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
+        previousHandler = qInstallMessageHandler(collectWarnings);
+        AppStartup::configureApplication();
+        m_engine = new QQmlApplicationEngine;
+        AppStartup::loadUserInterface(*m_engine);
+    }
+
+    void usesTheAdbOnThePath()
+    {
+        QCOMPARE(AppConfig::adbPath(), m_adb.program());
+    }
+
+    void identity()
+    {
+        QCOMPARE(QCoreApplication::applicationName(), QString("Korvel"));
+        QCOMPARE(QCoreApplication::organizationName(), QString("Korvel"));
+        QCOMPARE(QCoreApplication::applicationVersion(), QString("1.0.1"));
+        QCOMPARE(QGuiApplication::applicationDisplayName(), QString("Korvel"));
+        QVERIFY(!QGuiApplication::windowIcon().isNull());
+        QCOMPARE(QQuickWindow::graphicsApi(), QSGRendererInterface::OpenGL);
+    }
+
+    void mainWindowLoadsWithoutWarnings()
+    {
+        QVERIFY(window());
+        QVERIFY(QTest::qWaitForWindowExposed(window()));
+        QCOMPARE(window()->title(), QString("Phone Farms"));
+        QCOMPARE(window()->size(), QSize(1480, 800));
+        QTest::qWait(200);
+        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
+    }
+
+    void headerAndMenus()
+    {
+        QCOMPARE(find("headerTitle")->property("text").toString(), QString("Korvel Multi-Phones Control"));
+        QCOMPARE(find<QQuickItem>("headerBar")->height(), 44.0);
+        QCOMPARE(find("devicesMenu")->property("text").toString(), QString("Devices"));
+        QCOMPARE(menuEntries("devicesMenu"), (QStringList{"Scan Devices (disabled)", "Manage Device Groups (disabled)",
+                                                          "Restart ADB Server (disabled)"}));
+        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases (disabled)", "Key Mapping (disabled)"}));
+        QCOMPARE(menuEntries("settingsMenu"), (QStringList{"About APP", "APP Settings"}));
+    }
+
+    void drawsHeaderAndBlackGrid()
+    {
+        const QImage shot = window()->grabWindow();
+        QCOMPARE(shot.size(), QSize(1480, 800));
+        QCOMPARE(QColor(shot.pixel(600, 5)), QColor("#222222"));
+        auto *grid = find<QQuickItem>("gridPanel");
+        const QPointF inGrid = grid->mapToScene(QPointF(20, 20));
+        QCOMPARE(QColor(shot.pixel(inGrid.toPoint())), QColor("#0A0A0A"));
+        QVERIFY(find<QQuickItem>("deviceList")->width() >= 200);
+    }
+
+    void quittingKillsTheAdbServerOnce()
+    {
+        m_adb.clear();
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QCOMPARE(qApp->exec(), 0);
+        QCOMPARE(m_adb.calls(), QList<QStringList>{QStringList{"kill-server"}});
+    }
+
+    void cleanupTestCase()
+    {
+        delete m_engine;
+        qInstallMessageHandler(previousHandler);
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    AppStartup::selectGraphicsApi();
+    QGuiApplication app(argc, argv);
+    TestStartup test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_startup.moc"

@@ -1,0 +1,414 @@
+#include "fakesocket.h"
+#include "h264testencoder.h"
+#include "recordingsink.h"
+#include "streambuilder.h"
+#include "videodecoder.h"
+#include "videodemuxer.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+extern "C" {
+#include <libavutil/frame.h>
+#include <libavutil/log.h>
+}
+
+using namespace StreamBuilder;
+
+namespace {
+
+// A demuxer on a fake socket whose two sinks write to one shared log.
+struct Rig
+{
+    explicit Rig(bool withRecorder = true)
+        : demuxer(&socket, withRecorder ? &recorder : nullptr, &decoder)
+    {
+    }
+    FakeSocket socket;
+    QStringList log;
+    RecordingSink recorder{QStringLiteral("recorder"), &log};
+    RecordingSink decoder{QStringLiteral("decoder"), &log};
+    VideoDemuxer demuxer;
+};
+
+QByteArray h264Header(quint32 width = 1080, quint32 height = 1920)
+{
+    return header("phone", "h264", width, height);
+}
+
+QByteArray startCoded(const QByteArray &nal)
+{
+    return QByteArray::fromHex("00000001") + nal;
+}
+
+} // namespace
+
+class TestVideoDemuxer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void headerArrivesInPieces();
+    void deviceName_data();
+    void deviceName();
+    void headerDimensionsOpenLowDelayContext();
+    void sizeLimits_data();
+    void sizeLimits();
+    void startCodes_data();
+    void startCodes();
+    void timestamps_data();
+    void timestamps();
+    void everySplitPointGivesSamePackets();
+    void byteByByteGivesSamePackets();
+    void atMost200PacketsPerRead();
+    void unknownCodecStillFeedsSinks();
+    void recorderBeforeDecoder();
+    void withoutRecorderDecoderStillFed();
+    void decoderDeletedFirstIsSkipped();
+    void socketDeletedFirstIsHarmless();
+    void realH264Stream_data();
+    void realH264Stream();
+};
+
+void TestVideoDemuxer::initTestCase()
+{
+    // Garbage payloads make the H.264 decoder complain; only its fatal messages are of interest.
+    av_log_set_level(AV_LOG_FATAL);
+}
+
+void TestVideoDemuxer::headerArrivesInPieces()
+{
+    Rig rig;
+    const QByteArray bytes = h264Header() + packet(7, startCoded("\x65\x01\x02"));
+    rig.socket.feed(bytes.left(10));
+    rig.socket.feed(bytes.mid(10, 50));
+    QVERIFY(!rig.demuxer.isHeaderParsed());
+    QVERIFY(!rig.demuxer.codecContext());
+    // The 76th byte arrives together with a whole packet: both are handled in this read.
+    rig.socket.feed(bytes.mid(60));
+    QVERIFY(rig.demuxer.isHeaderParsed());
+    QVERIFY(rig.demuxer.codecContext());
+    QCOMPARE(rig.demuxer.deviceName(), QStringLiteral("phone"));
+    QCOMPARE(rig.decoder.packets.size(), 1);
+    QCOMPARE(rig.decoder.packets[0].pts, 7);
+}
+
+void TestVideoDemuxer::deviceName_data()
+{
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<QString>("expected");
+    const QByteArray full(64, 'A');
+    QTest::newRow("64 bytes, no NUL") << full << QString::fromLatin1(full);
+    QTest::newRow("7 chars then 57 NUL") << (QByteArray("Pixel 7") + QByteArray(57, '\0')) << QStringLiteral("Pixel 7");
+    QTest::newRow("bytes after the first NUL ignored")
+        << (QByteArray("ab") + QByteArray(1, '\0') + QByteArray("cd").leftJustified(61, '\0')) << QStringLiteral("ab");
+    QTest::newRow("UTF-8") << QByteArray("Téléphone").leftJustified(64, '\0') << QStringLiteral("Téléphone");
+}
+
+void TestVideoDemuxer::deviceName()
+{
+    QFETCH(QByteArray, field);
+    QFETCH(QString, expected);
+    Rig rig;
+    QCOMPARE(field.size(), 64);
+    rig.socket.feed(field + QByteArray("h264") + QByteArray::fromHex("0000043800000780"));
+    QVERIFY(rig.demuxer.isHeaderParsed());
+    QCOMPARE(rig.demuxer.deviceName(), expected);
+}
+
+void TestVideoDemuxer::headerDimensionsOpenLowDelayContext()
+{
+    Rig rig;
+    rig.socket.feed(QByteArray(64, '\0') + QByteArray("h264") + QByteArray::fromHex("0000043800000780"));
+    QCOMPARE(rig.demuxer.codecId(), QByteArray("h264"));
+    QCOMPARE(rig.demuxer.width(), 1080u);
+    QCOMPARE(rig.demuxer.height(), 1920u);
+    AVCodecContext *context = rig.demuxer.codecContext();
+    QVERIFY(context);
+    QVERIFY(avcodec_is_open(context));
+    QCOMPARE(context->width, 1080);
+    QCOMPARE(context->height, 1920);
+    QVERIFY(context->flags & AV_CODEC_FLAG_LOW_DELAY);
+    QVERIFY(context->flags2 & AV_CODEC_FLAG2_FAST);
+    QVERIFY(context->flags2 & AV_CODEC_FLAG2_CHUNKS);
+}
+
+void TestVideoDemuxer::sizeLimits_data()
+{
+    QTest::addColumn<quint32>("size");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("0 dropped") << 0u << false;
+    QTest::newRow("1 accepted") << 1u << true;
+    QTest::newRow("8388608 accepted") << 8388608u << true;
+    QTest::newRow("8388609 dropped") << 8388609u << false;
+    QTest::newRow("0xFFFFFFFF dropped") << 0xFFFFFFFFu << false;
+}
+
+void TestVideoDemuxer::sizeLimits()
+{
+    QFETCH(quint32, size);
+    QFETCH(bool, accepted);
+    Rig rig;
+    // A rejected header is dropped alone and the following bytes are read as the next header.
+    QByteArray bytes = h264Header() + packetHeader(0x10, size);
+    if (accepted)
+        bytes += QByteArray(int(size), '\0');
+    const QByteArray next = startCoded("\x65\xAA\xBB");
+    bytes += packet(0x20, next);
+    rig.socket.feed(bytes);
+
+    QCOMPARE(rig.decoder.packets.size(), accepted ? 2 : 1);
+    if (accepted) {
+        QCOMPARE(rig.decoder.packets[0].data.size(), int(size));
+        QCOMPARE(rig.decoder.packets[0].pts, 0x10);
+    }
+    QCOMPARE(rig.decoder.packets.last().pts, 0x20);
+    QCOMPARE(rig.decoder.packets.last().data, next);
+}
+
+void TestVideoDemuxer::startCodes_data()
+{
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<QByteArray>("expected");
+    auto hex = [](const char *h) { return QByteArray::fromHex(h); };
+    QTest::newRow("4-byte start code") << hex("0000000165AABB") << hex("0000000165AABB");
+    QTest::newRow("3-byte start code") << hex("00000165AABB") << hex("00000165AABB");
+    QTest::newRow("three zeros, any 4th byte") << hex("0000000765AABB") << hex("0000000765AABB");
+    QTest::newRow("no start code") << hex("25B8010203") << hex("0000000125B8010203");
+    QTest::newRow("00 01 is not a start code") << hex("0001650102") << hex("000000010001650102");
+    QTest::newRow("00 00 02 is not a start code") << hex("0000026501") << hex("000000010000026501");
+    QTest::newRow("4 bytes never prefixed") << hex("25B80102") << hex("25B80102");
+    QTest::newRow("1 byte never prefixed") << hex("65") << hex("65");
+}
+
+void TestVideoDemuxer::startCodes()
+{
+    QFETCH(QByteArray, payload);
+    QFETCH(QByteArray, expected);
+    Rig rig;
+    rig.socket.feed(h264Header() + packet(1, payload));
+    QCOMPARE(rig.recorder.packets.size(), 1);
+    QCOMPARE(rig.recorder.packets[0].data, expected);
+    QCOMPARE(rig.decoder.packets[0].data, expected);
+}
+
+void TestVideoDemuxer::timestamps_data()
+{
+    QTest::addColumn<quint64>("ptsAndFlags");
+    QTest::addColumn<qint64>("pts");
+    QTest::addColumn<bool>("key");
+    QTest::newRow("config") << quint64(0x8000000000000000) << qint64(AV_NOPTS_VALUE) << false;
+    QTest::newRow("key frame") << quint64(0x4000000000000F00) << qint64(3840) << true;
+    QTest::newRow("config and key") << quint64(0xC000000000000000) << qint64(AV_NOPTS_VALUE) << true;
+    QTest::newRow("plain") << quint64(1000000) << qint64(1000000) << false;
+    QTest::newRow("largest time") << quint64(0x3FFFFFFFFFFFFFFF) << qint64(0x3FFFFFFFFFFFFFFF) << false;
+}
+
+void TestVideoDemuxer::timestamps()
+{
+    QFETCH(quint64, ptsAndFlags);
+    QFETCH(qint64, pts);
+    QFETCH(bool, key);
+    Rig rig;
+    rig.socket.feed(h264Header() + packet(ptsAndFlags, startCoded("\x65\x00")));
+    QCOMPARE(rig.decoder.packets.size(), 1);
+    QCOMPARE(rig.decoder.packets[0].pts, pts);
+    QCOMPARE(rig.decoder.packets[0].dts, pts);
+    QCOMPARE(rig.decoder.packets[0].key, key);
+}
+
+namespace {
+
+// Header plus a mix of packets: config, key, prefixed, tiny, an invalid size header, a large one.
+QByteArray mixedStream()
+{
+    QByteArray bytes = h264Header(720, 1280);
+    bytes += packet(ConfigFlag, QByteArray::fromHex("0000000167640028ACD940") + QByteArray::fromHex("0000000168EBE3CB"));
+    bytes += packet(KeyFlag | 1000, startCoded(QByteArray(300, '\x42')));
+    bytes += packet(34333, QByteArray::fromHex("41E0AA55CC"));
+    bytes += packetHeader(5, 0);
+    bytes += packet(67666, QByteArray::fromHex("01020304"));
+    bytes += packet(100999, QByteArray(1000, '\x07'));
+    return bytes;
+}
+
+QList<SeenPacket> feedInPieces(const QList<QByteArray> &pieces)
+{
+    Rig rig;
+    for (const QByteArray &piece : pieces)
+        rig.socket.feed(piece);
+    return rig.decoder.packets;
+}
+
+} // namespace
+
+void TestVideoDemuxer::everySplitPointGivesSamePackets()
+{
+    const QByteArray bytes = mixedStream();
+    const QList<SeenPacket> reference = feedInPieces({bytes});
+    QCOMPARE(reference.size(), 5);
+    for (int split = 1; split < bytes.size(); ++split) {
+        const QList<SeenPacket> packets = feedInPieces({bytes.left(split), bytes.mid(split)});
+        if (packets != reference)
+            QFAIL(qPrintable(QStringLiteral("different packets when split at byte %1").arg(split)));
+    }
+}
+
+void TestVideoDemuxer::byteByByteGivesSamePackets()
+{
+    const QByteArray bytes = mixedStream();
+    QList<QByteArray> pieces;
+    for (char c : bytes)
+        pieces.append(QByteArray(1, c));
+    QCOMPARE(feedInPieces(pieces), feedInPieces({bytes}));
+}
+
+void TestVideoDemuxer::atMost200PacketsPerRead()
+{
+    Rig rig;
+    QByteArray bytes = h264Header();
+    for (int i = 0; i < 250; ++i)
+        bytes += packet(quint64(i), startCoded("\x41\x01"));
+    rig.socket.feed(bytes);
+    QCOMPARE(rig.recorder.packets.size(), 200);
+    QCOMPARE(rig.decoder.packets.size(), 200);
+
+    // The rest waits for the next readyRead, even with the event loop running.
+    QCoreApplication::processEvents();
+    QCOMPARE(rig.decoder.packets.size(), 200);
+
+    rig.socket.feed(QByteArray());
+    QCOMPARE(rig.recorder.packets.size(), 250);
+    QCOMPARE(rig.decoder.packets.size(), 250);
+    for (int i = 0; i < 250; ++i)
+        QCOMPARE(rig.decoder.packets[i].pts, qint64(i));
+}
+
+void TestVideoDemuxer::unknownCodecStillFeedsSinks()
+{
+    Rig rig;
+    QByteArray bytes = header("phone", "abcd", 1080, 1920);
+    for (int i = 0; i < 3; ++i)
+        bytes += packet(quint64(i), startCoded("\x41\x01"));
+    rig.socket.feed(bytes);
+    QVERIFY(rig.demuxer.isHeaderParsed());
+    QVERIFY(!rig.demuxer.codecContext());
+    QCOMPARE(rig.demuxer.codecId(), QByteArray("abcd"));
+    // The failed set-up ends that read; the packets follow on the next one.
+    QCOMPARE(rig.recorder.packets.size(), 0);
+    rig.socket.feed(QByteArray());
+    QCOMPARE(rig.recorder.packets.size(), 3);
+    QCOMPARE(rig.decoder.packets.size(), 3);
+    // The header is never parsed again.
+    rig.socket.feed(h264Header());
+    QVERIFY(!rig.demuxer.codecContext());
+}
+
+void TestVideoDemuxer::recorderBeforeDecoder()
+{
+    Rig rig;
+    QByteArray bytes = h264Header();
+    for (int i = 0; i < 3; ++i)
+        bytes += packet(quint64(i), startCoded("\x41\x01"));
+    rig.socket.feed(bytes);
+    const QStringList expected{"recorder", "decoder", "recorder", "decoder", "recorder", "decoder"};
+    QCOMPARE(rig.log, expected);
+}
+
+void TestVideoDemuxer::withoutRecorderDecoderStillFed()
+{
+    Rig rig(false);
+    rig.socket.feed(h264Header() + packet(1, startCoded("\x41\x01")));
+    QCOMPARE(rig.decoder.packets.size(), 1);
+    QCOMPARE(rig.recorder.packets.size(), 0);
+}
+
+void TestVideoDemuxer::decoderDeletedFirstIsSkipped()
+{
+    FakeSocket socket;
+    RecordingSink recorder;
+    auto *decoder = new VideoDecoder;
+    VideoDemuxer demuxer(&socket, &recorder, decoder);
+    decoder->setDemuxer(&demuxer);
+    socket.feed(h264Header() + packet(1, startCoded("\x41\x01")));
+    delete decoder;
+    socket.feed(packet(2, startCoded("\x41\x01")));
+    QCOMPARE(recorder.packets.size(), 2);
+}
+
+void TestVideoDemuxer::socketDeletedFirstIsHarmless()
+{
+    auto *socket = new FakeSocket;
+    RecordingSink decoder;
+    VideoDemuxer demuxer(socket, nullptr, &decoder);
+    socket->feed(h264Header() + packet(1, startCoded("\x41\x01")) + packet(2, startCoded("\x41\x01")).left(14));
+    delete socket;
+    demuxer.read();
+    QCOMPARE(decoder.packets.size(), 1);
+}
+
+void TestVideoDemuxer::realH264Stream_data()
+{
+    QTest::addColumn<bool>("stripStartCodes");
+    QTest::newRow("as sent") << false;
+    QTest::newRow("leading start codes removed") << true;
+}
+
+void TestVideoDemuxer::realH264Stream()
+{
+    QFETCH(bool, stripStartCodes);
+    const int width = 320, height = 240, frames = 10;
+    QString error;
+    QList<EncodedPacket> encoded = H264TestEncoder::encode(width, height, frames, &error);
+    QVERIFY2(!encoded.isEmpty(), qPrintable(error));
+    QCOMPARE(encoded.size(), frames + 1);
+    if (stripStartCodes) {
+        // The demuxer has to put the start code back on every frame for the decoder to cope.
+        for (EncodedPacket &p : encoded) {
+            if (p.config)
+                continue;
+            if (p.data.startsWith(QByteArray::fromHex("00000001")))
+                p.data.remove(0, 4);
+            else if (p.data.startsWith(QByteArray::fromHex("000001")))
+                p.data.remove(0, 3);
+        }
+    }
+
+    FakeSocket socket;
+    QStringList log;
+    RecordingSink recorder(QStringLiteral("recorder"), &log);
+    VideoDecoder decoder;
+    VideoDemuxer demuxer(&socket, &recorder, &decoder);
+    decoder.setDemuxer(&demuxer);
+    QList<QSize> sizes;
+    QList<int> formats;
+    connect(&decoder, &VideoDecoder::frameDecoded, this, [&](AVFrame *frame) {
+        log.append(QStringLiteral("frame"));
+        sizes.append(QSize(frame->width, frame->height));
+        formats.append(frame->format);
+    });
+
+    const QByteArray bytes = H264TestEncoder::stream(encoded, width, height);
+    // Arbitrary read sizes, as a socket delivers them.
+    for (int pos = 0; pos < bytes.size(); pos += 1400)
+        socket.feed(bytes.mid(pos, 1400));
+
+    QCOMPARE(sizes.size(), frames);
+    for (const QSize &size : sizes)
+        QCOMPARE(size, QSize(width, height));
+    for (int format : formats)
+        QCOMPARE(format, int(AV_PIX_FMT_YUV420P));
+    QCOMPARE(recorder.packets.size(), frames + 1);
+    QCOMPARE(recorder.packets[0].pts, qint64(AV_NOPTS_VALUE));
+    QVERIFY(recorder.packets[1].key);
+    QStringList expected{"recorder"};
+    for (int i = 0; i < frames; ++i)
+        expected << "recorder" << "frame";
+    QCOMPARE(log, expected);
+    QVERIFY(decoder.lastFrame());
+    QCOMPARE(decoder.lastFrame()->width, width);
+}
+
+QTEST_GUILESS_MAIN(TestVideoDemuxer)
+#include "tst_videodemuxer.moc"

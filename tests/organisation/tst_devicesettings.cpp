@@ -1,0 +1,168 @@
+#include "appconfig.h"
+#include "devicesettings.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+class TestDeviceSettings : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_folder;
+    QString file() const { return m_folder.filePath("nicknames/device_nicknames.json"); }
+    DeviceSettings *settings() const { return DeviceSettings::instance(); }
+
+    void writeFile(const QByteArray &content)
+    {
+        QDir().mkpath(QFileInfo(file()).path());
+        QFile out(file());
+        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(content);
+    }
+
+    QJsonObject fileMembers() const
+    {
+        QFile in(file());
+        if (!in.open(QIODevice::ReadOnly))
+            return {};
+        return QJsonDocument::fromJson(in.readAll()).object().value("device_nicknames").toObject();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        // The folder does not exist yet: saving must create it.
+        AppConfig::instance()->setDeviceNicknameSavePath(m_folder.filePath("nicknames"));
+    }
+
+    void init()
+    {
+        QFile::remove(file());
+        settings()->reload();
+    }
+
+    void setWritesFileAndSignalsOnce()
+    {
+        QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
+        settings()->setDeviceNickname("B-serial", "Bravo");
+        settings()->setDeviceNickname("A-serial", "Alpha");
+        const QDateTime written = QFileInfo(file()).lastModified();
+        QTest::qWait(20);
+        settings()->setDeviceNickname("A-serial", "Alpha");
+        QCOMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(1), (QVariantList{"A-serial", "Alpha"}));
+        QCOMPARE(QFileInfo(file()).lastModified(), written);
+
+        QCOMPARE(fileMembers(), (QJsonObject{{"A-serial", "Alpha"}, {"B-serial", "Bravo"}}));
+        QCOMPARE(settings()->getAllDeviceSerials(), (QStringList{"A-serial", "B-serial"}));
+        // Written indented, members in serial order.
+        QFile in(file());
+        QVERIFY(in.open(QIODevice::ReadOnly));
+        const QByteArray text = in.readAll();
+        QVERIFY(text.contains("\n    \"device_nicknames\": {"));
+        QVERIFY(text.indexOf("A-serial") < text.indexOf("B-serial"));
+    }
+
+    void emptyNicknameRemoves()
+    {
+        settings()->setDeviceNickname("S", "Rack 1");
+        QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
+        settings()->setDeviceNickname("S", "");
+        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0), (QVariantList{"S", ""}));
+        QCOMPARE(settings()->getDeviceNickname("S"), QString());
+        QVERIFY(fileMembers().isEmpty());
+        settings()->removeDeviceNickname("S");
+        QCOMPARE(spy.count(), 1);
+    }
+
+    void emptySerialIsIgnored()
+    {
+        QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
+        settings()->setDeviceNickname("", "Nobody");
+        QCOMPARE(spy.count(), 0);
+        QVERIFY(!QFile::exists(file()));
+    }
+
+    void clearAllSignalsEachSerialInOrder()
+    {
+        settings()->setDeviceNickname("b", "2");
+        settings()->setDeviceNickname("a", "1");
+        QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
+        settings()->clearAllDeviceNicknames();
+        QCOMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(0), (QVariantList{"a", ""}));
+        QCOMPARE(spy.at(1), (QVariantList{"b", ""}));
+        QVERIFY(fileMembers().isEmpty());
+        QVERIFY(QFile::exists(file()));
+    }
+
+    void loadSkipsBadMembers()
+    {
+        writeFile(R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})");
+        settings()->reload();
+        QCOMPARE(settings()->getAllDeviceSerials(), QStringList{"good"});
+        settings()->setDeviceNickname("other", "X");
+        QCOMPARE(fileMembers(), (QJsonObject{{"good", "Rack"}, {"other", "X"}}));
+    }
+
+    void unusableFilesReadAsEmpty_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("corrupt") << QByteArray("{\"device_nicknames\": {\"a\": ");
+        QTest::newRow("binary") << QByteArray("\x00\xff\xfe garbage", 12);
+        QTest::newRow("array") << QByteArray("[1, 2, 3]");
+        QTest::newRow("wrong type") << QByteArray(R"({"device_nicknames": ["a", "b"]})");
+        QTest::newRow("empty") << QByteArray();
+    }
+
+    void unusableFilesReadAsEmpty()
+    {
+        QFETCH(QByteArray, content);
+        writeFile(content);
+        settings()->reload();
+        QVERIFY(settings()->getAllDeviceSerials().isEmpty());
+        QCOMPARE(settings()->getDeviceNickname("a"), QString());
+    }
+
+    void unreadableFileReadsAsEmpty()
+    {
+        // A folder where the file should be cannot be read as a file, even by root.
+        QVERIFY(QDir().mkpath(file()));
+        settings()->reload();
+        QVERIFY(settings()->getAllDeviceSerials().isEmpty());
+        QVERIFY(QDir(file()).removeRecursively());
+    }
+
+    void failedSaveKeepsPreviousFile()
+    {
+        settings()->setDeviceNickname("keep", "Me");
+        QFile original(file());
+        QVERIFY(original.open(QIODevice::ReadOnly));
+        const QByteArray before = original.readAll();
+        original.close();
+
+        // A disk that fills up mid-write: files may not grow past a few bytes more than the old one.
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit previous{};
+        getrlimit(RLIMIT_FSIZE, &previous);
+        rlimit tight = previous;
+        tight.rlim_cur = before.size() + 16;
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &tight), 0);
+        settings()->setDeviceNickname("new", QString(4096, 'x'));
+        setrlimit(RLIMIT_FSIZE, &previous);
+
+        QFile after(file());
+        QVERIFY(after.open(QIODevice::ReadOnly));
+        QCOMPARE(after.readAll(), before);
+        QCOMPARE(QDir(QFileInfo(file()).path()).entryList(QDir::Files), QStringList{"device_nicknames.json"});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDeviceSettings)
+#include "tst_devicesettings.moc"

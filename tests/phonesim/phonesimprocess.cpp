@@ -1,0 +1,92 @@
+#include "phonesimprocess.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QRandomGenerator>
+#include <QTcpServer>
+#include <QTest>
+
+PhoneSimProcess::PhoneSimProcess()
+{
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+}
+
+PhoneSimProcess::~PhoneSimProcess()
+{
+    stop();
+}
+
+QString PhoneSimProcess::binary()
+{
+    return qEnvironmentVariable("KORVEL_BUILD_DIR") + "/phonesim";
+}
+
+quint16 PhoneSimProcess::freePort()
+{
+    // Outside the range adb probes for emulators (5555-5585).
+    for (;;) {
+        QTcpServer probe;
+        if (probe.listen(QHostAddress::LocalHost, 0) && probe.serverPort() > 6000)
+            return probe.serverPort();
+    }
+}
+
+bool PhoneSimProcess::start(const QStringList &extraArgs, QString *error)
+{
+    m_port = freePort();
+    m_wifiAddress = QString("127.0.0.%1").arg(100 + QRandomGenerator::global()->bounded(150));
+    QStringList args = {"--port", QString::number(m_port), "--data-dir", m_dir.path(),
+                        "--wifi-address", m_wifiAddress};
+    args += extraArgs;
+    const int wifi = extraArgs.indexOf("--wifi-address");
+    if (wifi >= 0)
+        m_wifiAddress = extraArgs.value(wifi + 1);
+    m_process.start(binary(), args);
+    if (!m_process.waitForStarted(5000)) {
+        if (error)
+            *error = "cannot start " + binary() + ": " + m_process.errorString();
+        return false;
+    }
+    for (int i = 0; i < 500 && m_process.state() == QProcess::Running; ++i) {
+        if (m_process.readAll().contains("listening on"))
+            return true;
+        m_process.waitForReadyRead(20);
+    }
+    if (error)
+        *error = "phonesim did not come up: " + QString::fromUtf8(m_process.readAll());
+    return false;
+}
+
+void PhoneSimProcess::stop()
+{
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    m_process.kill();
+    m_process.waitForFinished(3000);
+}
+
+QList<QJsonObject> PhoneSimProcess::journal(const QString &event) const
+{
+    QList<QJsonObject> lines;
+    QFile file(m_dir.path() + "/journal.jsonl");
+    if (!file.open(QIODevice::ReadOnly))
+        return lines;
+    while (!file.atEnd()) {
+        const QJsonObject line = QJsonDocument::fromJson(file.readLine()).object();
+        if (event.isEmpty() || line.value("event").toString() == event)
+            lines.append(line);
+    }
+    return lines;
+}
+
+int PhoneSimProcess::ctl(const QStringList &args, QString *output) const
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(binary(), QStringList{"ctl", "--port", QString::number(m_port)} + args);
+    if (!process.waitForFinished(10000))
+        return -1;
+    if (output)
+        *output = QString::fromUtf8(process.readAll()).trimmed();
+    return process.exitCode();
+}

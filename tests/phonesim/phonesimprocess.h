@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QList>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+// One phonesim process on a free loopback port with its own data folder.
+class PhoneSimProcess
+{
+public:
+    PhoneSimProcess();
+    ~PhoneSimProcess();
+
+    static QString binary();
+    static quint16 freePort();
+
+    // Starts the phone and waits until it listens. Extra arguments go after the defaults.
+    bool start(const QStringList &extraArgs = {}, QString *error = nullptr);
+    void stop();
+
+    quint16 port() const { return m_port; }
+    QString serial() const { return QString("127.0.0.1:%1").arg(m_port); }
+    QString wifiAddress() const { return m_wifiAddress; }
+    QString dataDir() const { return m_dir.path(); }
+    QString sandboxPath(const QString &devicePath) const { return m_dir.path() + "/sandbox" + devicePath; }
+
+    // The journal lines written so far, optionally only those of one event.
+    QList<QJsonObject> journal(const QString &event = {}) const;
+    // Runs `phonesim ctl`; returns its exit code and puts its output in *output.
+    int ctl(const QStringList &args, QString *output = nullptr) const;
+
+private:
+    QProcess m_process;
+    QTemporaryDir m_dir;
+    quint16 m_port = 0;
+    QString m_wifiAddress;
+};

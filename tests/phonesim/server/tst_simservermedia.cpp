@@ -1,0 +1,265 @@
+#include "annexbfileplayer.h"
+#include "h264encoder.h"
+#include "mediastreamreader.h"
+#include "simserver.h"
+#include "simtestsupport.h"
+#include "testpattern.h"
+
+#include <QtTest>
+
+// What the PC's decoders make of the phone's media sockets.
+class TestSimServerMedia : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
+
+private slots:
+    void initTestCase() { av_log_set_level(AV_LOG_ERROR); }
+
+private:
+    static QByteArray hex(const char *text) { return QByteArray::fromHex(text); }
+
+    static MediaStream video(FakeChannel *channel) { return MediaStream::parse(channel->written, true, true); }
+
+    static int nalType(const QByteArray &annexB, int startCodeAt)
+    {
+        return quint8(annexB[startCodeAt + 4]) & 0x1f;
+    }
+
+private slots:
+    void videoDecodesAtTheScaledSize_data()
+    {
+        QTest::addColumn<QSize>("screen");
+        QTest::addColumn<int>("maxSize");
+        QTest::addColumn<QSize>("expected");
+        QTest::newRow("1080x2400 in 800") << QSize(1080, 2400) << 800 << QSize(360, 800);
+        QTest::newRow("720x1280 in 280") << QSize(720, 1280) << 280 << QSize(160, 280);
+    }
+
+    void videoDecodesAtTheScaledSize()
+    {
+        QFETCH(QSize, screen);
+        QFETCH(int, maxSize);
+        QFETCH(QSize, expected);
+        TestPhone phone(true, screen);
+        FakeTunnel tunnel(phone.phone.get());
+        SimServer server(phone.phone.get(),
+                         serverCommand(QString("scid=00000001 audio=false control=false max_size=%1").arg(maxSize)));
+        server.start();
+        QTRY_COMPARE(tunnel.channels.size(), 1);
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 3);
+        const MediaStream stream = video(tunnel.channels[0]);
+        QCOMPARE(stream.name, QByteArray("Pixel Sim"));
+        QCOMPARE(stream.codec, QByteArray("h264"));
+        QCOMPARE(QSize(int(stream.width), int(stream.height)), expected);
+        // The configuration packet comes first and holds SPS then PPS in Annex B form.
+        const MediaPacket &config = stream.packets[0];
+        QVERIFY(config.config());
+        QVERIFY(!config.keyFrame());
+        QCOMPARE(config.payload.left(4), QByteArray("\x00\x00\x00\x01", 4));
+        QCOMPARE(nalType(config.payload, 0), 7);
+        QVERIFY(config.payload.contains(QByteArray("\x00\x00\x00\x01\x68", 5))); // PPS
+        // Then a key frame, then ordinary frames with rising timestamps.
+        QVERIFY(!stream.packets[1].config());
+        QVERIFY(stream.packets[1].keyFrame());
+        QVERIFY(!stream.packets[2].keyFrame());
+        QVERIFY(stream.packets[2].pts() > stream.packets[1].pts());
+        TestDecoder decoder("h264");
+        QVERIFY(decoder.ok());
+        for (const MediaPacket &packet : stream.packets)
+            decoder.decode(packet);
+        QCOMPARE(decoder.errors, 0);
+        QVERIFY(decoder.frames.size() >= 2);
+        for (const TestDecoder::Frame &frame : std::as_const(decoder.frames))
+            QCOMPARE(frame.size, expected);
+    }
+
+    void cornersShowThePhoneColourAndTouchesShowADot()
+    {
+        TestPhone phone;
+        FakeTunnel tunnel(phone.phone.get());
+        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false max_size=400"));
+        server.start();
+        QTRY_COMPARE(tunnel.channels.size(), 2);
+        QTRY_VERIFY(tunnel.channels[1]->isOpen());
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 2); // a picture before the touch
+        // A finger held down in the middle of the screen (the PC's frame is 180x400).
+        tunnel.channels[1]->sendFromPc(hex("02 00 0000000000000000 0000005A 000000C8 00B4 0190 FFFF 00000001 00000001"));
+        const int packetsAtTouch = video(tunnel.channels[0]).packets.size();
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= packetsAtTouch + 2);
+        TestDecoder decoder("h264");
+        for (const MediaPacket &packet : video(tunnel.channels[0]).packets)
+            decoder.decode(packet);
+        const QImage first = decoder.frames.first().luma;
+        const QImage last = decoder.frames.last().luma;
+        // Luma of the phone's colour as the encoder's BT.601 limited-range conversion gives it.
+        const QColor colour = TestPattern::backgroundColor("SIM0001");
+        const int backgroundLuma = 16 + (65 * colour.red() + 129 * colour.green() + 25 * colour.blue()) / 256;
+        QVERIFY(qAbs(qGray(first.pixel(2, 2)) - backgroundLuma) < 8);
+        QVERIFY(qAbs(qGray(first.pixel(first.width() / 2, first.height() / 2)) - backgroundLuma) < 8);
+        QVERIFY(qGray(last.pixel(last.width() / 2, last.height() / 2)) > 200);
+    }
+
+    void rotationRestartsTheStreamAtTheNewSize()
+    {
+        TestPhone phone;
+        FakeTunnel tunnel(phone.phone.get());
+        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false max_size=800"));
+        server.start();
+        QTRY_COMPARE(tunnel.channels.size(), 2);
+        QTRY_VERIFY(tunnel.channels[1]->isOpen());
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 2);
+        tunnel.channels[1]->sendFromPc(hex("0B")); // rotate
+        QCOMPARE(phone.phone->rotation(), 1);
+        auto configIndexes = [&] {
+            QList<int> indexes;
+            const MediaStream stream = video(tunnel.channels[0]);
+            for (int i = 0; i < stream.packets.size(); ++i) {
+                if (stream.packets[i].config())
+                    indexes << i;
+            }
+            return indexes;
+        };
+        QTRY_COMPARE(configIndexes().size(), 2);
+        const int configIndex = configIndexes().last();
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() > configIndex + 1);
+        const MediaStream afterRotate = video(tunnel.channels[0]);
+        QVERIFY(afterRotate.packets[configIndex + 1].keyFrame());
+        // The stream header is not repeated: the size change shows only in the bitstream.
+        QCOMPARE(QSize(int(afterRotate.width), int(afterRotate.height)), QSize(360, 800));
+        TestDecoder decoder("h264");
+        for (const MediaPacket &packet : afterRotate.packets)
+            decoder.decode(packet);
+        QCOMPARE(decoder.frames.first().size, QSize(360, 800));
+        QCOMPARE(decoder.frames.last().size, QSize(800, 360));
+    }
+
+    void resetVideoSendsConfigAndKeyFrame()
+    {
+        TestPhone phone;
+        FakeTunnel tunnel(phone.phone.get());
+        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false max_size=160"));
+        server.start();
+        QTRY_COMPARE(tunnel.channels.size(), 2);
+        QTRY_VERIFY(tunnel.channels[1]->isOpen());
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 3);
+        const int before = video(tunnel.channels[0]).packets.size();
+        tunnel.channels[1]->sendFromPc(hex("11"));
+        // Pictures of the replaced encoder still on their way are dropped: the configuration
+        // comes right after what had arrived, then a key frame.
+        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= before + 2);
+        const MediaStream stream = video(tunnel.channels[0]);
+        QVERIFY(stream.packets[before].config());
+        QVERIFY(stream.packets[before + 1].keyFrame());
+    }
+
+    void audioDecodesAsOpusStereo()
+    {
+        TestPhone phone;
+        FakeTunnel tunnel(phone.phone.get());
+        SimServer server(phone.phone.get(), serverCommand("scid=00000001 video=false control=false audio=true"));
+        server.start();
+        QTRY_COMPARE(tunnel.channels.size(), 1);
+        QTRY_VERIFY(MediaStream::parse(tunnel.channels[0]->written, true, false).packets.size() >= 6);
+        const MediaStream stream = MediaStream::parse(tunnel.channels[0]->written, true, false);
+        QCOMPARE(stream.codec, QByteArray("opus"));
+        QVERIFY(stream.packets[0].config());
+        QVERIFY(stream.packets[0].payload.startsWith("OpusHead"));
+        QVERIFY(!stream.packets[1].config());
+        QCOMPARE(stream.packets[2].pts() - stream.packets[1].pts(), 20000);
+        TestDecoder decoder("opus");
+        QVERIFY(decoder.ok());
+        for (int i = 1; i < stream.packets.size(); ++i)
+            decoder.decode(stream.packets[i]);
+        QCOMPARE(decoder.errors, 0);
+        QCOMPARE(decoder.frames.size(), stream.packets.size() - 1);
+        for (const TestDecoder::Frame &frame : std::as_const(decoder.frames)) {
+            QCOMPARE(frame.sampleRate, 48000);
+            QCOMPARE(frame.channels, 2);
+            QCOMPARE(frame.samples, 960);
+        }
+    }
+
+    void playsAStreamFileInALoop()
+    {
+        // Three pictures from the encoder, the first a key frame, written as one Annex B file.
+        H264Encoder encoder;
+        QString error;
+        QVERIFY2(encoder.open(QSize(64, 48), 500000, 30, &error), qPrintable(error));
+        QByteArray file = encoder.config();
+        for (int i = 0; i < 3; ++i) {
+            QImage image(64, 48, QImage::Format_RGB32);
+            image.fill(QColor(40 * i, 80, 120));
+            QList<H264Encoder::Packet> packets;
+            QVERIFY(encoder.encode(image, i * 33333, &packets));
+            for (const H264Encoder::Packet &packet : std::as_const(packets))
+                file += packet.data;
+        }
+        QTemporaryDir clipDir;
+        const QString path = clipDir.path() + "/clip.h264";
+        QFile out(path);
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write(file);
+        out.close();
+
+        TestPhone phone(true, QSize(1080, 2400), path);
+        FakeTunnel tunnel(phone.phone.get());
+        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false control=false max_size=800"));
+        server.start();
+        QTRY_COMPARE(tunnel.channels.size(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(video(tunnel.channels[0]).packets.size() >= 8, 10000);
+        const MediaStream stream = video(tunnel.channels[0]);
+        QCOMPARE(QSize(int(stream.width), int(stream.height)), QSize(64, 48));
+        QVERIFY(stream.packets[0].config());
+        QCOMPARE(nalType(stream.packets[0].payload, 0), 7);
+        // Key frames where the file has IDR pictures: the 1st of every 3 frames.
+        for (int i = 1; i < 8; ++i) {
+            QVERIFY(!stream.packets[i].config());
+            QCOMPARE(stream.packets[i].keyFrame(), (i - 1) % 3 == 0);
+            if (i > 1)
+                QVERIFY(stream.packets[i].pts() > stream.packets[i - 1].pts());
+        }
+        TestDecoder decoder("h264");
+        for (const MediaPacket &packet : stream.packets)
+            decoder.decode(packet);
+        QCOMPARE(decoder.errors, 0);
+        QVERIFY(decoder.frames.size() >= 6);
+        QCOMPARE(decoder.frames.first().size, QSize(64, 48));
+    }
+
+    void splitsAnnexBIntoAccessUnits()
+    {
+        // SPS, PPS, IDR slice (3-byte start code), then a P slice opening the next picture, then
+        // a second slice of that picture (first_mb_in_slice != 0) with trailing zero bytes.
+        const QByteArray stream = hex("00000001 6742 00000001 68CE 000001 6588 00000001 4180 00000001 4140 0000");
+        const QList<QByteArray> nals = AnnexBFilePlayer::splitNalUnits(stream);
+        QCOMPARE(nals, QList<QByteArray>({hex("6742"), hex("68CE"), hex("6588"), hex("4180"), hex("4140")}));
+        QByteArray config;
+        const QList<AnnexBFilePlayer::AccessUnit> units = AnnexBFilePlayer::groupAccessUnits(nals, &config);
+        QCOMPARE(config, hex("00000001 6742 00000001 68CE"));
+        QCOMPARE(units.size(), 2);
+        QCOMPARE(units[0].data, hex("00000001 6588"));
+        QVERIFY(units[0].keyFrame);
+        QCOMPARE(units[1].data, hex("00000001 4180 00000001 4140"));
+        QVERIFY(!units[1].keyFrame);
+    }
+
+    void rejectsAFileWithoutPictures()
+    {
+        QTemporaryDir dir;
+        QFile out(dir.path() + "/noise.h264");
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write("this is not video at all");
+        out.close();
+        AnnexBFilePlayer player;
+        QString error;
+        QVERIFY(!player.load(out.fileName(), &error));
+        QVERIFY(error.contains("noise.h264"));
+        QVERIFY(!player.load(dir.path() + "/missing.h264", &error));
+    }
+};
+
+QTEST_MAIN(TestSimServerMedia)
+#include "tst_simservermedia.moc"

@@ -1,0 +1,20 @@
+list(APPEND PHONESIM_SERVER_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/simserver.h ${CMAKE_CURRENT_LIST_DIR}/simserver.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/commandlineoptions.h ${CMAKE_CURRENT_LIST_DIR}/commandlineoptions.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/streamframing.h ${CMAKE_CURRENT_LIST_DIR}/streamframing.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/devicemessageencoder.h ${CMAKE_CURRENT_LIST_DIR}/devicemessageencoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/controlmessagedecoder.h ${CMAKE_CURRENT_LIST_DIR}/controlmessagedecoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/controlchannel.h ${CMAKE_CURRENT_LIST_DIR}/controlchannel.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/testpattern.h ${CMAKE_CURRENT_LIST_DIR}/testpattern.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/h264encoder.h ${CMAKE_CURRENT_LIST_DIR}/h264encoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/encoderworker.h ${CMAKE_CURRENT_LIST_DIR}/encoderworker.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/opustoneencoder.h ${CMAKE_CURRENT_LIST_DIR}/opustoneencoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/annexbfileplayer.h ${CMAKE_CURRENT_LIST_DIR}/annexbfileplayer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/videostreamer.h ${CMAKE_CURRENT_LIST_DIR}/videostreamer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/patternvideostreamer.h ${CMAKE_CURRENT_LIST_DIR}/patternvideostreamer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/filevideostreamer.h ${CMAKE_CURRENT_LIST_DIR}/filevideostreamer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/audiostreamer.h ${CMAKE_CURRENT_LIST_DIR}/audiostreamer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/autojsserver.h ${CMAKE_CURRENT_LIST_DIR}/autojsserver.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/autojsconnection.h ${CMAKE_CURRENT_LIST_DIR}/autojsconnection.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/autojsframing.h ${CMAKE_CURRENT_LIST_DIR}/autojsframing.cpp
+)
