@@ -157,5 +157,7 @@ QString AppConfig::adbPath()
 
 QString AppConfig::serverPath()
 {
-    return QCoreApplication::applicationDirPath() + "/third_party/scrcpy-server";
+    // KORVEL_SCRCPY_SERVER points at another copy of the same server file (tests, simulated phones).
+    const QString chosen = qEnvironmentVariable("KORVEL_SCRCPY_SERVER");
+    return chosen.isEmpty() ? QCoreApplication::applicationDirPath() + "/third_party/scrcpy-server" : chosen;
 }

@@ -3,3 +3,6 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/devicesettings.h ${CMAKE_CURRENT_LIST_DIR}/devicesettings.cpp
     ${CMAKE_CURRENT_LIST_DIR}/colormanager.h ${CMAKE_CURRENT_LIST_DIR}/colormanager.cpp
 )
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/devicegroup.h ${CMAKE_CURRENT_LIST_DIR}/devicegroup.cpp
+)

@@ -163,12 +163,12 @@ void AdbDaemon::reverse(AdbConnection *connection, AdbStream *stream, const QStr
     const QString action = request.section(':', 0, 0);
     entry.insert("action", action);
     if (action == "forward" || action == "killforward") {
-        QString spec = request.section(':', 1);
-        if (spec.startsWith("norebind:"))
-            spec = spec.mid(9);
-        entry.insert("local", spec.section(';', 0, 0));
-        if (spec.contains(';'))
-            entry.insert("remote", spec.section(';', 1));
+        QString pair = request.section(':', 1);
+        if (pair.startsWith("norebind:"))
+            pair = pair.mid(9);
+        entry.insert("local", pair.section(';', 0, 0));
+        if (pair.contains(';'))
+            entry.insert("remote", pair.section(';', 1));
     }
     m_phone->journal().write("reverse", entry);
     reply(stream, answer);

@@ -29,22 +29,22 @@ QByteArray ReverseTable::handle(const QString &request, const QString &label, bo
         return fail(QString("listener '%1' not found").arg(local));
     }
     bool noRebind = false;
-    QString spec;
+    QString pair;
     if (request.startsWith("forward:norebind:")) {
         noRebind = true;
-        spec = request.mid(int(qstrlen("forward:norebind:")));
+        pair = request.mid(int(qstrlen("forward:norebind:")));
     } else if (request.startsWith("forward:")) {
-        spec = request.mid(int(qstrlen("forward:")));
+        pair = request.mid(int(qstrlen("forward:")));
     } else {
         return fail(QString("unknown reverse request '%1'").arg(request));
     }
-    const int semicolon = spec.indexOf(';');
-    const QString local = spec.left(semicolon);
-    const QString remote = semicolon < 0 ? QString() : spec.mid(semicolon + 1);
+    const int semicolon = pair.indexOf(';');
+    const QString local = pair.left(semicolon);
+    const QString remote = semicolon < 0 ? QString() : pair.mid(semicolon + 1);
     const bool localOk = local.startsWith("localabstract:") || local.startsWith("tcp:")
         || local.startsWith("localreserved:") || local.startsWith("localfilesystem:");
     if (semicolon < 0 || !localOk || !remote.startsWith("tcp:") || local.indexOf(':') == local.size() - 1)
-        return fail(QString("malformed forward spec '%1'").arg(spec));
+        return fail(QString("malformed forward request '%1'").arg(pair));
     for (auto &entry : m_entries) {
         if (entry.first == local) {
             if (noRebind)

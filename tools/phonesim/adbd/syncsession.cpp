@@ -116,10 +116,10 @@ void SyncSession::list(const QString &path)
     m_stream->write(reply);
 }
 
-bool SyncSession::beginSend(const QString &spec)
+bool SyncSession::beginSend(const QString &target)
 {
-    const int comma = spec.lastIndexOf(',');
-    m_devicePath = QDir::cleanPath("/" + (comma < 0 ? spec : spec.left(comma)));
+    const int comma = target.lastIndexOf(',');
+    m_devicePath = QDir::cleanPath("/" + (comma < 0 ? target : target.left(comma)));
     const QString local = m_phone->sandboxPath(m_devicePath);
     if (QFileInfo(local).isDir()) {
         fail(QString("couldn't create file: Is a directory"));

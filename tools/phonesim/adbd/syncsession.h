@@ -29,7 +29,7 @@ private:
     bool handleFileChunk(const QByteArray &id, quint32 arg, const QByteArray &payload);
     void stat(const QString &path, const QByteArray &id);
     void list(const QString &path);
-    bool beginSend(const QString &spec);
+    bool beginSend(const QString &target);
     void finishSend(quint32 mtime);
     void recv(const QString &path);
     void fail(const QString &message);

@@ -1,0 +1,156 @@
+#pragma once
+
+#include "deviceinfo.h"
+
+#include <QImage>
+#include <QObject>
+#include <QPointer>
+#include <QProcess>
+#include <QSize>
+#include <QtQml/qqmlregistration.h>
+
+extern "C" {
+#include <libavutil/frame.h>
+struct SwsContext;
+}
+
+class DeviceGroup;
+class ScrcpyServer;
+class ServerParams;
+class VideoDecoder;
+class VideoDemuxer;
+
+// One phone in one group: runs its mirroring session, passes decoded frames to the views,
+// carries the per-phone commands of the user interface, and reports status messages.
+class Device : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_MOC_INCLUDE("devicegroup.h")
+    Q_MOC_INCLUDE("serverparams.h")
+    Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
+    Q_PROPERTY(int indexInGroup READ indexInGroup NOTIFY indexInGroupChanged)
+    Q_PROPERTY(ConnectionType connectionType READ connectionType WRITE setConnectionType NOTIFY connectionTypeChanged)
+    Q_PROPERTY(QString ipAddress READ ipAddress NOTIFY ipAddressChanged)
+    Q_PROPERTY(bool isBigView READ isBigView WRITE setIsBigView NOTIFY isBigViewChanged)
+    Q_PROPERTY(QString adbConnectionSerial READ adbConnectionSerial CONSTANT)
+    Q_PROPERTY(DeviceGroup *deviceGroup READ deviceGroup CONSTANT)
+    Q_PROPERTY(bool isHostDevice READ isHostDevice WRITE setIsHostDevice NOTIFY isHostDeviceChanged)
+    Q_PROPERTY(ServerParams *serverParamsSmallView READ serverParamsSmallView CONSTANT)
+    Q_PROPERTY(ServerParams *serverParamsBigView READ serverParamsBigView CONSTANT)
+    Q_PROPERTY(bool isScreenShotting READ isScreenShotting NOTIFY isScreenShottingChanged)
+    Q_PROPERTY(bool running READ running NOTIFY runningChanged)
+    Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
+    Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
+
+public:
+    enum ConnectionType { WiFi = 0, USB = 1 };
+    Q_ENUM(ConnectionType)
+
+    explicit Device(QObject *parent = nullptr, DeviceGroup *deviceGroup = nullptr,
+                    const QString &adbConnectionSerial = QString());
+    ~Device() override;
+
+    DeviceInfo deviceInfo() const { return m_deviceInfo; }
+    int indexInGroup() const;
+    ConnectionType connectionType() const { return m_connectionType; }
+    void setConnectionType(ConnectionType type);
+    QString ipAddress() const { return m_ipAddress; }
+    bool isBigView() const { return m_isBigView; }
+    QString adbConnectionSerial() const { return m_adbConnectionSerial; }
+    DeviceGroup *deviceGroup() const { return m_deviceGroup; }
+    void setDeviceGroup(DeviceGroup *group);
+    bool isHostDevice() const { return m_isHostDevice; }
+    void setIsHostDevice(bool host);
+    ServerParams *serverParamsSmallView() const { return m_smallViewParams; }
+    ServerParams *serverParamsBigView() const { return m_bigViewParams; }
+    bool isScreenShotting() const { return m_isScreenShotting; }
+    bool running() const { return m_server != nullptr; }
+    bool isAudioEnabled() const;
+    QString nickName() const;
+    QSize showSize() const { return m_showSize; }
+    QSize frameSize() const { return m_frameSize; }
+    ScrcpyServer *server() const { return m_server; }
+
+    // The Wi-Fi address and the details, read in the background; `ipAddressChanged` and
+    // `deviceInfoChanged` follow on this object's thread.
+    void refreshAddressAndDetails();
+
+    // How long view switches and the Wi-Fi switch wait between adb steps. Tests shorten it.
+    static void setStepDelay(int milliseconds);
+
+signals:
+    void runningChanged();
+    void scrcpyError(const QString &error);
+    void isBigViewChanged();
+    void isScreenShottingChanged();
+    void yuvFrameReady(int width, int height, const uint8_t *yData, int yStride, const uint8_t *uData, int uStride,
+                       const uint8_t *vData, int vStride);
+    void frameReady(const QImage &frame);
+    void videoStreamStarted();
+    void videoStreamStopped();
+    void nickNameChanged();
+    void indexInGroupChanged();
+    void deviceInfoChanged();
+    void ipAddressChanged();
+    void isHostDeviceChanged();
+    void isAudioEnabledChanged();
+    void connectionTypeChanged();
+    void deviceMessage(const QString &message, const QString &type, int timeout);
+
+public slots:
+    void handleServerOutput(const QByteArray &data);
+    void handleServerStopped(int exitCode, QProcess::ExitStatus st);
+    void handleDecodedVideoFrame(AVFrame *frame);
+    void handleVideoSocketConnected();
+    void handleVideoSocketDisconnected();
+    void handleAudioSocketConnected();
+    void handleAudioSocketDisconnected();
+    void handleControlSocketConnected();
+    void handleControlSocketDisconnected();
+
+public:
+    Q_INVOKABLE void setEnableAudio(bool enableAudio);
+    Q_INVOKABLE void setShowSize(QSize size);
+    Q_INVOKABLE void startScrcpySession();
+    Q_INVOKABLE void stopScrcpySession();
+    Q_INVOKABLE void removeFromDeviceGroup();
+    Q_INVOKABLE void setWiFiConnection();
+    Q_INVOKABLE bool disconnectWiFi();
+    Q_INVOKABLE bool setUSBConnection();
+    Q_INVOKABLE void setNickName(const QString &nickname);
+    Q_INVOKABLE void setIsBigView(bool isBigView);
+    Q_INVOKABLE void takeScreenshot();
+    Q_INVOKABLE void installAPK(const QString &filePath);
+    Q_INVOKABLE void uploadFile(const QString &filePath);
+    Q_INVOKABLE QString executeADBCommand(const QString &input);
+
+    // Tears the session down and starts it again after the step delay.
+    void restartSession();
+
+private:
+    void emitSuccess(const QString &message) { emit deviceMessage(message, "success", 2000); }
+    void emitError(const QString &message, int timeout = 5000) { emit deviceMessage(message, "error", timeout); }
+    void teardownSession();
+    void leaveGroup();
+    void handleScreenshotFinished(bool saved);
+    QImage toImage(const AVFrame *frame);
+
+    DeviceInfo m_deviceInfo;
+    ConnectionType m_connectionType = USB;
+    QString m_ipAddress;
+    bool m_isBigView = false;
+    QString m_adbConnectionSerial;
+    QPointer<DeviceGroup> m_deviceGroup;
+    bool m_isHostDevice = false;
+    QSize m_showSize{-1, -1};
+    QSize m_frameSize{-1, -1};
+    ServerParams *m_smallViewParams;
+    ServerParams *m_bigViewParams;
+    ScrcpyServer *m_server = nullptr;
+    VideoDemuxer *m_videoDemuxer = nullptr;
+    VideoDecoder *m_videoDecoder = nullptr;
+    bool m_isScreenShotting = false;
+    bool m_switchingConnection = false;
+    SwsContext *m_rgbScaler = nullptr;
+};
