@@ -10,10 +10,15 @@ function(korvel_add_test)
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 300)
     endif()
+    # Only tests that draw use the X server; the others run on the offscreen platform.
+    set(platform "")
+    if(NOT "ui" IN_LIST T_LABELS)
+        set(platform ";QT_QPA_PLATFORM=offscreen")
+    endif()
     set_tests_properties(${T_NAME} PROPERTIES
         LABELS "${T_LABELS}"
         TIMEOUT ${T_TIMEOUT}
-        ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/.config;XDG_DATA_HOME=${home}/.local/share;XDG_RUNTIME_DIR=${home}/runtime;KORVEL_SOURCE_DIR=${CMAKE_SOURCE_DIR};KORVEL_BUILD_DIR=${CMAKE_BINARY_DIR}")
+        ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/.config;XDG_DATA_HOME=${home}/.local/share;XDG_RUNTIME_DIR=${home}/runtime;KORVEL_SOURCE_DIR=${CMAKE_SOURCE_DIR};KORVEL_BUILD_DIR=${CMAKE_BINARY_DIR}${platform}")
     file(MAKE_DIRECTORY ${home}/runtime)
     file(CHMOD ${home}/runtime DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endfunction()

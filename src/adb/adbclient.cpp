@@ -21,12 +21,6 @@ std::atomic<int> transferTimeoutMs{kTransferSeconds * 1000};
 QMutex programMutex;
 QString programOverride;
 
-QString program()
-{
-    QMutexLocker lock(&programMutex);
-    return programOverride.isEmpty() ? AppConfig::adbPath() : programOverride;
-}
-
 QString shellResult(const QString &serial, const QStringList &command)
 {
     return AdbClient::run(QStringList{"-s", serial, "shell"} + command);
@@ -37,6 +31,12 @@ void AdbClient::setTimeouts(int normalMs, int transferMs)
 {
     normalTimeoutMs = normalMs;
     transferTimeoutMs = transferMs;
+}
+
+QString AdbClient::program()
+{
+    QMutexLocker lock(&programMutex);
+    return programOverride.isEmpty() ? AppConfig::adbPath() : programOverride;
 }
 
 void AdbClient::setProgram(const QString &path)

@@ -43,6 +43,7 @@ public:
     // nominal 30 or 300 seconds of the time-out class that ran out.
     static void setTimeouts(int normalMs, int transferMs);
     // The adb program; defaults to AppConfig::adbPath().
+    static QString program();
     static void setProgram(const QString &program);
 
 private:

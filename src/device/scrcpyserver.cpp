@@ -42,7 +42,7 @@ bool ScrcpyServer::start()
         emit stopped(-1, QProcess::CrashExit);
         return false;
     }
-    m_process->start(AppConfig::adbPath(), m_params->serverArguments(), QIODevice::ReadWrite);
+    m_process->start(AdbClient::program(), m_params->serverArguments(), QIODevice::ReadWrite);
     return true;
 }
 

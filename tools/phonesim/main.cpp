@@ -15,6 +15,10 @@
 #include <QRegularExpression>
 
 #include <cstdio>
+
+extern "C" {
+#include <libavutil/log.h>
+}
 #include <cstring>
 
 namespace {
@@ -65,6 +69,8 @@ int runPhone(int argc, char **argv)
     // The simulated server draws its test pattern with QPainter; no display is needed.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
+    // Encoders report every (re)start at info level; a rack of phones only needs their errors.
+    av_log_set_level(AV_LOG_ERROR);
     QCoreApplication::setApplicationName("phonesim");
 
     QCommandLineParser parser;

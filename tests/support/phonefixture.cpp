@@ -1,0 +1,46 @@
+#include "phonefixture.h"
+
+#include <QFile>
+#include <QTest>
+
+PhoneFixture::PhoneFixture(quint16 adbServerPort)
+    : m_adb(adbServerPort)
+{
+    // Korvel's own adb calls inherit these.
+    qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(adbServerPort));
+    m_serverFile = m_dir.filePath("scrcpy-server");
+    QFile server(m_serverFile);
+    if (server.open(QIODevice::WriteOnly))
+        server.write("PK\x03\x04 simulated scrcpy-server 3.3.1 for phonesim");
+    qputenv("KORVEL_SCRCPY_SERVER", m_serverFile.toLocal8Bit());
+    m_adb.run({"start-server"});
+}
+
+PhoneFixture::~PhoneFixture()
+{
+    for (const auto &phone : m_phones)
+        m_adb.run({"disconnect", phone->serial()}, 5000);
+    m_phones.clear();
+    m_adb.killServer();
+}
+
+PhoneSimProcess *PhoneFixture::addPhone(const QSize &screenSize, const QStringList &extraArgs)
+{
+    auto phone = std::make_unique<PhoneSimProcess>();
+    const QString size = QString("%1x%2").arg(screenSize.width()).arg(screenSize.height());
+    if (!phone->start(QStringList{"--size", size} + extraArgs, &m_error))
+        return nullptr;
+    const AdbRunner::Result connected = m_adb.run({"connect", phone->serial()});
+    if (!connected.out.contains("connected to")) {
+        m_error = "adb connect failed: " + QString::fromUtf8(connected.out + connected.err);
+        return nullptr;
+    }
+    for (int i = 0; i < 100 && !m_adb.listed(phone->serial()); ++i)
+        QTest::qWait(50);
+    if (!m_adb.listed(phone->serial())) {
+        m_error = "adb does not list " + phone->serial();
+        return nullptr;
+    }
+    m_phones.push_back(std::move(phone));
+    return m_phones.back().get();
+}
