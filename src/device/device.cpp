@@ -2,6 +2,8 @@
 
 #include "adbclient.h"
 #include "appconfig.h"
+#include "autojs.h"
+#include "controller.h"
 #include "devicegroup.h"
 #include "devicesettings.h"
 #include "scrcpyserver.h"
@@ -40,6 +42,8 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
     m_bigViewParams->setMaxSize(720);
     m_bigViewParams->setMaxFps(30);
     m_bigViewParams->setBitRate(4000000);
+    m_autojs = new Autojs(this);
+    connect(m_autojs, &Autojs::runningStatusChanged, this, &Device::isRunningAutojsChanged);
     connect(DeviceSettings::instance(), &DeviceSettings::deviceNicknameChanged, this,
             [this](const QString &serial) {
                 if (serial == m_adbConnectionSerial)
@@ -69,9 +73,17 @@ void Device::setConnectionType(ConnectionType type)
     emit connectionTypeChanged();
 }
 
+DeviceGroup *Device::deviceGroup() const
+{
+    return m_deviceGroup;
+}
+
 void Device::setDeviceGroup(DeviceGroup *group)
 {
+    if (m_deviceGroup == group)
+        return;
     m_deviceGroup = group;
+    emit deviceGroupChanged();
 }
 
 void Device::setIsHostDevice(bool host)
@@ -95,6 +107,9 @@ QString Device::nickName() const
 void Device::setNickName(const QString &nickname)
 {
     DeviceSettings::instance()->setDeviceNickname(m_adbConnectionSerial, nickname);
+    // The picture is as large as the phone's screen, as far as its video has shown it.
+    if (m_controller)
+        m_controller->setWallpaper(nickname, m_frameSize.width(), m_frameSize.height());
     emit nickNameChanged();
 }
 
@@ -155,6 +170,16 @@ void Device::teardownSession()
     delete m_server;
     m_server = nullptr;
     emit runningChanged();
+    deleteController();
+}
+
+void Device::deleteController()
+{
+    if (!m_controller)
+        return;
+    delete m_controller;
+    m_controller = nullptr;
+    emit controllerChanged();
 }
 
 void Device::stopScrcpySession()
@@ -183,6 +208,7 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
     if (m_server) {
         m_server->deleteLater();
         m_server = nullptr;
+        deleteController();
         emit runningChanged();
     }
     const QList<ADBDeviceInfo> attached = AdbClient::devices();
@@ -193,6 +219,12 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
         return;
     teardownSession();
     leaveGroup();
+}
+
+void Device::addVideoPacketProbe(PacketSink *probe)
+{
+    if (probe && !m_videoPacketProbes.contains(probe))
+        m_videoPacketProbes.append(probe);
 }
 
 void Device::handleVideoSocketConnected()
@@ -207,6 +239,8 @@ void Device::handleVideoSocketConnected()
     connect(m_videoDecoder, &VideoDecoder::screenshotFinished, this,
             [this](bool saved) { handleScreenshotFinished(saved); });
     m_videoDemuxer = new VideoDemuxer(m_server->videoSocket(), nullptr, m_videoDecoder);
+    for (int i = 0; i < m_videoPacketProbes.size(); ++i)
+        m_videoDemuxer->insertPacketSink(i, m_videoPacketProbes.at(i));
     m_videoDecoder->setDemuxer(m_videoDemuxer);
     emit videoStreamStarted();
 }
@@ -225,6 +259,12 @@ void Device::handleAudioSocketDisconnected()
 
 void Device::handleControlSocketConnected()
 {
+    if (!m_server || !m_server->controlSocket())
+        return;
+    deleteController();
+    m_controller = new Controller(this, m_server->controlSocket());
+    connect(m_controller, &Controller::messageSent, this, &Device::handleMessageSent);
+    emit controllerChanged();
 }
 
 void Device::handleControlSocketDisconnected()
@@ -336,16 +376,62 @@ void Device::handleScreenshotFinished(bool saved)
     emit isScreenShottingChanged();
 }
 
-void Device::installAPK(const QString &)
+void Device::handleMessageSent(const ControlMsg &msg)
 {
-    // Installing goes through the control channel's worker, which this build does not have yet.
-    emitError(tr("Not Connected"), 2000);
+    if (m_isHostDevice)
+        replayOnGroup(msg);
 }
 
-void Device::uploadFile(const QString &)
+void Device::replayOnGroup(const ControlMsg &msg)
 {
-    emitError(tr("Not Connected"), 5000);
+    if (m_deviceGroup && m_deviceGroup->groupControlMode())
+        m_deviceGroup->replayHostMessage(msg);
 }
+
+void Device::installAPK(const QString &filePath)
+{
+    if (!m_controller) {
+        emitError(tr("Not Connected"), 2000);
+        return;
+    }
+    m_controller->installApk(filePath);
+}
+
+void Device::runAutojs(const QString &autojsPath)
+{
+    m_autojs->run(autojsPath);
+}
+
+void Device::stopAutojs()
+{
+    m_autojs->stop();
+}
+
+void Device::uploadFile(const QString &filePath)
+{
+    if (!m_controller) {
+        emitError(tr("Not Connected"), 5000);
+        return;
+    }
+    emit deviceMessage(tr("Uploading File"), "info", 100000);
+    m_controller->uploadFile(filePath);
+}
+
+// The user interface's buttons; without a control channel they do nothing.
+void Device::shutdown() { if (m_controller) m_controller->actionShutdown(); }
+void Device::reboot() { if (m_controller) m_controller->actionReboot(); }
+void Device::sleep() { if (m_controller) m_controller->actionSleep(); }
+void Device::wakeUp() { if (m_controller) m_controller->actionWakeUp(); }
+void Device::volumeUp() { if (m_controller) m_controller->actionVolumeUp(); }
+void Device::volumeDown() { if (m_controller) m_controller->actionVolumeDown(); }
+void Device::rotateScreen() { if (m_controller) m_controller->actionRotateScreen(); }
+void Device::swipeUp() { if (m_controller) m_controller->actionSwipeUp(); }
+void Device::swipeDown() { if (m_controller) m_controller->actionSwipeDown(); }
+void Device::swipeLeft() { if (m_controller) m_controller->actionSwipeLeft(); }
+void Device::swipeRight() { if (m_controller) m_controller->actionSwipeRight(); }
+void Device::back() { if (m_controller) m_controller->actionBack(); }
+void Device::showTaskList() { if (m_controller) m_controller->actionShowTaskList(); }
+void Device::home() { if (m_controller) m_controller->actionHome(); }
 
 QString Device::executeADBCommand(const QString &input)
 {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "controlmsg.h"
 #include "deviceinfo.h"
 
 #include <QImage>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QProcess>
@@ -14,7 +16,10 @@ extern "C" {
 struct SwsContext;
 }
 
+class Autojs;
+class Controller;
 class DeviceGroup;
+class PacketSink;
 class ScrcpyServer;
 class ServerParams;
 class VideoDecoder;
@@ -28,13 +33,17 @@ class Device : public QObject
     QML_ELEMENT
     Q_MOC_INCLUDE("devicegroup.h")
     Q_MOC_INCLUDE("serverparams.h")
+    Q_MOC_INCLUDE("controller.h")
+    Q_MOC_INCLUDE("autojs.h")
+    Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
     Q_PROPERTY(int indexInGroup READ indexInGroup NOTIFY indexInGroupChanged)
     Q_PROPERTY(ConnectionType connectionType READ connectionType WRITE setConnectionType NOTIFY connectionTypeChanged)
     Q_PROPERTY(QString ipAddress READ ipAddress NOTIFY ipAddressChanged)
     Q_PROPERTY(bool isBigView READ isBigView WRITE setIsBigView NOTIFY isBigViewChanged)
     Q_PROPERTY(QString adbConnectionSerial READ adbConnectionSerial CONSTANT)
-    Q_PROPERTY(DeviceGroup *deviceGroup READ deviceGroup CONSTANT)
+    Q_PROPERTY(Controller *controller READ controller NOTIFY controllerChanged)
+    Q_PROPERTY(DeviceGroup *deviceGroup READ deviceGroup NOTIFY deviceGroupChanged)
     Q_PROPERTY(bool isHostDevice READ isHostDevice WRITE setIsHostDevice NOTIFY isHostDeviceChanged)
     Q_PROPERTY(ServerParams *serverParamsSmallView READ serverParamsSmallView CONSTANT)
     Q_PROPERTY(ServerParams *serverParamsBigView READ serverParamsBigView CONSTANT)
@@ -51,6 +60,7 @@ public:
                     const QString &adbConnectionSerial = QString());
     ~Device() override;
 
+    Autojs *autojs() const { return m_autojs; }
     DeviceInfo deviceInfo() const { return m_deviceInfo; }
     int indexInGroup() const;
     ConnectionType connectionType() const { return m_connectionType; }
@@ -58,7 +68,8 @@ public:
     QString ipAddress() const { return m_ipAddress; }
     bool isBigView() const { return m_isBigView; }
     QString adbConnectionSerial() const { return m_adbConnectionSerial; }
-    DeviceGroup *deviceGroup() const { return m_deviceGroup; }
+    Controller *controller() const { return m_controller; }
+    DeviceGroup *deviceGroup() const;
     void setDeviceGroup(DeviceGroup *group);
     bool isHostDevice() const { return m_isHostDevice; }
     void setIsHostDevice(bool host);
@@ -71,6 +82,10 @@ public:
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
     ScrcpyServer *server() const { return m_server; }
+    // Sinks placed first, in the order added, in every video demuxer created from now on: they see
+    // each packet before the decoder (statistics, benchmarks). Not owned; they must outlive the
+    // device unless they are QObjects.
+    void addVideoPacketProbe(PacketSink *probe);
 
     // The Wi-Fi address and the details, read in the background; `ipAddressChanged` and
     // `deviceInfoChanged` follow on this object's thread.
@@ -82,6 +97,7 @@ public:
 signals:
     void runningChanged();
     void scrcpyError(const QString &error);
+    void controllerChanged();
     void isBigViewChanged();
     void isScreenShottingChanged();
     void yuvFrameReady(int width, int height, const uint8_t *yData, int yStride, const uint8_t *uData, int uStride,
@@ -89,8 +105,10 @@ signals:
     void frameReady(const QImage &frame);
     void videoStreamStarted();
     void videoStreamStopped();
+    void isRunningAutojsChanged();
     void nickNameChanged();
     void indexInGroupChanged();
+    void deviceGroupChanged();
     void deviceInfoChanged();
     void ipAddressChanged();
     void isHostDeviceChanged();
@@ -101,6 +119,7 @@ signals:
 public slots:
     void handleServerOutput(const QByteArray &data);
     void handleServerStopped(int exitCode, QProcess::ExitStatus st);
+    void handleMessageSent(const ControlMsg &msg);
     void handleDecodedVideoFrame(AVFrame *frame);
     void handleVideoSocketConnected();
     void handleVideoSocketDisconnected();
@@ -122,7 +141,23 @@ public:
     Q_INVOKABLE void setIsBigView(bool isBigView);
     Q_INVOKABLE void takeScreenshot();
     Q_INVOKABLE void installAPK(const QString &filePath);
+    Q_INVOKABLE void runAutojs(const QString &autojsPath);
+    Q_INVOKABLE void stopAutojs();
     Q_INVOKABLE void uploadFile(const QString &filePath);
+    Q_INVOKABLE void shutdown();
+    Q_INVOKABLE void reboot();
+    Q_INVOKABLE void sleep();
+    Q_INVOKABLE void wakeUp();
+    Q_INVOKABLE void volumeUp();
+    Q_INVOKABLE void volumeDown();
+    Q_INVOKABLE void rotateScreen();
+    Q_INVOKABLE void swipeUp();
+    Q_INVOKABLE void swipeDown();
+    Q_INVOKABLE void swipeLeft();
+    Q_INVOKABLE void swipeRight();
+    Q_INVOKABLE void back();
+    Q_INVOKABLE void showTaskList();
+    Q_INVOKABLE void home();
     Q_INVOKABLE QString executeADBCommand(const QString &input);
 
     // Tears the session down and starts it again after the step delay.
@@ -132,15 +167,20 @@ private:
     void emitSuccess(const QString &message) { emit deviceMessage(message, "success", 2000); }
     void emitError(const QString &message, int timeout = 5000) { emit deviceMessage(message, "error", timeout); }
     void teardownSession();
+    void deleteController();
+    // Group control: hands a message written by this phone's controller to the group's replay.
+    void replayOnGroup(const ControlMsg &msg);
     void leaveGroup();
     void handleScreenshotFinished(bool saved);
     QImage toImage(const AVFrame *frame);
 
+    Autojs *m_autojs = nullptr;
     DeviceInfo m_deviceInfo;
     ConnectionType m_connectionType = USB;
     QString m_ipAddress;
     bool m_isBigView = false;
     QString m_adbConnectionSerial;
+    Controller *m_controller = nullptr;
     QPointer<DeviceGroup> m_deviceGroup;
     bool m_isHostDevice = false;
     QSize m_showSize{-1, -1};
@@ -150,6 +190,7 @@ private:
     ScrcpyServer *m_server = nullptr;
     VideoDemuxer *m_videoDemuxer = nullptr;
     VideoDecoder *m_videoDecoder = nullptr;
+    QList<PacketSink *> m_videoPacketProbes;
     bool m_isScreenShotting = false;
     bool m_switchingConnection = false;
     SwsContext *m_rgbScaler = nullptr;

@@ -25,10 +25,10 @@ bool startsWithStartCode(const uchar *p)
 
 VideoDemuxer::VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder)
     : m_socket(socket)
-    , m_recorder(makeSink(recorder))
-    , m_decoder(makeSink(decoder))
     , m_packet(av_packet_alloc())
 {
+    insertPacketSink(int(m_sinks.size()), recorder);
+    insertPacketSink(int(m_sinks.size()), decoder);
     if (m_socket)
         connect(m_socket, &QIODevice::readyRead, this, &VideoDemuxer::read);
 }
@@ -36,6 +36,15 @@ VideoDemuxer::VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *
 VideoDemuxer::~VideoDemuxer()
 {
     av_packet_free(&m_packet);
+}
+
+void VideoDemuxer::insertPacketSink(int position, PacketSink *sink)
+{
+    if (!sink)
+        return;
+    if (position < 0 || position > m_sinks.size())
+        position = int(m_sinks.size());
+    m_sinks.insert(position, makeSink(sink));
 }
 
 VideoDemuxer::Sink VideoDemuxer::makeSink(PacketSink *sink)
@@ -94,8 +103,9 @@ void VideoDemuxer::read()
         if (ptsAndFlags & KeyFrameFlag)
             m_packet->flags |= AV_PKT_FLAG_KEY;
 
-        deliver(m_recorder, m_packet);
-        deliver(m_decoder, m_packet);
+        // By index: a sink may add another one while it is being fed.
+        for (qsizetype i = 0; i < m_sinks.size(); ++i)
+            deliver(m_sinks.at(i), m_packet);
         av_packet_unref(m_packet);
     }
     m_buffer.remove(0, pos);

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QIODevice>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -15,7 +16,9 @@ extern "C" {
 class PacketSink;
 
 // Cuts the video socket's byte stream (a 76-byte stream header, then packets with a 12-byte
-// header) into FFmpeg packets and hands each one to the recorder first, then to the decoder.
+// header) into FFmpeg packets and hands each one to an ordered list of sinks: the recorder first,
+// then the decoder, plus any sink inserted among them (a probe placed first sees every packet
+// before the decoder does).
 class VideoDemuxer : public QObject
 {
     Q_OBJECT
@@ -30,6 +33,11 @@ public:
     // destroyed before the demuxer is skipped from then on.
     VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder);
     ~VideoDemuxer() override;
+
+    // Adds a sink (not owned, same lifetime rule as above) at position in the list of non-null
+    // sinks; positions outside the list append. Null sinks are ignored.
+    void insertPacketSink(int position, PacketSink *sink);
+    int packetSinkCount() const { return int(m_sinks.size()); }
 
     // Null until the stream header has named a known decoder; never replaced afterwards.
     AVCodecContext *codecContext() const { return m_codecContext.get(); }
@@ -69,8 +77,7 @@ private:
     bool m_headerParsed = false;
     QByteArray m_buffer;
     std::shared_ptr<AVCodecContext> m_codecContext;
-    Sink m_recorder;
-    Sink m_decoder;
+    QList<Sink> m_sinks;
     QString m_deviceName;
     QByteArray m_codecId;
     quint32 m_width = 0;

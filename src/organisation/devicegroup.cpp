@@ -1,13 +1,49 @@
 #include "devicegroup.h"
 
+#include "autojs.h"
+#include "controller.h"
 #include "device.h"
+#include "groupreplay.h"
+#include "serverparams.h"
+
+#include <QFutureWatcher>
+#include <QPointer>
+#include <QRandomGenerator>
+#include <QTimer>
+#include <QtConcurrent>
+
+#include <limits>
+
+namespace {
+DeviceGroup::StaggerIntervals stagger;
+
+const QString kDashLine = QStringLiteral("--------------------------------\n");
+}
+
+void DeviceGroup::setStaggerIntervals(const StaggerIntervals &intervals)
+{
+    stagger = intervals;
+}
+
+DeviceGroup::StaggerIntervals DeviceGroup::staggerIntervals()
+{
+    return stagger;
+}
 
 DeviceGroup::DeviceGroup(QObject *parent)
     : QAbstractListModel(parent)
 {
 }
 
-DeviceGroup::~DeviceGroup() = default;
+DeviceGroup::~DeviceGroup()
+{
+    // Staggered removals would be dropped with this object anyway; the devices go at once.
+    if (m_hostDevice)
+        m_hostDevice->setIsHostDevice(false);
+    m_hostDevice = nullptr;
+    const QList<Device *> devices = std::exchange(m_devices, {});
+    qDeleteAll(devices);
+}
 
 int DeviceGroup::rowCount(const QModelIndex &parent) const
 {
@@ -26,8 +62,49 @@ QHash<int, QByteArray> DeviceGroup::roleNames() const
     return {{DeviceRole, "device"}};
 }
 
+QVariantList DeviceGroup::getDevicesForRepeater() const
+{
+    QVariantList list;
+    list.reserve(m_devices.size());
+    for (Device *device : m_devices)
+        list.append(QVariant::fromValue(device));
+    return list;
+}
+
+bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
+{
+    if (deviceInfos.isEmpty())
+        return false;
+    for (int i = 0; i < deviceInfos.size(); ++i) {
+        const ADBDeviceInfo &info = deviceInfos.at(i);
+        // A child of the group from the start, so a group that ends before the insertion takes it along.
+        auto *device = new Device(this, this, info.adb_serial);
+        device->setConnectionType(info.is_usb_connection ? Device::USB : Device::WiFi);
+        QTimer::singleShot(i * stagger.addMs, this, [this, guard = QPointer<Device>(device)] {
+            if (guard)
+                insertDevice(guard);
+        });
+    }
+    return true;
+}
+
+void DeviceGroup::insertDevice(Device *device)
+{
+    beginInsertRows(QModelIndex(), m_devices.size(), m_devices.size());
+    device->setParent(this);
+    device->setDeviceGroup(this);
+    m_devices.append(device);
+    endInsertRows();
+    applySettingsToDevice(device, QRandomGenerator::global()->generate());
+    emit deviceCountChanged();
+    emit deviceAddedIntoGroup(device);
+    device->refreshAddressAndDetails();
+}
+
 void DeviceGroup::appendDevice(Device *device)
 {
+    if (!device || m_devices.contains(device))
+        return;
     beginInsertRows(QModelIndex(), m_devices.size(), m_devices.size());
     device->setParent(this);
     device->setDeviceGroup(this);
@@ -37,19 +114,89 @@ void DeviceGroup::appendDevice(Device *device)
     emit deviceAddedIntoGroup(device);
 }
 
-void DeviceGroup::removeDevice(Device *device)
+void DeviceGroup::dropHost()
+{
+    if (!m_hostDevice)
+        return;
+    m_hostDevice->setIsHostDevice(false);
+    m_hostDevice = nullptr;
+    emit hostDeviceChanged();
+    emit groupControlModeChanged();
+}
+
+void DeviceGroup::announceIndexes()
+{
+    for (Device *device : std::as_const(m_devices))
+        emit device->indexInGroupChanged();
+}
+
+void DeviceGroup::takeRow(Device *device)
 {
     const int row = m_devices.indexOf(device);
-    if (row < 0)
-        return;
     beginRemoveRows(QModelIndex(), row, row);
     m_devices.removeAt(row);
     endRemoveRows();
+}
+
+void DeviceGroup::removeDevice(Device *device)
+{
+    if (!m_devices.contains(device))
+        return;
+    if (device == m_hostDevice)
+        dropHost();
+    takeRow(device);
     emit deviceCountChanged();
     emit deviceRemovedFromGroup(device);
-    for (Device *remaining : std::as_const(m_devices))
-        emit remaining->indexInGroupChanged();
+    announceIndexes();
     device->deleteLater();
+}
+
+void DeviceGroup::clearDevices()
+{
+    if (m_devices.isEmpty())
+        return;
+    dropHost();
+    for (int k = 0; k < m_devices.size(); ++k) {
+        QTimer::singleShot(k * stagger.clearMs, this, [this, guard = QPointer<Device>(m_devices.at(k))] {
+            if (guard)
+                removeDevice(guard);
+        });
+    }
+}
+
+void DeviceGroup::moveDevicesToGroup(const QStringList &serials, DeviceGroup *targetGroup)
+{
+    if (serials.isEmpty() || !targetGroup || targetGroup == this)
+        return;
+    QList<Device *> moving;
+    for (Device *device : std::as_const(m_devices)) {
+        if (serials.contains(device->adbConnectionSerial()))
+            moving.append(device);
+    }
+    if (moving.isEmpty())
+        return;
+
+    for (Device *device : std::as_const(moving)) {
+        // The host drives only its own group; leaving it ends group control here.
+        if (device == m_hostDevice)
+            dropHost();
+        device->setDeviceGroup(targetGroup);
+        takeRow(device);
+        emit deviceRemovedFromGroup(device);
+    }
+    emit deviceCountChanged();
+    announceIndexes();
+
+    for (Device *device : std::as_const(moving)) {
+        targetGroup->beginInsertRows(QModelIndex(), targetGroup->m_devices.size(), targetGroup->m_devices.size());
+        device->setParent(targetGroup);
+        targetGroup->m_devices.append(device);
+        targetGroup->endInsertRows();
+        targetGroup->applySettingsToDevice(device, QRandomGenerator::global()->generate());
+        emit targetGroup->deviceAddedIntoGroup(device);
+    }
+    emit targetGroup->deviceCountChanged();
+    targetGroup->announceIndexes();
 }
 
 void DeviceGroup::renameTo(const QString &newName)
@@ -58,4 +205,286 @@ void DeviceGroup::renameTo(const QString &newName)
         return;
     m_name = newName;
     emit nameChanged();
+}
+
+void DeviceGroup::startGroupControl()
+{
+    if (m_hostDevice || m_devices.isEmpty())
+        return;
+    m_hostDevice = m_devices.first();
+    m_hostDevice->setIsHostDevice(true);
+    emit hostDeviceChanged();
+    emit groupControlModeChanged();
+}
+
+void DeviceGroup::stopGroupControl()
+{
+    dropHost();
+}
+
+void DeviceGroup::replayHostMessage(const ControlMsg &msg)
+{
+    if (!m_hostDevice)
+        return;
+    QList<GroupReplay::Target> targets;
+    targets.reserve(m_devices.size());
+    for (Device *device : std::as_const(m_devices)) {
+        if (device != m_hostDevice)
+            targets.append({device->controller(), device->frameSize()});
+    }
+    GroupReplay::replay(msg, m_hostDevice->frameSize(), targets);
+}
+
+void DeviceGroup::startAllDevices()
+{
+    int scheduled = 0;
+    for (Device *device : std::as_const(m_devices)) {
+        if (device->running())
+            continue;
+        QTimer::singleShot(scheduled * stagger.startMs, this, [guard = QPointer<Device>(device)] {
+            if (guard)
+                guard->startScrcpySession();
+        });
+        ++scheduled;
+    }
+}
+
+void DeviceGroup::stopAllDevices()
+{
+    for (int k = 0; k < m_devices.size(); ++k) {
+        QTimer::singleShot(k * stagger.stopMs, this, [guard = QPointer<Device>(m_devices.at(k))] {
+            if (guard)
+                guard->stopScrcpySession();
+        });
+    }
+}
+
+void DeviceGroup::screenshotAllDevices()
+{
+    for (Device *device : std::as_const(m_devices))
+        device->takeScreenshot();
+}
+
+void DeviceGroup::installApk(const QString &apkPath)
+{
+    for (Device *device : std::as_const(m_devices))
+        device->installAPK(apkPath);
+}
+
+void DeviceGroup::uploadFile(const QString &filePath)
+{
+    for (Device *device : std::as_const(m_devices))
+        device->uploadFile(filePath);
+}
+
+void DeviceGroup::runAutojs(const QString &autojsPath)
+{
+    for (Device *device : std::as_const(m_devices))
+        device->runAutojs(autojsPath);
+}
+
+void DeviceGroup::stopAllAutojs()
+{
+    for (Device *device : std::as_const(m_devices)) {
+        if (device->autojs())
+            device->autojs()->stop();
+    }
+}
+
+QString DeviceGroup::executeADBCommand(const QString &input)
+{
+    QString report;
+    // A copy: a device may leave the group while adb blocks.
+    const QList<QPointer<Device>> devices(m_devices.cbegin(), m_devices.cend());
+    for (int i = 0; i < devices.size(); ++i) {
+        report += QStringLiteral("Device %1:\n").arg(i + 1);
+        report += kDashLine;
+        if (devices.at(i))
+            report += devices.at(i)->executeADBCommand(input);
+        report += "\n\n";
+    }
+    return report;
+}
+
+void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const
+{
+    ServerParams *small = device->serverParamsSmallView();
+    small->setMaxSize(m_maxSize);
+    small->setMaxFps(m_maxFPS);
+    small->setBitRate(m_bitRate);
+    small->setAudio(m_enableAudio);
+    ServerParams *big = device->serverParamsBigView();
+    big->setMaxSize(m_maxSizeBigView);
+    big->setMaxFps(m_maxFPSBigView);
+    big->setBitRate(m_bitRateBigView);
+    big->setAudio(m_enableAudio);
+
+    // Below one second the controller keeps the delay it already had, on purpose.
+    if (device == m_hostDevice || !device->controller() || m_clickDelaySeconds < 1)
+        return;
+    const quint64 bound = quint64(m_clickDelaySeconds) * 1000u;
+    const quint64 delay = random % bound;
+    device->controller()->setClickDelayMilliSeconds(int(qMin<quint64>(delay, std::numeric_limits<int>::max())));
+}
+
+void DeviceGroup::applySettingsToAllDevices()
+{
+    // The random draws run in the pool; the devices are touched only here, on their own thread,
+    // where none of them can be deleted half-way through.
+    const QList<QPointer<Device>> targets(m_devices.cbegin(), m_devices.cend());
+    auto *watcher = new QFutureWatcher<QList<quint32>>(this);
+    connect(watcher, &QFutureWatcher<QList<quint32>>::finished, this, [this, watcher, targets] {
+        const QList<quint32> draws = watcher->result();
+        watcher->deleteLater();
+        for (int i = 0; i < targets.size() && i < draws.size(); ++i) {
+            // A device moved away meanwhile follows its new group's settings.
+            if (targets.at(i) && targets.at(i)->deviceGroup() == this)
+                applySettingsToDevice(targets.at(i), draws.at(i));
+        }
+    });
+    const int count = targets.size();
+    watcher->setFuture(QtConcurrent::run([count] {
+        QList<quint32> draws;
+        draws.reserve(count);
+        for (int i = 0; i < count; ++i)
+            draws.append(QRandomGenerator::global()->generate());
+        return draws;
+    }));
+}
+
+template<typename T>
+void DeviceGroup::changeSetting(T &field, T value, void (DeviceGroup::*changed)())
+{
+    if (field == value)
+        return;
+    field = value;
+    if (!m_name.isEmpty()) {
+        applySettingsToAllDevices();
+        emit settingsChanged();
+    }
+    emit(this->*changed)();
+}
+
+void DeviceGroup::setShowControlButtons(bool value)
+{
+    changeSetting(m_showControlButtons, value, &DeviceGroup::showControlButtonsChanged);
+}
+
+void DeviceGroup::setMaxSize(int value)
+{
+    changeSetting(m_maxSize, value, &DeviceGroup::maxSizeChanged);
+}
+
+void DeviceGroup::setMaxFPS(int value)
+{
+    changeSetting(m_maxFPS, value, &DeviceGroup::maxFPSChanged);
+}
+
+void DeviceGroup::setBitRate(int value)
+{
+    changeSetting(m_bitRate, value, &DeviceGroup::bitRateChanged);
+}
+
+void DeviceGroup::setMaxSizeBigView(int value)
+{
+    changeSetting(m_maxSizeBigView, value, &DeviceGroup::maxSizeBigViewChanged);
+}
+
+void DeviceGroup::setMaxFPSBigView(int value)
+{
+    changeSetting(m_maxFPSBigView, value, &DeviceGroup::maxFPSBigViewChanged);
+}
+
+void DeviceGroup::setBitRateBigView(int value)
+{
+    changeSetting(m_bitRateBigView, value, &DeviceGroup::bitRateBigViewChanged);
+}
+
+void DeviceGroup::setClickDelaySeconds(int value)
+{
+    changeSetting(m_clickDelaySeconds, value, &DeviceGroup::clickDelaySecondsChanged);
+}
+
+void DeviceGroup::setCellWidth(int value)
+{
+    changeSetting(m_cellWidth, value, &DeviceGroup::cellWidthChanged);
+}
+
+void DeviceGroup::setEnableAudio(bool value)
+{
+    // Every phone hears about it, even when the group's value stays the same.
+    for (Device *device : std::as_const(m_devices))
+        device->setEnableAudio(value);
+    changeSetting(m_enableAudio, value, &DeviceGroup::enableAudioChanged);
+}
+
+void DeviceGroup::setOrientation(Orientation value)
+{
+    changeSetting(m_orientation, value, &DeviceGroup::orientationChanged);
+}
+
+void DeviceGroup::setBigViewWidth(int value)
+{
+    changeSetting(m_bigViewWidth, value, &DeviceGroup::bigViewWidthChanged);
+}
+
+namespace {
+int intSetting(const QJsonObject &settings, const char *key, int fallback)
+{
+    const QJsonValue value = settings.value(QLatin1String(key));
+    return value.isDouble() ? value.toInt(fallback) : fallback;
+}
+
+bool boolSetting(const QJsonObject &settings, const char *key, bool fallback)
+{
+    const QJsonValue value = settings.value(QLatin1String(key));
+    return value.isBool() ? value.toBool() : fallback;
+}
+}
+
+void DeviceGroup::loadSettings(const QJsonObject &settings)
+{
+    m_maxSize = intSetting(settings, "maxSize", 720);
+    m_maxFPS = intSetting(settings, "maxFPS", 30);
+    m_bitRate = intSetting(settings, "bitRate", 4000000);
+    m_maxSizeBigView = intSetting(settings, "maxSizeBigView", 720);
+    m_maxFPSBigView = intSetting(settings, "maxFPSBigView", 30);
+    m_bitRateBigView = intSetting(settings, "bitRateBigView", 4000000);
+    m_clickDelaySeconds = intSetting(settings, "clickDelaySeconds", 0);
+    m_cellWidth = intSetting(settings, "cellWidth", 220);
+    m_showControlButtons = boolSetting(settings, "showControlButtons", true);
+    m_enableAudio = boolSetting(settings, "enableAudio", false);
+    m_orientation = intSetting(settings, "orientation", Portrait) == Landscape ? Landscape : Portrait;
+    // A file written before the big view had its own width gets the wide panel.
+    m_bigViewWidth = intSetting(settings, "bigViewWidth", 960);
+    emit maxSizeChanged();
+    emit maxFPSChanged();
+    emit bitRateChanged();
+    emit maxSizeBigViewChanged();
+    emit maxFPSBigViewChanged();
+    emit bitRateBigViewChanged();
+    emit clickDelaySecondsChanged();
+    emit cellWidthChanged();
+    emit showControlButtonsChanged();
+    emit enableAudioChanged();
+    emit orientationChanged();
+    emit bigViewWidthChanged();
+}
+
+QJsonObject DeviceGroup::settingsToJson() const
+{
+    return {
+        {"maxSize", m_maxSize},
+        {"maxFPS", m_maxFPS},
+        {"bitRate", m_bitRate},
+        {"maxSizeBigView", m_maxSizeBigView},
+        {"maxFPSBigView", m_maxFPSBigView},
+        {"bitRateBigView", m_bitRateBigView},
+        {"clickDelaySeconds", m_clickDelaySeconds},
+        {"cellWidth", m_cellWidth},
+        {"showControlButtons", m_showControlButtons},
+        {"enableAudio", m_enableAudio},
+        {"orientation", int(m_orientation)},
+        {"bigViewWidth", m_bigViewWidth},
+    };
 }

@@ -1,22 +1,60 @@
 #pragma once
 
+#include "adbdeviceinfo.h"
+
 #include <QAbstractListModel>
+#include <QJsonObject>
 #include <QList>
 #include <QString>
+#include <QStringList>
+#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
 class Device;
+struct ControlMsg;
 
-// A named, ordered collection of phone sessions; the device grid uses it as its model.
+// A named, ordered collection of phone sessions with the stream and layout settings they share.
+// The device grid uses it as its model; it also drives operations on every phone and keeps the
+// group-control host.
 class DeviceGroup : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
+    Q_MOC_INCLUDE("device.h")
     Q_PROPERTY(QString name READ name NOTIFY nameChanged)
     Q_PROPERTY(int deviceCount READ deviceCount NOTIFY deviceCountChanged)
+    Q_PROPERTY(QVariantList devicesForRepeater READ getDevicesForRepeater NOTIFY deviceCountChanged)
+    Q_PROPERTY(bool groupControlMode READ groupControlMode NOTIFY groupControlModeChanged)
+    Q_PROPERTY(Device *hostDevice READ hostDevice NOTIFY hostDeviceChanged)
+    Q_PROPERTY(bool showControlButtons READ showControlButtons WRITE setShowControlButtons NOTIFY showControlButtonsChanged)
+    Q_PROPERTY(int maxSize READ maxSize WRITE setMaxSize NOTIFY maxSizeChanged)
+    Q_PROPERTY(int maxFPS READ maxFPS WRITE setMaxFPS NOTIFY maxFPSChanged)
+    Q_PROPERTY(int bitRate READ bitRate WRITE setBitRate NOTIFY bitRateChanged)
+    Q_PROPERTY(int maxSizeBigView READ maxSizeBigView WRITE setMaxSizeBigView NOTIFY maxSizeBigViewChanged)
+    Q_PROPERTY(int maxFPSBigView READ maxFPSBigView WRITE setMaxFPSBigView NOTIFY maxFPSBigViewChanged)
+    Q_PROPERTY(int bitRateBigView READ bitRateBigView WRITE setBitRateBigView NOTIFY bitRateBigViewChanged)
+    Q_PROPERTY(int clickDelaySeconds READ clickDelaySeconds WRITE setClickDelaySeconds NOTIFY clickDelaySecondsChanged)
+    Q_PROPERTY(int cellWidth READ cellWidth WRITE setCellWidth NOTIFY cellWidthChanged)
+    Q_PROPERTY(bool enableAudio READ enableAudio WRITE setEnableAudio NOTIFY enableAudioChanged)
+    Q_PROPERTY(Orientation orientation READ orientation WRITE setOrientation NOTIFY orientationChanged)
+    Q_PROPERTY(int bigViewWidth READ bigViewWidth WRITE setBigViewWidth NOTIFY bigViewWidthChanged)
 
 public:
+    enum Orientation { Portrait = 0, Landscape = 1 };
+    Q_ENUM(Orientation)
+
     static constexpr int DeviceRole = Qt::UserRole + 1;
+
+    // The spacing of the staggered steps, in milliseconds. Tests shorten them.
+    struct StaggerIntervals
+    {
+        int addMs = 200;
+        int startMs = 200;
+        int stopMs = 300;
+        int clearMs = 500;
+    };
+    static void setStaggerIntervals(const StaggerIntervals &intervals);
+    static StaggerIntervals staggerIntervals();
 
     explicit DeviceGroup(QObject *parent = nullptr);
     ~DeviceGroup() override;
@@ -29,21 +67,112 @@ public:
     int deviceCount() const { return m_devices.size(); }
     const QList<Device *> &devices() const { return m_devices; }
     int indexOf(Device *device) const { return m_devices.indexOf(device); }
+    bool groupControlMode() const { return m_hostDevice != nullptr; }
+    Device *hostDevice() const { return m_hostDevice; }
 
-    // Takes ownership and appends it as the last row.
+    bool showControlButtons() const { return m_showControlButtons; }
+    int maxSize() const { return m_maxSize; }
+    int maxFPS() const { return m_maxFPS; }
+    int bitRate() const { return m_bitRate; }
+    int maxSizeBigView() const { return m_maxSizeBigView; }
+    int maxFPSBigView() const { return m_maxFPSBigView; }
+    int bitRateBigView() const { return m_bitRateBigView; }
+    int clickDelaySeconds() const { return m_clickDelaySeconds; }
+    int cellWidth() const { return m_cellWidth; }
+    bool enableAudio() const { return m_enableAudio; }
+    Orientation orientation() const { return m_orientation; }
+    int bigViewWidth() const { return m_bigViewWidth; }
+
+    // Takes ownership and appends the device as the last row at once, leaving its parameters as
+    // they are (addDevices is the way with the group's settings).
     void appendDevice(Device *device);
     // Removes the row and deletes the device later; a device not in the group is ignored.
     void removeDevice(Device *device);
 
+    // The settings record of device_groups.json. Loading stores the values without saving or
+    // applying them; a missing key or one of the wrong type takes its default.
+    void loadSettings(const QJsonObject &settings);
+    QJsonObject settingsToJson() const;
+
+    // Replays a message written by the host's controller on every other phone, rescaled to each
+    // phone's frame and after each phone's own delay.
+    void replayHostMessage(const ControlMsg &msg);
+
+    Q_INVOKABLE bool addDevices(const QList<ADBDeviceInfo> &deviceInfos);
+    Q_INVOKABLE void moveDevicesToGroup(const QStringList &serials, DeviceGroup *targetGroup);
+    Q_INVOKABLE void clearDevices();
     Q_INVOKABLE void renameTo(const QString &newName);
+    Q_INVOKABLE void startGroupControl();
+    Q_INVOKABLE void stopGroupControl();
+    Q_INVOKABLE void startAllDevices();
+    Q_INVOKABLE void stopAllDevices();
+    Q_INVOKABLE void screenshotAllDevices();
+    Q_INVOKABLE void installApk(const QString &apkPath);
+    Q_INVOKABLE void uploadFile(const QString &filePath);
+    Q_INVOKABLE void runAutojs(const QString &autojsPath);
+    Q_INVOKABLE QString executeADBCommand(const QString &input);
+    Q_INVOKABLE void stopAllAutojs();
+    Q_INVOKABLE void setShowControlButtons(bool showControlButtons);
+    Q_INVOKABLE void setMaxSize(int maxSize);
+    Q_INVOKABLE void setMaxFPS(int maxFPS);
+    Q_INVOKABLE void setBitRate(int bitRate);
+    Q_INVOKABLE void setMaxSizeBigView(int maxSizeBigView);
+    Q_INVOKABLE void setMaxFPSBigView(int maxFPSBigView);
+    Q_INVOKABLE void setBitRateBigView(int bitRateBigView);
+    Q_INVOKABLE void setClickDelaySeconds(int clickDelaySeconds);
+    Q_INVOKABLE void setCellWidth(int cellWidth);
+    Q_INVOKABLE void setEnableAudio(bool enableAudio);
+    Q_INVOKABLE void setOrientation(Orientation orientation);
+    Q_INVOKABLE void setBigViewWidth(int bigViewWidth);
+    Q_INVOKABLE void applySettingsToAllDevices();
+    Q_INVOKABLE QVariantList getDevicesForRepeater() const;
 
 signals:
     void nameChanged();
     void deviceCountChanged();
     void deviceAddedIntoGroup(Device *device);
     void deviceRemovedFromGroup(Device *device);
+    void groupControlModeChanged();
+    void hostDeviceChanged();
+    void showControlButtonsChanged();
+    void maxSizeChanged();
+    void maxFPSChanged();
+    void bitRateChanged();
+    void maxSizeBigViewChanged();
+    void maxFPSBigViewChanged();
+    void bitRateBigViewChanged();
+    void clickDelaySecondsChanged();
+    void cellWidthChanged();
+    void enableAudioChanged();
+    void orientationChanged();
+    void bigViewWidthChanged();
+    void settingsChanged();
 
 private:
+    // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
+    // `random` (ignored when the delay setting is below one second).
+    void applySettingsToDevice(Device *device, quint32 random) const;
+    void insertDevice(Device *device);
+    void takeRow(Device *device);
+    void dropHost();
+    void announceIndexes();
+    // Stores a changed setting and, for a named group, applies and announces it.
+    template<typename T>
+    void changeSetting(T &field, T value, void (DeviceGroup::*changed)());
+
+    Device *m_hostDevice = nullptr;
     QString m_name;
     QList<Device *> m_devices;
+    bool m_showControlButtons = true;
+    int m_maxSize = 720;
+    int m_maxFPS = 30;
+    int m_bitRate = 4000000;
+    int m_maxSizeBigView = 720;
+    int m_maxFPSBigView = 30;
+    int m_bitRateBigView = 4000000;
+    int m_clickDelaySeconds = 0;
+    int m_cellWidth = 220;
+    bool m_enableAudio = false;
+    Orientation m_orientation = Portrait;
+    int m_bigViewWidth = 400;
 };

@@ -6,3 +6,13 @@ list(APPEND KORVEL_SOURCES
 list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/devicegroup.h ${CMAKE_CURRENT_LIST_DIR}/devicegroup.cpp
 )
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/devicegroupmanager.h ${CMAKE_CURRENT_LIST_DIR}/devicegroupmanager.cpp
+)
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/groupreplay.h ${CMAKE_CURRENT_LIST_DIR}/groupreplay.cpp
+)
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/autojsprotocol.h ${CMAKE_CURRENT_LIST_DIR}/autojsprotocol.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/autojs.h ${CMAKE_CURRENT_LIST_DIR}/autojs.cpp
+)

@@ -10,6 +10,32 @@ ApplicationWindow {
     visible: true
     title: qsTr("Phone Farms")
     color: ColorManager.backgroundBlack
+    // Menus, combo boxes and sliders of the Fusion style follow the dark theme.
+    palette {
+        window: ColorManager.backgroundDarkGray
+        windowText: ColorManager.textWhite
+        base: ColorManager.backgroundBlack
+        alternateBase: ColorManager.backgroundDarkGray
+        text: ColorManager.textWhite
+        button: ColorManager.backgroundDarkGray
+        buttonText: ColorManager.textWhite
+        highlight: ColorManager.primaryDarkGreen
+        highlightedText: ColorManager.textBlack
+        placeholderText: ColorManager.textGray
+        toolTipBase: ColorManager.backgroundDarkGray
+        toolTipText: ColorManager.textWhite
+        light: ColorManager.borderDarkGray
+        midlight: ColorManager.borderDarkGray
+        mid: ColorManager.borderDarkGray
+        dark: ColorManager.backgroundPureBlack
+    }
+
+    readonly property DeviceGroup currentGroup: groupManager.currentSelectedGroup
+
+    DeviceGroupManager {
+        id: groupManager
+        objectName: "deviceGroupManager"
+    }
 
     header: ToolBar {
         id: headerBar
@@ -35,14 +61,14 @@ ApplicationWindow {
             MenuButton {
                 objectName: "devicesMenu"
                 text: qsTr("Devices")
-                // These open dialogs that arrive with device groups.
-                MenuItem { text: qsTr("Scan Devices"); enabled: false }
-                MenuItem { text: qsTr("Manage Device Groups"); enabled: false }
-                MenuItem { text: qsTr("Restart ADB Server"); enabled: false }
+                MenuItem { text: qsTr("Scan Devices"); onTriggered: scanDialog.open() }
+                MenuItem { text: qsTr("Manage Device Groups"); onTriggered: groupManagerDialog.open() }
+                MenuItem { text: qsTr("Restart ADB Server"); onTriggered: adbRestartDialog.open() }
             }
             MenuButton {
                 objectName: "toolsMenu"
                 text: qsTr("Tools")
+                // These open dialogs that arrive with phrases and key mapping.
                 MenuItem { text: qsTr("Common Phrases"); enabled: false }
                 MenuItem { text: qsTr("Key Mapping"); enabled: false }
             }
@@ -63,6 +89,7 @@ ApplicationWindow {
             objectName: "deviceList"
             SplitView.preferredWidth: 300
             SplitView.minimumWidth: 200
+            groupManager: groupManager
         }
 
         Rectangle {
@@ -70,15 +97,40 @@ ApplicationWindow {
             SplitView.fillWidth: true
             color: ColorManager.backgroundBlack
 
+            PhoneScreenGrid {
+                id: phoneGrid
+                objectName: "phoneScreenGrid"
+                anchors.fill: parent
+                anchors.margins: 10
+                group: window.currentGroup
+            }
+
             KVButton {
                 objectName: "scanButton"
                 anchors.centerIn: parent
+                visible: window.currentGroup === null || window.currentGroup.deviceCount === 0
                 text: qsTr("No Devices In This Group, Click To Scan")
-                enabled: false
+                implicitHeight: 40
+                onClicked: scanDialog.open()
             }
         }
     }
 
+    DeviceScanDialog {
+        id: scanDialog
+        objectName: "scanDialog"
+        groupManager: groupManager
+    }
+    DeviceGroupManagerDialog {
+        id: groupManagerDialog
+        objectName: "groupManagerDialog"
+        groupManager: groupManager
+    }
+    ADBRestartDialog {
+        id: adbRestartDialog
+        objectName: "adbRestartDialog"
+        groupManager: groupManager
+    }
     AboutDialog { id: aboutDialog }
     AppSettingsDialog { id: appSettingsDialog }
 }

@@ -14,8 +14,29 @@ QtObject {
 
     readonly property int headerHeight: 44
     readonly property int controlButtonsWidth: 34
+    readonly property int controlButtonHeight: 24
     readonly property int radius: 4
     readonly property int fontSmall: 12
     readonly property int fontNormal: 14
     readonly property int fontTitle: 16
+
+    // Phone pictures are drawn at a fixed 16:9 (height over width in portrait).
+    readonly property real phoneAspect: 16 / 9
+
+    // The picture's width in a grid cell: the cell less its margins and the button column.
+    function cellVideoWidth(cellWidth, showControlButtons) {
+        return showControlButtons ? cellWidth - controlButtonsWidth - 15 : cellWidth - 10
+    }
+
+    function videoHeight(videoWidth, orientation) {
+        return orientation === DeviceGroup.Landscape ? videoWidth / phoneAspect : videoWidth * phoneAspect
+    }
+
+    function messageColor(type) {
+        if (type === "error")
+            return ColorManager.error
+        if (type === "success")
+            return ColorManager.success
+        return ColorManager.info
+    }
 }

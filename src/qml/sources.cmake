@@ -3,12 +3,33 @@ set_source_files_properties(${korvel_qml_singletons} PROPERTIES QT_QML_SINGLETON
 list(APPEND KORVEL_QML_FILES
     src/qml/Main.qml
     src/qml/Theme.qml
+    src/qml/IconPaths.js
+    src/qml/FileUrls.js
     src/qml/MenuButton.qml
-    src/qml/DeviceList.qml
     src/qml/KVButton.qml
     src/qml/KVToolTip.qml
     src/qml/KVTextField.qml
     src/qml/KVAlert.qml
+    src/qml/KVCheckBox.qml
+    src/qml/Icon.qml
+    src/qml/HeaderButton.qml
+    src/qml/MessageStrip.qml
+    src/qml/FilePicker.qml
+    src/qml/DeviceList.qml
+    src/qml/DeviceMenu.qml
+    src/qml/PhoneScreenGrid.qml
+    src/qml/DeviceView.qml
+    src/qml/PhoneInputArea.qml
+    src/qml/ScreenCoordinateDisplayer.qml
+    src/qml/BigDeviceView.qml
+    src/qml/ControlButtons.qml
+    src/qml/DeviceScanDialog.qml
+    src/qml/DeviceGroupManagerDialog.qml
+    src/qml/GroupSettingsDialog.qml
+    src/qml/DeviceRenameDialog.qml
+    src/qml/DeviceInfoDialog.qml
+    src/qml/ADBCommandDialog.qml
+    src/qml/ADBRestartDialog.qml
     src/qml/AboutDialog.qml
     src/qml/AppSettingsDialog.qml
 )

@@ -64,6 +64,8 @@ private slots:
     void atMost200PacketsPerRead();
     void unknownCodecStillFeedsSinks();
     void recorderBeforeDecoder();
+    void insertedSinkTakesItsPlace_data();
+    void insertedSinkTakesItsPlace();
     void withoutRecorderDecoderStillFed();
     void decoderDeletedFirstIsSkipped();
     void socketDeletedFirstIsHarmless();
@@ -314,6 +316,41 @@ void TestVideoDemuxer::recorderBeforeDecoder()
     rig.socket.feed(bytes);
     const QStringList expected{"recorder", "decoder", "recorder", "decoder", "recorder", "decoder"};
     QCOMPARE(rig.log, expected);
+}
+
+void TestVideoDemuxer::insertedSinkTakesItsPlace_data()
+{
+    QTest::addColumn<bool>("withRecorder");
+    QTest::addColumn<int>("position");
+    QTest::addColumn<QStringList>("order");
+    QTest::newRow("first") << true << 0 << QStringList{"probe", "recorder", "decoder"};
+    QTest::newRow("between") << true << 1 << QStringList{"recorder", "probe", "decoder"};
+    QTest::newRow("last") << true << 2 << QStringList{"recorder", "decoder", "probe"};
+    QTest::newRow("past the end appends") << true << 7 << QStringList{"recorder", "decoder", "probe"};
+    QTest::newRow("negative appends") << true << -1 << QStringList{"recorder", "decoder", "probe"};
+    QTest::newRow("first, no recorder") << false << 0 << QStringList{"probe", "decoder"};
+    QTest::newRow("1 is after the decoder without recorder") << false << 1 << QStringList{"decoder", "probe"};
+}
+
+void TestVideoDemuxer::insertedSinkTakesItsPlace()
+{
+    QFETCH(bool, withRecorder);
+    QFETCH(int, position);
+    QFETCH(QStringList, order);
+    Rig rig(withRecorder);
+    RecordingSink probe(QStringLiteral("probe"), &rig.log);
+    rig.demuxer.insertPacketSink(position, &probe);
+    rig.demuxer.insertPacketSink(0, nullptr);
+    QCOMPARE(rig.demuxer.packetSinkCount(), withRecorder ? 3 : 2);
+
+    rig.socket.feed(h264Header() + packet(ConfigFlag, startCoded("\x67\x64"))
+                    + packet(KeyFlag | 5, startCoded("\x65\x01")));
+    QCOMPARE(rig.log, order + order);
+    // Every sink gets the same packet, flags and all.
+    QCOMPARE(probe.packets.size(), 2);
+    QCOMPARE(probe.packets, rig.decoder.packets);
+    QCOMPARE(probe.packets[0].pts, qint64(AV_NOPTS_VALUE));
+    QVERIFY(probe.packets[1].key);
 }
 
 void TestVideoDemuxer::withoutRecorderDecoderStillFed()

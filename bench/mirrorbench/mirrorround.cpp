@@ -1,0 +1,174 @@
+#include "mirrorround.h"
+
+#include "device.h"
+#include "devicegroup.h"
+#include "phonefixture.h"
+#include "phoneprobe.h"
+#include "serverparams.h"
+#include "yuvfboitem.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QTimer>
+
+#include <algorithm>
+#include <memory>
+#include <time.h>
+#include <unistd.h>
+
+namespace {
+
+double processCpuSeconds()
+{
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) / 1e9;
+}
+
+struct Session
+{
+    std::unique_ptr<PhoneProbe> probe = std::make_unique<PhoneProbe>();
+    std::unique_ptr<YuvFboItem> view = std::make_unique<YuvFboItem>();
+    std::unique_ptr<Device> device;
+};
+
+} // namespace
+
+MirrorRound::MirrorRound(PhoneFixture &fixture, quint16 adbServerPort, std::function<bool()> stopRequested)
+    : m_fixture(fixture)
+    , m_adbServerPort(adbServerPort)
+    , m_stopRequested(std::move(stopRequested))
+{
+}
+
+bool MirrorRound::waitUntil(const std::function<bool()> &done, int timeoutMs)
+{
+    QElapsedTimer clock;
+    clock.start();
+    QEventLoop loop;
+    QTimer check;
+    bool reached = done();
+    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
+        reached = done();
+        if (reached || clock.elapsed() >= timeoutMs || m_stopRequested())
+            loop.quit();
+    });
+    if (!reached) {
+        check.start(50);
+        loop.exec();
+    }
+    return reached;
+}
+
+double MirrorRound::adbServerCpuSeconds()
+{
+    // The server runs as "adb -L tcp:PORT fork-server server ..."; found once, then read directly.
+    const QByteArray listen = "tcp:" + QByteArray::number(m_adbServerPort);
+    if (m_adbServerPid < 0) {
+        const QStringList pids = QDir("/proc").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        for (const QString &pid : pids) {
+            QFile cmdline("/proc/" + pid + "/cmdline");
+            if (!cmdline.open(QIODevice::ReadOnly))
+                continue;
+            const QList<QByteArray> args = cmdline.readAll().split('\0');
+            if (args.contains("fork-server") && args.contains(listen)) {
+                m_adbServerPid = pid.toInt();
+                break;
+            }
+        }
+    }
+    if (m_adbServerPid < 0)
+        return -1;
+    QFile stat(QString("/proc/%1/stat").arg(m_adbServerPid));
+    if (!stat.open(QIODevice::ReadOnly)) {
+        m_adbServerPid = -1;
+        return -1;
+    }
+    // Fields after the parenthesised name: state is field 3, utime and stime are fields 14 and 15.
+    const QByteArray text = stat.readAll();
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    if (fields.size() < 13)
+        return -1;
+    const double ticks = double(sysconf(_SC_CLK_TCK));
+    return (fields.at(11).toDouble() + fields.at(12).toDouble()) / ticks;
+}
+
+MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs)
+{
+    Result result;
+    const auto &phones = m_fixture.phones();
+    result.phones = std::min(phoneCount, int(phones.size()));
+
+    std::vector<Session> sessions(size_t(result.phones));
+    for (size_t i = 0; i < sessions.size(); ++i) {
+        Session &session = sessions[i];
+        session.device = std::make_unique<Device>(nullptr, nullptr, phones[i]->serial());
+        Device *device = session.device.get();
+        ServerParams *params = device->serverParamsSmallView();
+        params->setMaxSize(0);
+        params->setMaxFps(0);
+        params->setBitRate(4000000);
+        device->addVideoPacketProbe(session.probe.get());
+        // As the user interface wires it: the device's planes go straight into the view.
+        QObject::connect(device, &Device::yuvFrameReady, session.view.get(), &YuvFboItem::present);
+        PhoneProbe *probe = session.probe.get();
+        QObject::connect(device, &Device::yuvFrameReady, device, [probe] { probe->framePresented(); });
+        device->startScrcpySession();
+        if (!device->running()) {
+            result.error = "session did not start on " + phones[i]->serial();
+            break;
+        }
+    }
+
+    auto allShowPictures = [&] {
+        return std::all_of(sessions.begin(), sessions.end(),
+                           [](const Session &s) { return s.probe->framesSinceStart() > 0; });
+    };
+    if (result.error.isEmpty() && !waitUntil(allShowPictures, 30000 + 2000 * int(sessions.size())))
+        result.error = m_stopRequested() ? "stopped" : "not every phone showed a picture within the time limit";
+
+    if (result.error.isEmpty()) {
+        waitUntil([] { return false; }, warmupMs);
+        for (Session &s : sessions)
+            s.probe->startCounting();
+        const double adbBefore = adbServerCpuSeconds();
+        const double cpuBefore = processCpuSeconds();
+        QElapsedTimer wall;
+        wall.start();
+        waitUntil([] { return false; }, int(seconds * 1000));
+        result.cpuSeconds = processCpuSeconds() - cpuBefore;
+        result.seconds = double(wall.nsecsElapsed()) / 1e9;
+        const double adbAfter = adbServerCpuSeconds();
+        if (adbBefore >= 0 && adbAfter >= adbBefore)
+            result.adbCpuSeconds = adbAfter - adbBefore;
+        for (Session &s : sessions)
+            s.probe->stopCounting();
+        if (m_stopRequested())
+            result.error = "stopped";
+    }
+
+    result.slowestPhoneFps = -1;
+    for (const Session &s : sessions) {
+        result.packets += s.probe->packets();
+        result.frames += s.probe->frames();
+        result.packetsWithoutFrame += s.probe->packetsWithoutFrame();
+        const auto &latencies = s.probe->latenciesNs();
+        result.latenciesNs.insert(result.latenciesNs.end(), latencies.begin(), latencies.end());
+        const double fps = result.seconds > 0 ? double(s.probe->frames()) / result.seconds : 0;
+        if (result.slowestPhoneFps < 0 || fps < result.slowestPhoneFps)
+            result.slowestPhoneFps = fps;
+    }
+    std::sort(result.latenciesNs.begin(), result.latenciesNs.end());
+
+    for (Session &s : sessions) {
+        if (s.device)
+            s.device->stopScrcpySession();
+    }
+    // Let the phones see their sockets close before the next round or the ffmpeg reference.
+    waitUntil([] { return false; }, 1000);
+    sessions.clear();
+    result.ok = result.error.isEmpty();
+    return result;
+}

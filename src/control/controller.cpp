@@ -1,0 +1,325 @@
+#include "controller.h"
+
+#include "adbclient.h"
+#include "controlmsgencoder.h"
+#include "device.h"
+#include "inputmapping.h"
+
+#include <QAbstractSocket>
+#include <QDir>
+#include <QFont>
+#include <QFutureWatcher>
+#include <QImage>
+#include <QPainter>
+#include <QPen>
+#include <QStandardPaths>
+#include <QTimer>
+#include <QtConcurrent>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+int swipeIntervalMs = 10;
+
+constexpr qint64 kMousePointerId = -2;
+constexpr int kUploadTimeoutMs = 5000;
+constexpr int kLongInfoTimeoutMs = 100000;
+const QString kUploadFolder = "/sdcard/Download/";
+
+// Android key codes of the action buttons.
+enum ActionKey : qint32 {
+    KeyHome = 3,
+    KeyBack = 4,
+    KeyVolumeUp = 24,
+    KeyVolumeDown = 25,
+    KeyAppSwitch = 187,
+    KeySleep = 223,
+    KeyWakeUp = 224,
+    KeyCut = 277,
+    KeyCopy = 278,
+    KeyPaste = 279,
+};
+
+// Device pixels are whole; a zero or negative show size must not turn into undefined conversions.
+qint32 toDevicePixel(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    const double truncated = std::trunc(value);
+    if (truncated >= double(std::numeric_limits<qint32>::max()))
+        return std::numeric_limits<qint32>::max();
+    if (truncated <= double(std::numeric_limits<qint32>::min()))
+        return std::numeric_limits<qint32>::min();
+    return qint32(truncated);
+}
+
+} // namespace
+
+Controller::Controller(QObject *parent, QIODevice *socket)
+    : QObject(parent)
+    , m_socket(socket)
+    , m_device(qobject_cast<Device *>(parent))
+{
+}
+
+void Controller::setSwipeInterval(int milliseconds)
+{
+    swipeIntervalMs = milliseconds;
+}
+
+QSize Controller::showSize() const
+{
+    return m_device ? m_device->showSize() : QSize(-1, -1);
+}
+
+QSize Controller::frameSize() const
+{
+    return m_device ? m_device->frameSize() : QSize(-1, -1);
+}
+
+void Controller::report(const QString &message, const QString &type, int timeout)
+{
+    if (m_device)
+        emit m_device->deviceMessage(message, type, timeout);
+}
+
+void Controller::sendKeyPress(qint32 keycode)
+{
+    ControlMsg down = ControlMsg::injectKeycode(ControlMsg::KeyDown, keycode, 0, 0);
+    send(down);
+    ControlMsg up = ControlMsg::injectKeycode(ControlMsg::KeyUp, keycode, 0, 0);
+    send(up);
+}
+
+void Controller::actionHome() { sendKeyPress(KeyHome); }
+void Controller::actionShowTaskList() { sendKeyPress(KeyAppSwitch); }
+void Controller::actionBack() { sendKeyPress(KeyBack); }
+
+void Controller::actionSwipeUp()
+{
+    const QSize show = showSize();
+    swipe(QPointF(show.width() / 2.0, show.height() / 5.0), 5);
+}
+
+void Controller::actionSwipeDown()
+{
+    const QSize show = showSize();
+    swipe(QPointF(show.width() / 2.0, 4.0 * show.height() / 5.0), 10);
+}
+
+void Controller::actionSwipeLeft()
+{
+    const QSize show = showSize();
+    swipe(QPointF(show.width() / 5.0, show.height() / 2.0), 10);
+}
+
+void Controller::actionSwipeRight()
+{
+    const QSize show = showSize();
+    swipe(QPointF(4.0 * show.width() / 5.0, show.height() / 2.0), 10);
+}
+
+void Controller::swipe(const QPointF &end, int steps)
+{
+    const QSize show = showSize();
+    const QPointF start(show.width() / 2.0, show.height() / 2.0);
+    processMouseEvent(kMousePointerId, InputMapping::MousePress, start.x(), start.y(), Qt::LeftButton,
+                      Qt::LeftButton);
+
+    // Each step is its own message, so group control replays the gesture as it happens.
+    auto *timer = new QTimer(this);
+    timer->setInterval(swipeIntervalMs);
+    connect(timer, &QTimer::timeout, this, [this, timer, start, end, steps, step = 0]() mutable {
+        ++step;
+        if (step <= steps) {
+            const float fraction = float(step) / float(steps);
+            const QPointF point = start + (end - start) * fraction;
+            processMouseEvent(kMousePointerId, InputMapping::MouseMove, point.x(), point.y(), Qt::LeftButton,
+                              Qt::LeftButton);
+            return;
+        }
+        processMouseEvent(kMousePointerId, InputMapping::MouseRelease, end.x(), end.y(), Qt::LeftButton,
+                          Qt::LeftButton);
+        timer->stop();
+        timer->deleteLater();
+    });
+    timer->start();
+}
+
+void Controller::actionReboot()
+{
+    if (m_device)
+        AdbClient::reboot(m_device->adbConnectionSerial());
+}
+
+void Controller::actionShutdown()
+{
+    if (m_device)
+        AdbClient::shutdown(m_device->adbConnectionSerial());
+}
+
+void Controller::actionSleep() { sendKeyPress(KeySleep); }
+void Controller::actionWakeUp() { sendKeyPress(KeyWakeUp); }
+void Controller::actionVolumeUp() { sendKeyPress(KeyVolumeUp); }
+void Controller::actionVolumeDown() { sendKeyPress(KeyVolumeDown); }
+void Controller::actionCopy() { sendKeyPress(KeyCopy); }
+void Controller::actionPaste() { sendKeyPress(KeyPaste); }
+void Controller::actionCut() { sendKeyPress(KeyCut); }
+
+void Controller::actionRotateScreen()
+{
+    ControlMsg msg = ControlMsg::ofType(ControlMsgType::RotateDevice);
+    send(msg);
+}
+
+void Controller::runInBackground(std::function<bool()> task, const QString &successText,
+                                 const QString &failureText, int failureTimeout)
+{
+    // The watcher is a child: a controller that ends first takes the report with it.
+    auto *watcher = new QFutureWatcher<bool>(this);
+    connect(watcher, &QFutureWatcher<bool>::finished, this, [this, watcher, successText, failureText, failureTimeout] {
+        const bool ok = watcher->result();
+        watcher->deleteLater();
+        if (ok)
+            report(successText, "success", 2000);
+        else
+            report(failureText, "error", failureTimeout);
+    });
+    watcher->setFuture(QtConcurrent::run(std::move(task)));
+}
+
+void Controller::installApk(const QString &apkPath)
+{
+    if (!m_device)
+        return;
+    report(tr("Installing APK"), "info", kLongInfoTimeoutMs);
+    const QString serial = m_device->adbConnectionSerial();
+    runInBackground([serial, apkPath] { return AdbClient::installApk(serial, apkPath); }, tr("APK installed"),
+                    tr("APK installation failed"), kLongInfoTimeoutMs);
+}
+
+void Controller::uploadFile(const QString &filePath)
+{
+    if (!m_device)
+        return;
+    const QString serial = m_device->adbConnectionSerial();
+    runInBackground([serial, filePath] { return AdbClient::push(serial, filePath, kUploadFolder); },
+                    tr("File uploaded"), tr("File upload failed"), kUploadTimeoutMs);
+}
+
+void Controller::actionInputText(const QString &text)
+{
+    // Sequence 0: no acknowledgement is wanted back.
+    ControlMsg msg = ControlMsg::setClipboard(0, text, true);
+    send(msg);
+}
+
+void Controller::handleMouseEvent(int eventType, double x, double y, int button, int buttons)
+{
+    processMouseEvent(kMousePointerId, eventType, x, y, button, buttons);
+}
+
+void Controller::processMouseEvent(qint64 pointerId, int eventType, double x, double y, int button, int buttons)
+{
+    const int action = InputMapping::touchAction(eventType);
+    if (action < 0)
+        return;
+    const QSize frame = frameSize();
+    const QSize show = showSize();
+    const ControlPosition position{QPoint(toDevicePixel(x * frame.width() / show.width()),
+                                          toDevicePixel(y * frame.height() / show.height())),
+                                   frame};
+    const float pressure = action == ControlMsg::TouchDown ? 1.0f : 0.0f;
+    ControlMsg msg = ControlMsg::injectTouch(quint64(pointerId), quint32(action), InputMapping::actionButton(button),
+                                             InputMapping::buttons(buttons), position, pressure);
+    send(msg);
+}
+
+void Controller::handleKeyEvent(int eventType, int key, int modifiers, const QString &)
+{
+    if (handleKeyMapping(eventType, key, modifiers))
+        return;
+    const int action = InputMapping::keyAction(eventType);
+    if (action < 0)
+        return;
+    // Only the press becomes copy, paste or cut; its release goes out as the plain letter.
+    if (action == ControlMsg::KeyDown && (modifiers & Qt::ControlModifier)) {
+        switch (key) {
+        case Qt::Key_C: actionCopy(); return;
+        case Qt::Key_V: actionPaste(); return;
+        case Qt::Key_X: actionCut(); return;
+        default: break;
+        }
+    }
+    const int keycode = InputMapping::androidKeyCode(key, modifiers);
+    if (keycode < 0)
+        return;
+    ControlMsg msg = ControlMsg::injectKeycode(quint32(action), keycode, 0, InputMapping::metaState(modifiers));
+    send(msg);
+}
+
+bool Controller::handleKeyMapping(int, int, int)
+{
+    // No key-mapping profile is played back here: every key goes on to the phone.
+    return false;
+}
+
+void Controller::send(const ControlMsg &msg)
+{
+    if (m_socket) {
+        m_socket->write(ControlMsgEncoder::serialize(msg));
+        if (auto *socket = qobject_cast<QAbstractSocket *>(m_socket.data()))
+            socket->flush();
+    }
+    emit messageSent(msg);
+}
+
+void Controller::groupSend(const ControlMsg &msg)
+{
+    if (m_clickDelayMilliSeconds <= 0) {
+        send(msg);
+        return;
+    }
+    // The copy shares the text with the original and lives until the timer has fired or the
+    // controller has gone.
+    QTimer::singleShot(m_clickDelayMilliSeconds, this, [this, copy = msg]() mutable { send(copy); });
+}
+
+void Controller::setClickDelayMilliSeconds(int milliSeconds)
+{
+    m_clickDelayMilliSeconds = milliSeconds;
+}
+
+void Controller::setWallpaper(const QString &nickname, int width, int height)
+{
+    if (!m_device || width <= 0 || height <= 0)
+        return;
+    const QString desktop = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+    QDir().mkpath(desktop);
+    const QString path = desktop + "/wallpaper_" + nickname + ".png";
+
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::yellow, 2, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
+    QFont font("Arial", 80);
+    font.setWeight(QFont::Bold);
+    painter.setFont(font);
+    QRect area = image.rect();
+    area.setTop(150);
+    painter.drawText(area, Qt::AlignHCenter | Qt::AlignTop, nickname);
+    painter.end();
+
+    if (!image.save(path, "PNG"))
+        return;
+    AdbClient::setWallpaper(m_device->adbConnectionSerial(), path);
+}
+
+void Controller::resetVideo()
+{
+    ControlMsg msg = ControlMsg::ofType(ControlMsgType::ResetVideo);
+    send(msg);
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "controlmsg.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QPointF>
+#include <QSize>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+class Device;
+class QIODevice;
+
+// Turns user actions on one phone into control messages, writes them on the session's control
+// socket, and announces each message written so that group control can replay it.
+class Controller : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    // The parent is normally the session's Device; the socket belongs to the session.
+    explicit Controller(QObject *parent = nullptr, QIODevice *socket = nullptr);
+
+    int clickDelayMilliSeconds() const { return m_clickDelayMilliSeconds; }
+
+    // The tick of synthesised swipes. Tests may shorten it.
+    static void setSwipeInterval(int milliseconds);
+
+signals:
+    void messageSent(const ControlMsg &msg);
+
+public slots:
+    void actionHome();
+    void actionShowTaskList();
+    void actionBack();
+    void actionSwipeUp();
+    void actionSwipeDown();
+    void actionSwipeLeft();
+    void actionSwipeRight();
+    void actionReboot();
+    void actionShutdown();
+    void actionSleep();
+    void actionWakeUp();
+    void actionVolumeUp();
+    void actionVolumeDown();
+    void actionCopy();
+    void actionPaste();
+    void actionCut();
+    void actionRotateScreen();
+    void installApk(const QString &apkPath);
+    void uploadFile(const QString &filePath);
+    void actionInputText(const QString &text);
+    void handleMouseEvent(int eventType, double x, double y, int button, int buttons);
+    void processMouseEvent(qint64 pointerId, int eventType, double x, double y, int button, int buttons);
+    void handleKeyEvent(int eventType, int key, int modifiers, const QString &text);
+    bool handleKeyMapping(int eventType, int key, int modifiers);
+    void send(const ControlMsg &msg);
+    void groupSend(const ControlMsg &msg);
+    void setClickDelayMilliSeconds(int milliSeconds);
+    void setWallpaper(const QString &nickname, int width, int height);
+    void resetVideo();
+
+private:
+    void sendKeyPress(qint32 keycode);
+    void swipe(const QPointF &end, int steps);
+    QSize showSize() const;
+    QSize frameSize() const;
+    void runInBackground(std::function<bool()> task, const QString &successText, const QString &failureText,
+                         int failureTimeout);
+    void report(const QString &message, const QString &type, int timeout);
+
+    QPointer<QIODevice> m_socket;
+    int m_clickDelayMilliSeconds = 0;
+    QPointer<Device> m_device;
+};

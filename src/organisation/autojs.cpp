@@ -1,0 +1,134 @@
+#include "autojs.h"
+
+#include "adbclient.h"
+#include "autojsprotocol.h"
+#include "device.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHostAddress>
+#include <QJsonDocument>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+namespace {
+int connectTimeoutMs = 30000;
+}
+
+void Autojs::setConnectTimeout(int milliseconds)
+{
+    connectTimeoutMs = milliseconds;
+}
+
+Autojs::Autojs(QObject *parent)
+    : QObject(parent)
+    , m_device(qobject_cast<Device *>(parent))
+    , m_socket(new QTcpSocket(this))
+    , m_connectTimer(new QTimer(this))
+{
+    // The system picks a free port once; every later run forwards the same one.
+    QTcpServer probe;
+    if (probe.listen(QHostAddress::LocalHost, 0))
+        m_localPort = probe.serverPort();
+    probe.close();
+
+    m_connectTimer->setSingleShot(true);
+    connect(m_connectTimer, &QTimer::timeout, this, &Autojs::handleConnectFailed);
+    connect(m_socket, &QTcpSocket::connected, this, &Autojs::handleConnected);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &Autojs::handleConnectFailed);
+    connect(m_socket, &QTcpSocket::readyRead, this, &Autojs::handleReadyRead);
+}
+
+void Autojs::report(const QString &message, const QString &type, int timeout)
+{
+    if (m_device)
+        emit m_device->deviceMessage(message, type, timeout);
+}
+
+void Autojs::run(const QString &autojsPath)
+{
+    m_connectTimer->stop();
+    m_pendingPath.clear();
+    m_socket->abort();
+    m_receiveBuffer.clear();
+
+    if (!m_device || !AdbClient::forward(m_device->adbConnectionSerial(), m_localPort, RemotePort)) {
+        report(tr("Failed to connect to AutoJS server"), "error", 5000);
+        return;
+    }
+    // The rest happens when the connection is up or has failed; the user interface keeps running.
+    m_pendingPath = autojsPath;
+    m_connectTimer->start(connectTimeoutMs);
+    m_socket->connectToHost(QHostAddress::LocalHost, m_localPort);
+}
+
+void Autojs::handleConnectFailed()
+{
+    if (m_pendingPath.isEmpty())
+        return;
+    m_pendingPath.clear();
+    m_connectTimer->stop();
+    m_socket->abort();
+    report(tr("Failed to connect to AutoJS server"), "error", 5000);
+}
+
+void Autojs::handleConnected()
+{
+    if (m_pendingPath.isEmpty())
+        return;
+    m_connectTimer->stop();
+    const QString path = m_pendingPath;
+    m_pendingPath.clear();
+
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        report(tr("Failed to open AutoJS script file"), "error", 5000);
+        return;
+    }
+    const QString script = QString::fromUtf8(file.readAll());
+    sendData({{"command", "run"},
+              {"id", int(m_localPort)},
+              {"name", QFileInfo(path).baseName()},
+              {"script", script}});
+    m_running = true;
+    emit runningStatusChanged();
+    report(tr("AutoJS script started"), "info", 2000);
+}
+
+void Autojs::stop()
+{
+    sendData({{"command", "stopAll"}});
+    m_running = false;
+    emit runningStatusChanged();
+}
+
+void Autojs::sendData(const QJsonObject &data)
+{
+    // Without a connection the command has nowhere to go.
+    if (m_socket->state() != QAbstractSocket::ConnectedState)
+        return;
+    m_socket->write(AutojsProtocol::encodeCommand(m_localPort, data));
+    m_socket->flush();
+}
+
+void Autojs::handleReadyRead()
+{
+    m_receiveBuffer.append(m_socket->readAll());
+    quint32 type = 0;
+    QByteArray body;
+    switch (AutojsProtocol::takeReply(m_receiveBuffer, &type, &body)) {
+    case AutojsProtocol::Take::Incomplete:
+        return;
+    case AutojsProtocol::Take::Garbage:
+        m_receiveBuffer.clear();
+        return;
+    case AutojsProtocol::Take::Message:
+        break;
+    }
+    if (type != AutojsProtocol::TypeJson)
+        return;
+    const QJsonDocument document = QJsonDocument::fromJson(body);
+    if (document.isObject())
+        emit messageReceived(document.object());
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+class Device;
+class QTcpSocket;
+class QTimer;
+
+// Runs and stops JavaScript files on a phone through the AutoJS app's command server: an adb
+// forward from a local port to the phone's port 7347 and length-prefixed JSON commands over it.
+class Autojs : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Each Device owns its Autojs bridge")
+    Q_PROPERTY(bool isRunning READ isRunning NOTIFY runningStatusChanged)
+
+public:
+    static constexpr quint16 RemotePort = 7347;
+
+    // The parent is the owning Device.
+    explicit Autojs(QObject *parent);
+
+    bool isRunning() const { return m_running; }
+    quint16 localPort() const { return m_localPort; }
+
+    // How long run() waits for the connection. Tests shorten it.
+    static void setConnectTimeout(int milliseconds);
+
+    Q_INVOKABLE void run(const QString &autojsPath);
+    Q_INVOKABLE void stop();
+
+signals:
+    void runningStatusChanged();
+    // A JSON message from the phone ("hello", "command", "bytes_command", "log", ...).
+    void messageReceived(const QJsonObject &message);
+
+private:
+    void handleConnected();
+    void handleConnectFailed();
+    void handleReadyRead();
+    void sendData(const QJsonObject &data);
+    void report(const QString &message, const QString &type, int timeout);
+
+    QPointer<Device> m_device;
+    QTcpSocket *m_socket;
+    QTimer *m_connectTimer;
+    QByteArray m_receiveBuffer;
+    bool m_running = false;
+    quint16 m_localPort = 0;
+    // The script waiting for the connection; empty when none is pending.
+    QString m_pendingPath;
+};

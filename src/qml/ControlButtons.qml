@@ -1,0 +1,191 @@
+import QtQuick
+import QtQuick.Controls
+import Korvel
+
+// The button column beside one phone's picture. Every button acts on the bound device only.
+Flickable {
+    id: root
+    property Device device: null
+    // The phrase list and the key-mapping picker belong to the view that holds the column.
+    property bool phraseSelectionAvailable: false
+    property bool keyMappingAvailable: false
+
+    signal openPhraseSelectionDialog()
+    signal openKeyMapProfilePicker()
+    signal toggleScreenPosition()
+
+    readonly property bool recording: device !== null && device.videoRecorder !== undefined
+                                      && device.videoRecorder !== null && device.videoRecorder.isRecording === true
+    readonly property bool autojsRunning: device !== null && device.autojs !== null && device.autojs.isRunning
+    readonly property var keyMappingProfile: device !== null && device.currentKeyMappingProfile !== undefined
+                                             ? device.currentKeyMappingProfile : null
+
+    implicitWidth: Theme.controlButtonsWidth
+    contentHeight: column.height
+    clip: true
+    flickableDirection: Flickable.VerticalFlick
+    boundsBehavior: Flickable.StopAtBounds
+    ScrollBar.vertical: ScrollBar {
+        width: 4
+        policy: root.contentHeight > root.height ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
+    }
+
+    component ControlButton: AbstractButton {
+        id: button
+        property string tip
+        property string iconName
+        property string label
+        property color tint: ColorManager.textWhite
+
+        width: root.width - 6
+        height: Theme.controlButtonHeight
+        hoverEnabled: true
+        enabled: root.device !== null
+        focusPolicy: Qt.NoFocus
+
+        background: Rectangle {
+            radius: Theme.radius
+            color: button.down ? ColorManager.backgroundBlackGreen
+                               : button.hovered ? ColorManager.borderDarkGray : ColorManager.backgroundDarkGray
+        }
+        contentItem: Item {
+            Icon {
+                anchors.centerIn: parent
+                width: 16
+                height: 16
+                visible: button.label.length === 0
+                name: button.iconName
+                color: button.enabled ? button.tint : ColorManager.textGray
+            }
+            Text {
+                anchors.centerIn: parent
+                visible: button.label.length > 0
+                text: button.label
+                color: button.enabled ? button.tint : ColorManager.textGray
+                font.pixelSize: 9
+                font.bold: true
+            }
+        }
+        KVToolTip {
+            text: button.tip
+            visible: button.hovered
+        }
+    }
+
+    FilePicker { id: picker }
+
+    Column {
+        id: column
+        x: 2
+        spacing: 2
+
+        ControlButton { objectName: "homeButton"; tip: qsTr("Home"); iconName: "home"; onClicked: root.device.home() }
+        ControlButton { tip: qsTr("Task List"); iconName: "tasks"; onClicked: root.device.showTaskList() }
+        ControlButton { tip: qsTr("Back"); iconName: "back"; onClicked: root.device.back() }
+        ControlButton { tip: qsTr("Swipe Up"); iconName: "up"; onClicked: root.device.swipeUp() }
+        ControlButton { tip: qsTr("Swipe Down"); iconName: "down"; onClicked: root.device.swipeDown() }
+        ControlButton { tip: qsTr("Swipe Left"); iconName: "left"; onClicked: root.device.swipeLeft() }
+        ControlButton { tip: qsTr("Swipe Right"); iconName: "right"; onClicked: root.device.swipeRight() }
+        ControlButton { tip: qsTr("Rotate Screen"); iconName: "rotate"; onClicked: root.device.rotateScreen() }
+        ControlButton {
+            tip: qsTr("Screenshot")
+            iconName: root.device && root.device.isScreenShotting ? "hourglass" : "camera"
+            tint: root.device && root.device.isScreenShotting ? ColorManager.textRed : ColorManager.textWhite
+            onClicked: root.device.takeScreenshot()
+        }
+        ControlButton {
+            tip: root.recording ? qsTr("Stop Recording") : qsTr("Record Video")
+            iconName: root.recording ? "stop" : "record"
+            tint: root.recording ? ColorManager.textRed : ColorManager.textWhite
+            enabled: root.device !== null && root.device.videoRecorder !== undefined
+            onClicked: root.recording ? root.device.stopRecord() : root.device.startRecord()
+        }
+        ControlButton {
+            tip: qsTr("Select Phrase")
+            iconName: "phrase"
+            enabled: root.device !== null && root.phraseSelectionAvailable
+            onClicked: root.openPhraseSelectionDialog()
+        }
+        ControlButton { tip: qsTr("Volume Up"); iconName: "volumeUp"; onClicked: root.device.volumeUp() }
+        ControlButton { tip: qsTr("Volume Down"); iconName: "volumeDown"; onClicked: root.device.volumeDown() }
+        ControlButton {
+            tip: qsTr("Upload File")
+            iconName: "upload"
+            onClicked: {
+                const device = root.device
+                picker.pick(qsTr("Select File"), [qsTr("All files (*.*)")], path => {
+                    if (device)
+                        device.uploadFile(path)
+                })
+            }
+        }
+        ControlButton {
+            tip: root.keyMappingProfile ? qsTr("KeyMapping: %1").arg(root.keyMappingProfile.name) : qsTr("Key Mapping")
+            iconName: "keyboard"
+            tint: root.keyMappingProfile ? ColorManager.primaryGreen : ColorManager.textWhite
+            enabled: root.device !== null && root.keyMappingAvailable
+            onClicked: root.openKeyMapProfilePicker()
+        }
+        ControlButton {
+            tip: qsTr("Screen Position")
+            iconName: "crosshair"
+            onClicked: root.toggleScreenPosition()
+        }
+        ControlButton {
+            tip: qsTr("Install APK")
+            label: qsTr("APK")
+            onClicked: {
+                const device = root.device
+                picker.pick(qsTr("Select APK File"), [qsTr("APK files (*.apk)")], path => {
+                    if (device)
+                        device.installAPK(path)
+                })
+            }
+        }
+        ControlButton {
+            tip: root.autojsRunning ? qsTr("Stop AutoJS") : qsTr("Run AutoJS")
+            label: "JS"
+            tint: root.autojsRunning ? ColorManager.textRed : ColorManager.textWhite
+            onClicked: {
+                const device = root.device
+                if (root.autojsRunning) {
+                    device.stopAutojs()
+                    return
+                }
+                picker.pick(qsTr("Select AutoJS Script"), [qsTr("autojs files (*.js)")], path => {
+                    if (device)
+                        device.runAutojs(path)
+                })
+            }
+        }
+        ControlButton {
+            tip: qsTr("Run ADB Command")
+            label: qsTr("ADB")
+            onClicked: adbDialogLoader.active = true
+        }
+        ControlButton { tip: qsTr("Screen On"); iconName: "sun"; onClicked: root.device.wakeUp() }
+        ControlButton { tip: qsTr("Screen Off"); iconName: "moon"; onClicked: root.device.sleep() }
+        ControlButton {
+            tip: root.device && root.device.isAudioEnabled ? qsTr("Audio Enabled") : qsTr("Audio Disabled")
+            iconName: root.device && root.device.isAudioEnabled ? "soundOn" : "soundOff"
+            onClicked: root.device.setEnableAudio(!root.device.isAudioEnabled)
+        }
+        ControlButton { tip: qsTr("Reboot"); iconName: "reboot"; onClicked: root.device.reboot() }
+        ControlButton {
+            tip: qsTr("Shutdown")
+            iconName: "power"
+            tint: ColorManager.textRed
+            onClicked: root.device.shutdown()
+        }
+    }
+
+    Loader {
+        id: adbDialogLoader
+        active: false
+        sourceComponent: ADBCommandDialog {
+            device: root.device
+            onClosed: adbDialogLoader.active = false
+            Component.onCompleted: open()
+        }
+    }
+}

@@ -1,0 +1,65 @@
+import QtQuick
+import Korvel
+
+// Hands the pointer and the keyboard on a phone's picture to the phone's controller.
+MouseArea {
+    id: area
+    property Device device: null
+    // The grid cell also logs every press and release.
+    property bool logButtons: false
+    property bool isDragging: false
+    // The clock is kept in 32 bits on purpose: the stored value wraps, so every drag move goes out.
+    property int lastMoveTime: 0
+
+    readonly property bool canControl: device !== null && device.running && device.controller !== null
+
+    acceptedButtons: Qt.LeftButton | Qt.RightButton | Qt.MiddleButton
+    hoverEnabled: true
+    propagateComposedEvents: false
+    preventStealing: true
+    cursorShape: Qt.ArrowCursor
+    activeFocusOnTab: true
+
+    onPressed: mouse => {
+        area.forceActiveFocus()
+        isDragging = true
+        if (logButtons)
+            console.log("onPressed - DOWN, button:", mouse.button, mouse.buttons)
+        if (canControl)
+            device.controller.handleMouseEvent(2, mouse.x, mouse.y, mouse.button, mouse.buttons)
+    }
+    onReleased: mouse => {
+        isDragging = false
+        if (logButtons)
+            console.log("onReleased - UP, button:", mouse.button, mouse.buttons)
+        if (canControl)
+            device.controller.handleMouseEvent(3, mouse.x, mouse.y, mouse.button, mouse.buttons)
+    }
+    onPositionChanged: mouse => {
+        if (!isDragging)
+            return
+        const now = Date.now()
+        if (now - lastMoveTime > 16) {
+            lastMoveTime = now
+            if (canControl)
+                device.controller.handleMouseEvent(5, mouse.x, mouse.y, mouse.button, mouse.buttons)
+        }
+    }
+    onCanceled: {
+        isDragging = false
+        console.log("Mouse event CANCELED - isDragging:", isDragging)
+    }
+
+    Keys.onPressed: event => {
+        console.log("onPressed - KEY:", event.key)
+        if (canControl)
+            device.controller.handleKeyEvent(6, event.key, event.modifiers, event.text)
+        event.accepted = true
+    }
+    Keys.onReleased: event => {
+        console.log("onReleased - KEY:", event.key)
+        if (canControl)
+            device.controller.handleKeyEvent(7, event.key, event.modifiers, event.text)
+        event.accepted = true
+    }
+}

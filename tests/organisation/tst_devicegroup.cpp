@@ -1,0 +1,472 @@
+#include "adbclient.h"
+#include "device.h"
+#include "devicegroup.h"
+#include "fakeadb.h"
+#include "serverparams.h"
+
+#include <QElapsedTimer>
+#include <QMetaProperty>
+#include <QtTest>
+
+namespace {
+ADBDeviceInfo record(const QString &serial, bool usb = true)
+{
+    ADBDeviceInfo info;
+    info.adb_serial = serial;
+    info.is_usb_connection = usb;
+    return info;
+}
+
+QStringList serialsOf(const DeviceGroup &group)
+{
+    QStringList serials;
+    for (const Device *device : group.devices())
+        serials << device->adbConnectionSerial();
+    return serials;
+}
+}
+
+// Records the names of the signals it is connected to, in the order they arrive.
+class SignalLog : public QObject
+{
+    Q_OBJECT
+public:
+    QStringList names;
+
+    void watch(QObject *object, const QMetaMethod &signal)
+    {
+        connect(object, signal, this, metaObject()->method(metaObject()->indexOfSlot("record()")));
+    }
+
+public slots:
+    void record()
+    {
+        names << QString::fromLatin1(sender()->metaObject()->method(senderSignalIndex()).name());
+    }
+};
+
+class TestDeviceGroup : public QObject
+{
+    Q_OBJECT
+
+private:
+    FakeAdb m_adb;
+
+    // Adds the devices at once and waits until they are rows.
+    static void fill(DeviceGroup &group, const QStringList &serials)
+    {
+        QList<ADBDeviceInfo> records;
+        for (const QString &serial : serials)
+            records << record(serial);
+        const int expected = group.deviceCount() + serials.size();
+        QVERIFY(group.addDevices(records));
+        QTRY_COMPARE(group.deviceCount(), expected);
+    }
+
+public:
+    static void initMain() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
+
+private slots:
+    void initTestCase()
+    {
+        AdbClient::setProgram(m_adb.program());
+        // The server file is absent on purpose: a start then reports at once and leaves the phone alone.
+        qputenv("KORVEL_SCRCPY_SERVER", "/nonexistent/scrcpy-server");
+    }
+
+    void init()
+    {
+        DeviceGroup::setStaggerIntervals({0, 0, 0, 0});
+        m_adb.clear();
+    }
+
+    void addDevicesInsertsRowsOneByOneAtTheAddInterval()
+    {
+        DeviceGroup::setStaggerIntervals({40, 0, 0, 0});
+        DeviceGroup group;
+        QElapsedTimer clock;
+        QList<qint64> insertedAt;
+        QList<int> counts;
+        connect(&group, &DeviceGroup::deviceCountChanged, this, [&] {
+            insertedAt << clock.elapsed();
+            counts << group.deviceCount();
+        });
+        QSignalSpy added(&group, &DeviceGroup::deviceAddedIntoGroup);
+        QSignalSpy rows(&group, &QAbstractItemModel::rowsInserted);
+
+        clock.start();
+        QVERIFY(group.addDevices({record("A"), record("192.168.1.7:5555", false), record("C")}));
+        QCOMPARE(group.deviceCount(), 0);
+        QTRY_COMPARE(group.deviceCount(), 3);
+
+        QCOMPARE(counts, (QList<int>{1, 2, 3}));
+        // Timers never fire early, only late, so only the lower bounds hold on a busy machine.
+        QVERIFY2(insertedAt.at(1) >= 39, qPrintable(QString::number(insertedAt.at(1))));
+        QVERIFY2(insertedAt.at(2) >= 79, qPrintable(QString::number(insertedAt.at(2))));
+        QCOMPARE(rows.count(), 3);
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(rows.at(i).at(1).toInt(), i);
+            QCOMPARE(added.at(i).at(0).value<Device *>(), group.devices().at(i));
+        }
+        QCOMPARE(serialsOf(group), (QStringList{"A", "192.168.1.7:5555", "C"}));
+        QCOMPARE(group.devices().at(0)->connectionType(), Device::USB);
+        QCOMPARE(group.devices().at(1)->connectionType(), Device::WiFi);
+        QCOMPARE(group.devices().at(2)->indexInGroup(), 2);
+        QCOMPARE(group.devices().at(0)->deviceGroup(), &group);
+        QCOMPARE(group.data(group.index(1), DeviceGroup::DeviceRole).value<Device *>(), group.devices().at(1));
+        QCOMPARE(group.roleNames().value(257), QByteArray("device"));
+        QCOMPARE(group.getDevicesForRepeater().size(), 3);
+        QCOMPARE(group.getDevicesForRepeater().at(2).value<Device *>(), group.devices().at(2));
+        // Each newly added phone has its address read in the background.
+        const auto askedAbout = [this](const QString &serial) {
+            const QList<QStringList> calls = m_adb.calls();
+            return std::any_of(calls.cbegin(), calls.cend(),
+                               [&](const QStringList &call) { return call.mid(0, 2) == QStringList{"-s", serial}; });
+        };
+        QTRY_VERIFY(askedAbout("C"));
+    }
+
+    void addDevicesWithNothingReturnsFalse()
+    {
+        DeviceGroup group;
+        QSignalSpy count(&group, &DeviceGroup::deviceCountChanged);
+        QVERIFY(!group.addDevices({}));
+        QTest::qWait(20);
+        QCOMPARE(count.count(), 0);
+    }
+
+    void groupEndingBeforePendingInsertionsTakesTheDevicesAlong()
+    {
+        DeviceGroup::setStaggerIntervals({10000, 0, 0, 0});
+        QPointer<Device> pending;
+        {
+            DeviceGroup group;
+            group.addDevices({record("A"), record("B")});
+            QTRY_COMPARE(group.deviceCount(), 1);
+            pending = group.findChildren<Device *>().constLast();
+            QVERIFY(pending != group.devices().first());
+        }
+        QVERIFY(pending.isNull());
+    }
+
+    void newDeviceGetsTheGroupStreamSettings()
+    {
+        DeviceGroup group;
+        group.renameTo("G");
+        group.setMaxSize(1080);
+        group.setMaxFPS(60);
+        group.setBitRate(8000000);
+        group.setMaxSizeBigView(1920);
+        group.setMaxFPSBigView(50);
+        group.setBitRateBigView(6000000);
+        group.setEnableAudio(true);
+        fill(group, {"A"});
+        const Device *device = group.devices().first();
+        QCOMPARE(device->serverParamsSmallView()->maxSize(), 1080);
+        QCOMPARE(device->serverParamsSmallView()->maxFps(), 60);
+        QCOMPARE(device->serverParamsSmallView()->bitRate(), 8000000);
+        QCOMPARE(device->serverParamsSmallView()->audio(), true);
+        QCOMPARE(device->serverParamsBigView()->maxSize(), 1920);
+        QCOMPARE(device->serverParamsBigView()->maxFps(), 50);
+        QCOMPARE(device->serverParamsBigView()->bitRate(), 6000000);
+        QCOMPARE(device->serverParamsBigView()->audio(), true);
+    }
+
+    void setters_data()
+    {
+        QTest::addColumn<QByteArray>("property");
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("showControlButtons") << QByteArray("showControlButtons") << QVariant(false);
+        QTest::newRow("maxSize") << QByteArray("maxSize") << QVariant(1024);
+        QTest::newRow("maxFPS") << QByteArray("maxFPS") << QVariant(15);
+        QTest::newRow("bitRate") << QByteArray("bitRate") << QVariant(2000000);
+        QTest::newRow("maxSizeBigView") << QByteArray("maxSizeBigView") << QVariant(1600);
+        QTest::newRow("maxFPSBigView") << QByteArray("maxFPSBigView") << QVariant(60);
+        QTest::newRow("bitRateBigView") << QByteArray("bitRateBigView") << QVariant(8000000);
+        QTest::newRow("clickDelaySeconds") << QByteArray("clickDelaySeconds") << QVariant(3);
+        QTest::newRow("cellWidth") << QByteArray("cellWidth") << QVariant(400);
+        QTest::newRow("enableAudio") << QByteArray("enableAudio") << QVariant(true);
+        QTest::newRow("orientation") << QByteArray("orientation") << QVariant(int(DeviceGroup::Landscape));
+        QTest::newRow("bigViewWidth") << QByteArray("bigViewWidth") << QVariant(1280);
+    }
+
+    void setters()
+    {
+        QFETCH(QByteArray, property);
+        QFETCH(QVariant, value);
+        for (const bool named : {false, true}) {
+            DeviceGroup group;
+            if (named)
+                group.renameTo("Rack 1");
+            const QMetaProperty meta = group.metaObject()->property(group.metaObject()->indexOfProperty(property));
+            QVERIFY(meta.isWritable() && meta.hasNotifySignal());
+            SignalLog log;
+            for (int i = 0; i < group.metaObject()->methodCount(); ++i) {
+                if (group.metaObject()->method(i).methodType() == QMetaMethod::Signal)
+                    log.watch(&group, group.metaObject()->method(i));
+            }
+
+            // The current value: nothing at all.
+            QVERIFY(meta.write(&group, meta.read(&group)));
+            QCOMPARE(log.names, QStringList());
+
+            QVERIFY(meta.write(&group, value));
+            QCOMPARE(meta.read(&group).toInt(), value.toInt());
+            const QString changed = QString::fromLatin1(meta.notifySignal().name());
+            QCOMPARE(log.names, (named ? QStringList{"settingsChanged", changed} : QStringList{changed}));
+            QCOMPARE(group.settingsToJson().value(property).toVariant().toInt(), value.toInt());
+        }
+    }
+
+    void settingChangesReachThePhonesInTheBackground()
+    {
+        DeviceGroup group;
+        group.renameTo("G");
+        fill(group, {"A", "B"});
+        group.setMaxSize(1200);
+        group.setMaxFPSBigView(24);
+        for (const Device *device : group.devices()) {
+            QTRY_COMPARE(device->serverParamsSmallView()->maxSize(), 1200);
+            QTRY_COMPARE(device->serverParamsBigView()->maxFps(), 24);
+        }
+    }
+
+    void enableAudioTellsEveryPhoneEvenWhenUnchanged()
+    {
+        DeviceGroup group;
+        group.renameTo("G");
+        fill(group, {"A", "B"});
+        QSignalSpy messages(group.devices().at(1), &Device::deviceMessage);
+        QSignalSpy saves(&group, &DeviceGroup::settingsChanged);
+        group.setEnableAudio(false);
+        group.setEnableAudio(true);
+        QCOMPARE(saves.count(), 1);
+        QCOMPARE(messages.count(), 2);
+        QCOMPARE(messages.at(0).at(0).toString(), QString("Audio Disabled, Need Reconnect"));
+        QCOMPARE(messages.at(1).at(0).toString(), QString("Audio Enabled, Need Reconnect"));
+        QVERIFY(group.devices().at(1)->serverParamsSmallView()->audio());
+    }
+
+    void groupControlTakesTheFirstDeviceAsHost()
+    {
+        DeviceGroup group;
+        QSignalSpy host(&group, &DeviceGroup::hostDeviceChanged);
+        QSignalSpy mode(&group, &DeviceGroup::groupControlModeChanged);
+        group.startGroupControl();
+        QCOMPARE(host.count(), 0);
+        QVERIFY(!group.groupControlMode());
+
+        fill(group, {"A", "B"});
+        Device *first = group.devices().at(0);
+        group.startGroupControl();
+        group.startGroupControl();
+        QCOMPARE(group.hostDevice(), first);
+        QVERIFY(group.groupControlMode());
+        QVERIFY(first->isHostDevice());
+        QVERIFY(!group.devices().at(1)->isHostDevice());
+        QCOMPARE(host.count(), 1);
+        QCOMPARE(mode.count(), 1);
+
+        group.stopGroupControl();
+        QVERIFY(!first->isHostDevice());
+        QCOMPARE(group.hostDevice(), nullptr);
+        QCOMPARE(mode.count(), 2);
+        group.stopGroupControl();
+        QCOMPARE(mode.count(), 2);
+    }
+
+    void removingTheHostEndsGroupControl()
+    {
+        DeviceGroup group;
+        fill(group, {"A", "B", "C"});
+        group.startGroupControl();
+        QPointer<Device> host = group.devices().at(0);
+        QSignalSpy mode(&group, &DeviceGroup::groupControlModeChanged);
+        QSignalSpy removed(&group, &DeviceGroup::deviceRemovedFromGroup);
+        QSignalSpy lastIndex(group.devices().at(2), &Device::indexInGroupChanged);
+
+        host->removeFromDeviceGroup();
+        QCOMPARE(mode.count(), 1);
+        QVERIFY(!group.groupControlMode());
+        QCOMPARE(removed.count(), 1);
+        QCOMPARE(serialsOf(group), (QStringList{"B", "C"}));
+        QCOMPARE(lastIndex.count(), 1);
+        QCOMPARE(group.devices().at(1)->indexInGroup(), 1);
+        QTRY_VERIFY(host.isNull());
+    }
+
+    void clearDevicesRemovesEveryPhoneAtTheClearInterval()
+    {
+        DeviceGroup::setStaggerIntervals({0, 0, 0, 30});
+        DeviceGroup group;
+        fill(group, {"A", "B", "C"});
+        group.startGroupControl();
+        QList<QPointer<Device>> devices(group.devices().cbegin(), group.devices().cend());
+        QElapsedTimer clock;
+        QList<qint64> removedAt;
+        QStringList removedSerials;
+        connect(&group, &DeviceGroup::deviceRemovedFromGroup, this, [&](Device *device) {
+            removedAt << clock.elapsed();
+            removedSerials << device->adbConnectionSerial();
+        });
+        QSignalSpy mode(&group, &DeviceGroup::groupControlModeChanged);
+
+        clock.start();
+        group.clearDevices();
+        QCOMPARE(mode.count(), 1);
+        QVERIFY(!devices.at(0)->isHostDevice());
+        // B leaves by itself meanwhile; its step is skipped.
+        devices.at(1)->removeFromDeviceGroup();
+        QTRY_COMPARE(group.deviceCount(), 0);
+        QCOMPARE(removedSerials, (QStringList{"B", "A", "C"}));
+        QVERIFY(removedAt.at(2) >= 58);
+        for (const QPointer<Device> &device : devices)
+            QTRY_VERIFY(device.isNull());
+
+        QSignalSpy more(&group, &DeviceGroup::deviceCountChanged);
+        group.clearDevices();
+        QTest::qWait(10);
+        QCOMPARE(more.count(), 0);
+    }
+
+    void startAllStartsOnlyStoppedPhonesAtTheStartInterval()
+    {
+        DeviceGroup::setStaggerIntervals({0, 30, 0, 0});
+        DeviceGroup group;
+        fill(group, {"A", "B", "C"});
+        QElapsedTimer clock;
+        QStringList order;
+        QList<qint64> at;
+        for (Device *device : group.devices()) {
+            connect(device, &Device::scrcpyError, this, [&, device] {
+                order << device->adbConnectionSerial();
+                at << clock.elapsed();
+            });
+        }
+        clock.start();
+        group.startAllDevices();
+        QTRY_COMPARE(order.size(), 3);
+        QCOMPARE(order, (QStringList{"A", "B", "C"}));
+        QVERIFY(at.at(1) >= 28 && at.at(2) >= 58);
+        // Failed starts for want of the server file leave the phones in their group.
+        QCOMPARE(group.deviceCount(), 3);
+    }
+
+    void moveWithUnknownSerialsChangesNothing()
+    {
+        DeviceGroup source;
+        DeviceGroup target;
+        fill(source, {"A", "B"});
+        QSignalSpy sourceCount(&source, &DeviceGroup::deviceCountChanged);
+        QSignalSpy targetCount(&target, &DeviceGroup::deviceCountChanged);
+        source.moveDevicesToGroup({"a", "Z"}, &target);
+        source.moveDevicesToGroup({}, &target);
+        source.moveDevicesToGroup({"A"}, nullptr);
+        QCOMPARE(serialsOf(source), (QStringList{"A", "B"}));
+        QCOMPARE(target.deviceCount(), 0);
+        QCOMPARE(sourceCount.count() + targetCount.count(), 0);
+    }
+
+    void moveHandsDevicesAndOwnershipToTheTarget()
+    {
+        DeviceGroup source;
+        DeviceGroup target;
+        target.renameTo("T");
+        target.setMaxSize(1440);
+        fill(source, {"A", "B", "C"});
+        fill(target, {"X"});
+        source.startGroupControl();
+        Device *a = source.devices().at(0);
+        Device *c = source.devices().at(2);
+        QSignalSpy removed(&source, &DeviceGroup::deviceRemovedFromGroup);
+        QSignalSpy added(&target, &DeviceGroup::deviceAddedIntoGroup);
+        QSignalSpy sourceCount(&source, &DeviceGroup::deviceCountChanged);
+        QSignalSpy targetCount(&target, &DeviceGroup::deviceCountChanged);
+        QSignalSpy xIndex(target.devices().at(0), &Device::indexInGroupChanged);
+
+        source.moveDevicesToGroup({"C", "A"}, &target);
+        QCOMPARE(serialsOf(source), (QStringList{"B"}));
+        QCOMPARE(serialsOf(target), (QStringList{"X", "A", "C"}));
+        QCOMPARE(removed.count(), 2);
+        QCOMPARE(added.count(), 2);
+        QCOMPARE(added.at(0).at(0).value<Device *>(), a);
+        QCOMPARE(sourceCount.count(), 1);
+        QCOMPARE(targetCount.count(), 1);
+        QCOMPARE(xIndex.count(), 1);
+        QCOMPARE(a->parent(), &target);
+        QCOMPARE(c->deviceGroup(), &target);
+        QCOMPARE(c->indexInGroup(), 2);
+        QCOMPARE(c->serverParamsSmallView()->maxSize(), 1440);
+        // The host went with the move: the source is no longer under group control.
+        QVERIFY(!source.groupControlMode());
+        QVERIFY(!a->isHostDevice());
+    }
+
+    void executeAdbCommandReportsEveryPhone()
+    {
+        m_adb.addRule("-s A shell ls", 0, "a.txt\\nb.txt\\n");
+        m_adb.addRule("-s A shell pwd", 0, "/\\n");
+        m_adb.addRule("-s B shell ls", 1, "", "error: device offline\\n");
+        m_adb.addRule("-s B shell pwd", 0, "/sdcard");
+        DeviceGroup group;
+        QCOMPARE(group.executeADBCommand("shell ls"), QString());
+        fill(group, {"A", "B"});
+
+        const QString dashes(32, '-');
+        const QString expected = "Device 1:\n" + dashes + "\n" + "a.txt\nb.txt\n/\n" + "\n\n"
+            + "Device 2:\n" + dashes + "\n"
+            + "[error] adb command failed (exit code 1): error: device offline\n/sdcard\n" + "\n\n";
+        QCOMPARE(group.executeADBCommand("shell ls\n\n  shell pwd  "), expected);
+    }
+
+    void settingsRecordDefaults_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QVariant>("expected");
+        QTest::newRow("no bigViewWidth") << QByteArray("{}") << "bigViewWidth" << QVariant(960);
+        QTest::newRow("bigViewWidth as text") << QByteArray(R"({"bigViewWidth":"800"})") << "bigViewWidth"
+                                              << QVariant(960);
+        QTest::newRow("maxSize kept") << QByteArray(R"({"maxSize":1080})") << "maxSize" << QVariant(1080);
+        QTest::newRow("maxSize as bool") << QByteArray(R"({"maxSize":true})") << "maxSize" << QVariant(720);
+        QTest::newRow("bitRate default") << QByteArray("{}") << "bitRate" << QVariant(4000000);
+        QTest::newRow("showControlButtons as number") << QByteArray(R"({"showControlButtons":0})")
+                                                      << "showControlButtons" << QVariant(true);
+        QTest::newRow("enableAudio kept") << QByteArray(R"({"enableAudio":true})") << "enableAudio" << QVariant(true);
+        QTest::newRow("orientation landscape") << QByteArray(R"({"orientation":1})") << "orientation"
+                                               << QVariant(1);
+        QTest::newRow("clickDelaySeconds kept") << QByteArray(R"({"clickDelaySeconds":7})") << "clickDelaySeconds"
+                                                << QVariant(7);
+        QTest::newRow("cellWidth default") << QByteArray(R"({"cellWidth":null})") << "cellWidth" << QVariant(220);
+    }
+
+    void settingsRecordDefaults()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(QString, key);
+        QFETCH(QVariant, expected);
+        DeviceGroup group;
+        group.renameTo("G");
+        QSignalSpy saves(&group, &DeviceGroup::settingsChanged);
+        QSignalSpy widths(&group, &DeviceGroup::bigViewWidthChanged);
+        group.loadSettings(QJsonDocument::fromJson(json).object());
+        QCOMPARE(group.settingsToJson().value(key).toVariant().toInt(), expected.toInt());
+        QCOMPARE(group.property(key.toLatin1()).toInt(), expected.toInt());
+        QCOMPARE(saves.count(), 0);
+        QCOMPARE(widths.count(), 1);
+    }
+
+    void constructedGroupHasTheNarrowBigView()
+    {
+        DeviceGroup group;
+        QCOMPARE(group.bigViewWidth(), 400);
+        const QJsonObject record = group.settingsToJson();
+        QCOMPARE(record.size(), 12);
+        QVERIFY(record.value("showControlButtons").isBool());
+        QVERIFY(record.value("enableAudio").isBool());
+        QCOMPARE(record.value("orientation").toInt(), 0);
+    }
+};
+
+QTEST_MAIN(TestDeviceGroup)
+#include "tst_devicegroup.moc"

@@ -1,0 +1,364 @@
+#include "appstartup.h"
+#include "device.h"
+#include "devicegroup.h"
+#include "devicegroupmanager.h"
+#include "phonefixture.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QRegularExpression>
+#include <QtQml/qqmlextensionplugin.h>
+#include <QtTest>
+
+Q_IMPORT_QML_PLUGIN(KorvelPlugin)
+
+namespace {
+QStringList qmlWarnings;
+QtMessageHandler previousHandler = nullptr;
+
+void collectWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    const bool fromQml = QString::fromUtf8(context.file ? context.file : "").endsWith(".qml")
+        || message.contains("qml", Qt::CaseInsensitive);
+    if (type != QtDebugMsg && type != QtInfoMsg && fromQml)
+        qmlWarnings << message;
+    previousHandler(type, context, message);
+}
+
+void collectItems(QQuickItem *item, const QString &name, QList<QQuickItem *> &found)
+{
+    if (item->objectName() == name)
+        found << item;
+    for (QQuickItem *child : item->childItems())
+        collectItems(child, name, found);
+}
+
+// A visible, opaque pixel of the phone's picture: anything clearly brighter than black.
+bool isLit(const QColor &color)
+{
+    return color.red() + color.green() + color.blue() > 90;
+}
+} // namespace
+
+// The main window with simulated phones on a private adb server: scan, add, start, watch, touch.
+class TestPhoneGrid : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<PhoneFixture> m_fixture;
+    QQmlApplicationEngine *m_engine = nullptr;
+    QStringList m_serials;
+
+    QQuickWindow *window() const { return qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0)); }
+
+    QList<QQuickItem *> items(const QString &name) const
+    {
+        QList<QQuickItem *> found;
+        collectItems(window()->contentItem(), name, found);
+        return found;
+    }
+
+    QQuickItem *item(const QString &name) const { return items(name).value(0); }
+
+    // A cell's own child, found from the cell of the given phone.
+    QQuickItem *cellItem(const QString &serial, const QString &name) const
+    {
+        QQuickItem *cell = item("deviceView_" + serial);
+        if (!cell)
+            return nullptr;
+        QList<QQuickItem *> found;
+        collectItems(cell, name, found);
+        return found.value(0);
+    }
+
+    QQuickWindow *bigWindow(const QString &serial) const
+    {
+        for (QWindow *w : QGuiApplication::topLevelWindows()) {
+            if (w->objectName() == "bigDeviceView_" + serial && w->isVisible())
+                return qobject_cast<QQuickWindow *>(w);
+        }
+        return nullptr;
+    }
+
+    DeviceGroupManager *manager() const { return window()->findChild<DeviceGroupManager *>("deviceGroupManager"); }
+    DeviceGroup *group() const { return manager()->currentSelectedGroup(); }
+
+    QPoint centreOf(QQuickItem *target) const
+    {
+        return target->mapToScene(QPointF(target->width() / 2, target->height() / 2)).toPoint();
+    }
+
+    void click(QQuickItem *target) const { QTest::mouseClick(window(), Qt::LeftButton, {}, centreOf(target)); }
+
+    PhoneSimProcess *phone(const QString &serial) const
+    {
+        for (const auto &p : m_fixture->phones()) {
+            if (p->serial() == serial)
+                return p.get();
+        }
+        return nullptr;
+    }
+
+    QList<QJsonObject> touches(PhoneSimProcess *p) const
+    {
+        QList<QJsonObject> found;
+        for (const QJsonObject &line : p->journal("control")) {
+            if (line.value("type").toString() == "InjectTouchEvent")
+                found << line;
+        }
+        return found;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(AdbRunner::available());
+        m_fixture = std::make_unique<PhoneFixture>(15601);
+        for (const QSize &size : {QSize(1080, 2400), QSize(720, 1600), QSize(1080, 1920)}) {
+            PhoneSimProcess *p = m_fixture->addPhone(size, {"--animate"});
+            QVERIFY2(p, qPrintable(m_fixture->error()));
+            m_serials << p->serial();
+        }
+        // Start from the one default group, as on a first run.
+        QFile::remove(DeviceGroupManager::filePath());
+        DeviceGroup::setStaggerIntervals({20, 20, 30, 50});
+        Device::setStepDelay(100);
+
+        previousHandler = qInstallMessageHandler(collectWarnings);
+        AppStartup::configureApplication();
+        m_engine = new QQmlApplicationEngine;
+        AppStartup::loadUserInterface(*m_engine);
+        QVERIFY(window());
+        QVERIFY(QTest::qWaitForWindowExposed(window()));
+        QVERIFY(group());
+        QCOMPARE(group()->deviceCount(), 0);
+    }
+
+    void emptyGroupOffersAScan()
+    {
+        QCOMPARE(item("deviceCountText")->property("text").toString(), QString("Devices: 0"));
+        QQuickItem *scan = item("scanButton");
+        QVERIFY(scan->isVisible());
+        QCOMPARE(scan->property("text").toString(), QString("No Devices In This Group, Click To Scan"));
+    }
+
+    void scanListsThePhones()
+    {
+        QObject *dialog = window()->findChild<QObject *>("scanDialog");
+        QVERIFY(dialog);
+        click(item("scanButton"));
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        QQuickItem *list = item("scanDeviceList");
+        QVERIFY(list);
+        QTRY_COMPARE_WITH_TIMEOUT(list->property("count").toInt(), 3, 15000);
+        QTRY_VERIFY(!manager()->isScanning());
+        QVERIFY(!item("noDevicesText")->isVisible());
+        for (const QString &serial : m_serials)
+            QVERIFY2(item("scanRow_" + serial), qPrintable(serial));
+        QQuickItem *selectAll = item("scanSelectAll");
+        QVERIFY(selectAll->isVisible());
+        QCOMPARE(selectAll->property("text").toString(), QString("Select All (3)"));
+    }
+
+    void addingNeedsACheckedPhone()
+    {
+        // Nothing is checked: the button does nothing and the dialog stays.
+        click(item("scanAddButton"));
+        QTest::qWait(100);
+        QVERIFY(window()->findChild<QObject *>("scanDialog")->property("opened").toBool());
+        QCOMPARE(group()->deviceCount(), 0);
+    }
+
+    void addsCheckedPhonesToTheGroup()
+    {
+        // One row by clicking it, then all of them.
+        click(item("scanRow_" + m_serials.at(1)));
+        QCOMPARE(window()->findChild<QObject *>("scanDialog")->property("checkedSerials").toStringList(),
+                 QStringList{m_serials.at(1)});
+        click(item("scanSelectAll"));
+        QCOMPARE(window()->findChild<QObject *>("scanDialog")->property("checkedSerials").toStringList().size(), 3);
+        click(item("scanAddButton"));
+        QTRY_VERIFY(!window()->findChild<QObject *>("scanDialog")->property("visible").toBool());
+        QTRY_COMPARE(group()->deviceCount(), 3);
+        QTRY_COMPARE(item("deviceCountText")->property("text").toString(), QString("Devices: 3"));
+        QVERIFY(!item("scanButton")->isVisible());
+        // Closing the dialog dropped the offered list.
+        QVERIFY(manager()->availableDeviceInfos().isEmpty());
+        for (int row = 0; row < 3; ++row) {
+            const QString serial = group()->devices().at(row)->adbConnectionSerial();
+            QTRY_VERIFY2(item("deviceView_" + serial), qPrintable(serial));
+            QCOMPARE(cellItem(serial, "deviceTitle")->property("text").toString(), QString::number(row + 1));
+            QVERIFY(cellItem(serial, "clickToStart")->isVisible());
+        }
+    }
+
+    void startAllShowsEveryPhoneLive()
+    {
+        click(item("startAllButton"));
+        for (Device *device : group()->devices())
+            QTRY_VERIFY_WITH_TIMEOUT(device->controller() != nullptr, 20000);
+
+        // Every cell shows its own phone: lit, and each in another colour.
+        QSet<QRgb> colours;
+        for (Device *device : group()->devices()) {
+            const QString serial = device->adbConnectionSerial();
+            QQuickItem *video = cellItem(serial, "videoItem");
+            QVERIFY(video);
+            // Just inside the picture's corner lies the pattern's plain background.
+            const QPoint corner = video->mapToScene(QPointF(6, video->height() / 4)).toPoint();
+            QTRY_VERIFY_WITH_TIMEOUT(isLit(window()->grabWindow().pixelColor(corner)), 15000);
+            colours.insert(window()->grabWindow().pixel(corner));
+            QVERIFY(!cellItem(serial, "clickToStart")->isVisible());
+            QCOMPARE(cellItem(serial, "startStopButton")->property("text").toString(), QString("■"));
+            // Show size follows the item the picture is drawn in.
+            QCOMPARE(device->showSize(), QSize(int(video->width()), int(video->height())));
+        }
+        QCOMPARE(colours.size(), 3);
+
+        // The frame rate reads "N.N FPS" and, for moving pictures, is above zero within a few seconds.
+        const QRegularExpression fps("^\\d+\\.\\d FPS$");
+        for (Device *device : group()->devices()) {
+            QQuickItem *text = cellItem(device->adbConnectionSerial(), "fpsText");
+            QVERIFY(text->isVisible());
+            QVERIFY2(fps.match(text->property("text").toString()).hasMatch(), qPrintable(text->property("text").toString()));
+            QTRY_VERIFY_WITH_TIMEOUT(text->property("text").toString() != "0.0 FPS", 5000);
+        }
+    }
+
+    void pressOnAPictureTouchesThatPhone()
+    {
+        Device *device = group()->devices().at(0);
+        PhoneSimProcess *target = phone(device->adbConnectionSerial());
+        QVERIFY(target);
+        QQuickItem *video = cellItem(device->adbConnectionSerial(), "videoItem");
+        const int before = touches(target).size();
+        QTest::mouseClick(window(), Qt::LeftButton, {}, video->mapToScene(QPointF(video->width() / 2, video->height() / 4)).toPoint());
+        QTRY_COMPARE_WITH_TIMEOUT(touches(target).size(), before + 2, 5000);
+        const QJsonObject down = touches(target).at(before);
+        const QJsonObject up = touches(target).at(before + 1);
+        QCOMPARE(down.value("action").toInt(), 0);
+        QCOMPARE(up.value("action").toInt(), 1);
+        // The view's point is scaled to the phone's picture.
+        const QSize frame = device->frameSize();
+        QCOMPARE(down.value("screenWidth").toInt(), frame.width());
+        QCOMPARE(down.value("screenHeight").toInt(), frame.height());
+        QVERIFY(qAbs(down.value("x").toInt() - frame.width() / 2) <= 2);
+        QVERIFY(qAbs(down.value("y").toInt() - frame.height() / 4) <= 2);
+        // No other phone was touched.
+        for (Device *other : group()->devices().mid(1))
+            QVERIFY(touches(phone(other->adbConnectionSerial())).isEmpty());
+    }
+
+    void keysGoToThePhoneUnderFocus()
+    {
+        Device *device = group()->devices().at(0);
+        PhoneSimProcess *target = phone(device->adbConnectionSerial());
+        QTest::keyClick(window(), Qt::Key_A);
+        auto keys = [target] {
+            QList<QJsonObject> found;
+            for (const QJsonObject &line : target->journal("control")) {
+                if (line.value("type").toString() == "InjectKeycode")
+                    found << line;
+            }
+            return found;
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(keys().size(), 2, 5000);
+        QCOMPARE(keys().at(0).value("keycode").toInt(), 29);
+        QCOMPARE(keys().at(0).value("action").toInt(), 0);
+        QCOMPARE(keys().at(1).value("action").toInt(), 1);
+    }
+
+    void bigViewTakesThePhoneAndGivesItBack()
+    {
+        // Big-view pictures are larger than the grid's, so the frame size tells which one runs.
+        group()->setMaxSizeBigView(800);
+        Device *device = group()->devices().at(1);
+        const QString serial = device->adbConnectionSerial();
+        click(cellItem(serial, "bigViewButton"));
+        QVERIFY(device->isBigView());
+        QTRY_VERIFY(bigWindow(serial));
+        QQuickWindow *big = bigWindow(serial);
+        QVERIFY(QTest::qWaitForWindowExposed(big));
+        QCOMPARE(big->title(), QString("Big Screen"));
+        const int width = group()->bigViewWidth();
+        const int videoHeight = qRound(width * 16.0 / 9.0);
+        QCOMPARE(big->size(), QSize(width + 20 + 34, videoHeight + 55));
+        QVERIFY(cellItem(serial, "onBigScreenText")->isVisible());
+        QVERIFY(!cellItem(serial, "bigViewButton")->isVisible());
+        QVERIFY(!cellItem(serial, "fpsText")->isVisible());
+
+        QList<QQuickItem *> found;
+        collectItems(big->contentItem(), "bigVideoItem", found);
+        QCOMPARE(found.size(), 1);
+        QQuickItem *video = found.first();
+        QCOMPARE(video->size(), QSizeF(width, videoHeight));
+        QTRY_COMPARE_WITH_TIMEOUT(device->frameSize().height(), 800, 20000);
+        const QPoint corner = video->mapToScene(QPointF(6, video->height() / 4)).toPoint();
+        QTRY_VERIFY_WITH_TIMEOUT(isLit(big->grabWindow().pixelColor(corner)), 15000);
+        QCOMPARE(device->showSize(), QSize(width, videoHeight));
+
+        // Closing the window brings the phone back to its cell with the grid's parameters.
+        big->close();
+        QTRY_VERIFY(!device->isBigView());
+        QTRY_VERIFY(!bigWindow(serial));
+        QTRY_COMPARE_WITH_TIMEOUT(device->frameSize().height(), 720, 20000);
+        QTRY_VERIFY(device->controller());
+        QVERIFY(!cellItem(serial, "onBigScreenText")->isVisible());
+        QVERIFY(cellItem(serial, "fpsText")->isVisible());
+        QQuickItem *cellVideo = cellItem(serial, "videoItem");
+        QTRY_COMPARE(device->showSize(), QSize(int(cellVideo->width()), int(cellVideo->height())));
+    }
+
+    void groupControlToggle()
+    {
+        QQuickItem *toggle = item("groupControlButton");
+        QCOMPARE(toggle->property("text").toString(), QString("Start Group Control"));
+        click(toggle);
+        QVERIFY(group()->groupControlMode());
+        QCOMPARE(toggle->property("text").toString(), QString("🚩 Group Controlling"));
+        const QList<Device *> devices = group()->devices();
+        QVERIFY(cellItem(devices.at(0)->adbConnectionSerial(), "hostFlag")->isVisible());
+        QVERIFY(!cellItem(devices.at(1)->adbConnectionSerial(), "hostFlag")->isVisible());
+        click(toggle);
+        QVERIFY(!group()->groupControlMode());
+        QCOMPARE(toggle->property("text").toString(), QString("Start Group Control"));
+        QVERIFY(!cellItem(devices.at(0)->adbConnectionSerial(), "hostFlag")->isVisible());
+    }
+
+    void stopAllStopsEveryPhone()
+    {
+        click(item("stopAllButton"));
+        for (Device *device : group()->devices()) {
+            QTRY_VERIFY_WITH_TIMEOUT(!device->running(), 10000);
+            QVERIFY(cellItem(device->adbConnectionSerial(), "clickToStart")->isVisible());
+            QVERIFY(!cellItem(device->adbConnectionSerial(), "fpsText")->isVisible());
+        }
+    }
+
+    void noQmlWarnings()
+    {
+        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
+    }
+
+    void cleanupTestCase()
+    {
+        delete m_engine;
+        m_engine = nullptr;
+        QTest::qWait(100);
+        m_fixture.reset();
+        qInstallMessageHandler(previousHandler);
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    AppStartup::selectGraphicsApi();
+    QGuiApplication app(argc, argv);
+    TestPhoneGrid test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_phonegrid.moc"
