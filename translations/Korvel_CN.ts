@@ -2,6 +2,72 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN">
 <context>
+    <name>ADBCommandDialog</name>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
+    <message>
+        <source>Enter ADB command, for example:
+shell ls
+shell ps</source>
+        <translation>输入 ADB 命令，例如：
+shell ls
+shell ps</translation>
+    </message>
+    <message>
+        <source>Command Output</source>
+        <translation>命令输出</translation>
+    </message>
+    <message>
+        <source>Command output will be displayed here...</source>
+        <translation>命令输出将显示在这里...</translation>
+    </message>
+    <message>
+        <source>Execute</source>
+        <translation>执行</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>清空</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>ADBRestartDialog</name>
+    <message>
+        <source>Restart ADB Server</source>
+        <translation>重启 ADB 服务</translation>
+    </message>
+    <message>
+        <source>ADB server restarted successfully</source>
+        <translation>ADB 服务已成功重启</translation>
+    </message>
+    <message>
+        <source>Failed to restart ADB server</source>
+        <translation>重启 ADB 服务失败</translation>
+    </message>
+    <message>
+        <source>Restarting ADB will disconnect all connected devices.</source>
+        <translation>重启 ADB 将断开所有已连接的设备。</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Restart</source>
+        <translation>重启</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
     <name>AboutDialog</name>
     <message>
         <source>About APP</source>
@@ -96,6 +162,394 @@
     </message>
 </context>
 <context>
+    <name>Autojs</name>
+    <message>
+        <source>Failed to connect to AutoJS server</source>
+        <translation>无法连接 AutoJS 服务</translation>
+    </message>
+    <message>
+        <source>Failed to open AutoJS script file</source>
+        <translation>无法打开 AutoJS 脚本文件</translation>
+    </message>
+    <message>
+        <source>AutoJS script started</source>
+        <translation>AutoJS 脚本已启动</translation>
+    </message>
+</context>
+<context>
+    <name>BigDeviceView</name>
+    <message>
+        <source>Big Screen</source>
+        <translation>大屏</translation>
+    </message>
+    <message>
+        <source>Click To Start</source>
+        <translation>点击启动</translation>
+    </message>
+</context>
+<context>
+    <name>ControlButtons</name>
+    <message>
+        <source>Home</source>
+        <translation>主页</translation>
+    </message>
+    <message>
+        <source>Task List</source>
+        <translation>任务列表</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+    <message>
+        <source>Swipe Up</source>
+        <translation>向上滑动</translation>
+    </message>
+    <message>
+        <source>Swipe Down</source>
+        <translation>向下滑动</translation>
+    </message>
+    <message>
+        <source>Swipe Left</source>
+        <translation>向左滑动</translation>
+    </message>
+    <message>
+        <source>Swipe Right</source>
+        <translation>向右滑动</translation>
+    </message>
+    <message>
+        <source>Rotate Screen</source>
+        <translation>旋转屏幕</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <source>Stop Recording</source>
+        <translation>停止录制</translation>
+    </message>
+    <message>
+        <source>Record Video</source>
+        <translation>录制视频</translation>
+    </message>
+    <message>
+        <source>Select Phrase</source>
+        <translation>选择常用语</translation>
+    </message>
+    <message>
+        <source>Volume Up</source>
+        <translation>音量加</translation>
+    </message>
+    <message>
+        <source>Volume Down</source>
+        <translation>音量减</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上传文件</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>选择文件</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>所有文件 (*.*)</translation>
+    </message>
+    <message>
+        <source>KeyMapping: %1</source>
+        <translation>按键映射：%1</translation>
+    </message>
+    <message>
+        <source>Key Mapping</source>
+        <translation>按键映射</translation>
+    </message>
+    <message>
+        <source>Screen Position</source>
+        <translation>屏幕坐标</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安装 APK</translation>
+    </message>
+    <message>
+        <source>APK</source>
+        <translation>APK</translation>
+    </message>
+    <message>
+        <source>Select APK File</source>
+        <translation>选择 APK 文件</translation>
+    </message>
+    <message>
+        <source>APK files (*.apk)</source>
+        <translation>APK 文件 (*.apk)</translation>
+    </message>
+    <message>
+        <source>Stop AutoJS</source>
+        <translation>停止 AutoJS</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>运行 AutoJS</translation>
+    </message>
+    <message>
+        <source>Select AutoJS Script</source>
+        <translation>选择 AutoJS 脚本</translation>
+    </message>
+    <message>
+        <source>autojs files (*.js)</source>
+        <translation>autojs 文件 (*.js)</translation>
+    </message>
+    <message>
+        <source>Run ADB Command</source>
+        <translation>运行 ADB 命令</translation>
+    </message>
+    <message>
+        <source>ADB</source>
+        <translation>ADB</translation>
+    </message>
+    <message>
+        <source>Screen On</source>
+        <translation>点亮屏幕</translation>
+    </message>
+    <message>
+        <source>Screen Off</source>
+        <translation>关闭屏幕</translation>
+    </message>
+    <message>
+        <source>Audio Enabled</source>
+        <translation>音频已开启</translation>
+    </message>
+    <message>
+        <source>Audio Disabled</source>
+        <translation>音频已关闭</translation>
+    </message>
+    <message>
+        <source>Reboot</source>
+        <translation>重启</translation>
+    </message>
+    <message>
+        <source>Shutdown</source>
+        <translation>关机</translation>
+    </message>
+</context>
+<context>
+    <name>Controller</name>
+    <message>
+        <source>Installing APK</source>
+        <translation>正在安装 APK</translation>
+    </message>
+    <message>
+        <source>APK installed</source>
+        <translation>APK 已安装</translation>
+    </message>
+    <message>
+        <source>APK installation failed</source>
+        <translation>APK 安装失败</translation>
+    </message>
+    <message>
+        <source>File uploaded</source>
+        <translation>文件已上传</translation>
+    </message>
+    <message>
+        <source>File upload failed</source>
+        <translation>文件上传失败</translation>
+    </message>
+</context>
+<context>
+    <name>Device</name>
+    <message>
+        <source>scrcpy-server %1 is missing at %2</source>
+        <translation>scrcpy-server %1 不存在于 %2</translation>
+    </message>
+    <message>
+        <source>Audio Enabled, Need Reconnect</source>
+        <translation>音频已启用，需要重新连接</translation>
+    </message>
+    <message>
+        <source>Audio Disabled, Need Reconnect</source>
+        <translation>音频已禁用，需要重新连接</translation>
+    </message>
+    <message>
+        <source>Failed to tcpip</source>
+        <translation>切换 tcpip 失败</translation>
+    </message>
+    <message>
+        <source>WiFi connection enabled</source>
+        <translation>WiFi 连接已启用</translation>
+    </message>
+    <message>
+        <source>Failed to enable <byte value="xd"/> WiFi connection</source>
+        <translation>无法启用 <byte value="xd"/> WiFi 连接</translation>
+    </message>
+    <message>
+        <source>Not Connected</source>
+        <translation>未连接</translation>
+    </message>
+    <message>
+        <source>Screenshot Saved</source>
+        <translation>截图已保存</translation>
+    </message>
+    <message>
+        <source>Screenshot Failed</source>
+        <translation>截图失败</translation>
+    </message>
+    <message>
+        <source>Uploading File</source>
+        <translation>正在上传文件</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroupManager</name>
+    <message>
+        <source>Default Group</source>
+        <translation>默认分组</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroupManagerDialog</name>
+    <message>
+        <source>Device Group Manager</source>
+        <translation>设备分组管理</translation>
+    </message>
+    <message>
+        <source>Group name cannot be empty</source>
+        <translation>分组名称不能为空</translation>
+    </message>
+    <message>
+        <source>Group name already exists</source>
+        <translation>分组名称已存在</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Devices</source>
+        <translation>设备</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>编辑</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>No device groups</source>
+        <translation>没有设备分组</translation>
+    </message>
+    <message>
+        <source>Group Name</source>
+        <translation>分组名称</translation>
+    </message>
+    <message>
+        <source>Enter group name...</source>
+        <translation>输入分组名称...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Create</source>
+        <translation>创建</translation>
+    </message>
+    <message>
+        <source>New Group</source>
+        <translation>新建分组</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete group &quot;%1&quot;?</source>
+        <translation>确定要删除分组“%1”吗？</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceInfoDialog</name>
+    <message>
+        <source>Device Information</source>
+        <translation>设备信息</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>No Custom Name</source>
+        <translation>无自定义名称</translation>
+    </message>
+    <message>
+        <source>Basic Information</source>
+        <translation>基本信息</translation>
+    </message>
+    <message>
+        <source>Device Model:</source>
+        <translation>设备型号：</translation>
+    </message>
+    <message>
+        <source>Manufacturer:</source>
+        <translation>制造商：</translation>
+    </message>
+    <message>
+        <source>Android Version:</source>
+        <translation>Android 版本：</translation>
+    </message>
+    <message>
+        <source>Serial Number:</source>
+        <translation>序列号：</translation>
+    </message>
+    <message>
+        <source>Hardware Information</source>
+        <translation>硬件信息</translation>
+    </message>
+    <message>
+        <source>Screen Size:</source>
+        <translation>屏幕尺寸：</translation>
+    </message>
+    <message>
+        <source>Memory Size:</source>
+        <translation>内存大小：</translation>
+    </message>
+    <message>
+        <source>Network Information</source>
+        <translation>网络信息</translation>
+    </message>
+    <message>
+        <source>Operator:</source>
+        <translation>运营商：</translation>
+    </message>
+    <message>
+        <source>Country / Region Code:</source>
+        <translation>国家/地区代码：</translation>
+    </message>
+    <message>
+        <source>Connection Information</source>
+        <translation>连接信息</translation>
+    </message>
+    <message>
+        <source>ADB TCP Port:</source>
+        <translation>ADB TCP 端口：</translation>
+    </message>
+    <message>
+        <source>USB Configuration:</source>
+        <translation>USB 配置：</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
     <name>DeviceList</name>
     <message>
         <source>Device Groups</source>
@@ -104,6 +558,236 @@
     <message>
         <source>No device groups</source>
         <translation>没有设备分组</translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>serial</source>
+        <translation>序列号</translation>
+    </message>
+    <message>
+        <source>connection type</source>
+        <translation>连接类型</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceMenu</name>
+    <message>
+        <source>Naming Device</source>
+        <translation>设备命名</translation>
+    </message>
+    <message>
+        <source>Enable WiFi Connection</source>
+        <translation>启用 WiFi 连接</translation>
+    </message>
+    <message>
+        <source>Disconnect WiFi</source>
+        <translation>断开 WiFi</translation>
+    </message>
+    <message>
+        <source>Device Information</source>
+        <translation>设备信息</translation>
+    </message>
+    <message>
+        <source>Move to Group</source>
+        <translation>移动到分组</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceRenameDialog</name>
+    <message>
+        <source>Rename Device</source>
+        <translation>重命名设备</translation>
+    </message>
+    <message>
+        <source>Serial Number:</source>
+        <translation>序列号：</translation>
+    </message>
+    <message>
+        <source>Current Name:</source>
+        <translation>当前名称：</translation>
+    </message>
+    <message>
+        <source>No Custom Name</source>
+        <translation>无自定义名称</translation>
+    </message>
+    <message>
+        <source>New Name:</source>
+        <translation>新名称：</translation>
+    </message>
+    <message>
+        <source>Enter new device name</source>
+        <translation>输入新的设备名称</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>确认</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceScanDialog</name>
+    <message>
+        <source>Scan Devices</source>
+        <translation>扫描设备</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Target Group:</source>
+        <translation>目标分组：</translation>
+    </message>
+    <message>
+        <source>Refresh</source>
+        <translation>刷新</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>选择</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>Nickname</source>
+        <translation>昵称</translation>
+    </message>
+    <message>
+        <source>Serial Number</source>
+        <translation>序列号</translation>
+    </message>
+    <message>
+        <source>Product</source>
+        <translation>产品</translation>
+    </message>
+    <message>
+        <source>No devices found</source>
+        <translation>未发现设备</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>全选</translation>
+    </message>
+    <message>
+        <source>Add to Group</source>
+        <translation>添加到分组</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceView</name>
+    <message>
+        <source>Big Screen</source>
+        <translation>大屏</translation>
+    </message>
+    <message>
+        <source>Click To Start</source>
+        <translation>点击启动</translation>
+    </message>
+    <message>
+        <source>On Big Screen</source>
+        <translation>正在大屏显示</translation>
+    </message>
+</context>
+<context>
+    <name>FilePicker</name>
+    <message>
+        <source>Select File</source>
+        <translation>选择文件</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>所有文件 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupSettingsDialog</name>
+    <message>
+        <source>Group Settings</source>
+        <translation>分组设置</translation>
+    </message>
+    <message>
+        <source>General Settings</source>
+        <translation>常规设置</translation>
+    </message>
+    <message>
+        <source>Group Control Delay:</source>
+        <translation>群控延迟：</translation>
+    </message>
+    <message>
+        <source> s</source>
+        <translation> 秒</translation>
+    </message>
+    <message>
+        <source>Show Control Buttons:</source>
+        <translation>显示控制按钮：</translation>
+    </message>
+    <message>
+        <source>Enable Sound Output:</source>
+        <translation>启用声音输出：</translation>
+    </message>
+    <message>
+        <source>Android 11 or later</source>
+        <translation>Android 11 或更高版本</translation>
+    </message>
+    <message>
+        <source>Need Reconnect</source>
+        <translation>需要重新连接</translation>
+    </message>
+    <message>
+        <source>Small Window Settings</source>
+        <translation>小窗口设置</translation>
+    </message>
+    <message>
+        <source>Width:</source>
+        <translation>宽度：</translation>
+    </message>
+    <message>
+        <source> px</source>
+        <translation> 像素</translation>
+    </message>
+    <message>
+        <source>Resolution:</source>
+        <translation>分辨率：</translation>
+    </message>
+    <message>
+        <source>Frame Rate:</source>
+        <translation>帧率：</translation>
+    </message>
+    <message>
+        <source> fps</source>
+        <translation> 帧/秒</translation>
+    </message>
+    <message>
+        <source>Bit Rate:</source>
+        <translation>码率：</translation>
+    </message>
+    <message>
+        <source> Mbps</source>
+        <translation> Mbps</translation>
+    </message>
+    <message>
+        <source>Big Window Settings</source>
+        <translation>大窗口设置</translation>
+    </message>
+    <message>
+        <source>Big View Width:</source>
+        <translation>大屏宽度：</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
     </message>
 </context>
 <context>
@@ -166,6 +850,108 @@
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此分组没有设备，点击扫描</translation>
+    </message>
+</context>
+<context>
+    <name>PhoneScreenGrid</name>
+    <message>
+        <source>Devices</source>
+        <translation>设备</translation>
+    </message>
+    <message>
+        <source>Start All</source>
+        <translation>全部启动</translation>
+    </message>
+    <message>
+        <source>Stop All</source>
+        <translation>全部停止</translation>
+    </message>
+    <message>
+        <source>Clear All</source>
+        <translation>全部清除</translation>
+    </message>
+    <message>
+        <source>🚩 Group Controlling</source>
+        <translation>🚩 群控中</translation>
+    </message>
+    <message>
+        <source>Start Group Control</source>
+        <translation>开始群控</translation>
+    </message>
+    <message>
+        <source>Landscape</source>
+        <translation>横屏</translation>
+    </message>
+    <message>
+        <source>Portrait</source>
+        <translation>竖屏</translation>
+    </message>
+    <message>
+        <source>More Group Actions</source>
+        <translation>更多分组操作</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安装 APK</translation>
+    </message>
+    <message>
+        <source>Select APK File</source>
+        <translation>选择 APK 文件</translation>
+    </message>
+    <message>
+        <source>APK files (*.apk)</source>
+        <translation>APK 文件 (*.apk)</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上传文件</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>选择文件</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>所有文件 (*.*)</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>运行 AutoJS</translation>
+    </message>
+    <message>
+        <source>Select autojs Script</source>
+        <translation>选择 autojs 脚本</translation>
+    </message>
+    <message>
+        <source>autojs files (*.js)</source>
+        <translation>autojs 文件 (*.js)</translation>
+    </message>
+    <message>
+        <source>Stop AutoJS</source>
+        <translation>停止 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Commands</source>
+        <translation>ADB 命令</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenCoordinateDisplayer</name>
+    <message>
+        <source>X: </source>
+        <translation>X: </translation>
+    </message>
+    <message>
+        <source>  Y: </source>
+        <translation>  Y: </translation>
     </message>
 </context>
 </TS>

@@ -2,6 +2,72 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_TW">
 <context>
+    <name>ADBCommandDialog</name>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 指令</translation>
+    </message>
+    <message>
+        <source>Enter ADB command, for example:
+shell ls
+shell ps</source>
+        <translation>輸入 ADB 指令，例如：
+shell ls
+shell ps</translation>
+    </message>
+    <message>
+        <source>Command Output</source>
+        <translation>指令輸出</translation>
+    </message>
+    <message>
+        <source>Command output will be displayed here...</source>
+        <translation>指令輸出將顯示在這裡...</translation>
+    </message>
+    <message>
+        <source>Execute</source>
+        <translation>執行</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>清除</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>ADBRestartDialog</name>
+    <message>
+        <source>Restart ADB Server</source>
+        <translation>重新啟動 ADB 服務</translation>
+    </message>
+    <message>
+        <source>ADB server restarted successfully</source>
+        <translation>ADB 服務已成功重新啟動</translation>
+    </message>
+    <message>
+        <source>Failed to restart ADB server</source>
+        <translation>重新啟動 ADB 服務失敗</translation>
+    </message>
+    <message>
+        <source>Restarting ADB will disconnect all connected devices.</source>
+        <translation>重新啟動 ADB 將中斷所有已連線的裝置。</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Restart</source>
+        <translation>重新啟動</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
     <name>AboutDialog</name>
     <message>
         <source>About APP</source>
@@ -96,6 +162,394 @@
     </message>
 </context>
 <context>
+    <name>Autojs</name>
+    <message>
+        <source>Failed to connect to AutoJS server</source>
+        <translation>無法連線 AutoJS 服務</translation>
+    </message>
+    <message>
+        <source>Failed to open AutoJS script file</source>
+        <translation>無法開啟 AutoJS 腳本檔案</translation>
+    </message>
+    <message>
+        <source>AutoJS script started</source>
+        <translation>AutoJS 腳本已啟動</translation>
+    </message>
+</context>
+<context>
+    <name>BigDeviceView</name>
+    <message>
+        <source>Big Screen</source>
+        <translation>大螢幕</translation>
+    </message>
+    <message>
+        <source>Click To Start</source>
+        <translation>點擊啟動</translation>
+    </message>
+</context>
+<context>
+    <name>ControlButtons</name>
+    <message>
+        <source>Home</source>
+        <translation>主畫面</translation>
+    </message>
+    <message>
+        <source>Task List</source>
+        <translation>工作清單</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+    <message>
+        <source>Swipe Up</source>
+        <translation>向上滑動</translation>
+    </message>
+    <message>
+        <source>Swipe Down</source>
+        <translation>向下滑動</translation>
+    </message>
+    <message>
+        <source>Swipe Left</source>
+        <translation>向左滑動</translation>
+    </message>
+    <message>
+        <source>Swipe Right</source>
+        <translation>向右滑動</translation>
+    </message>
+    <message>
+        <source>Rotate Screen</source>
+        <translation>旋轉螢幕</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>截圖</translation>
+    </message>
+    <message>
+        <source>Stop Recording</source>
+        <translation>停止錄製</translation>
+    </message>
+    <message>
+        <source>Record Video</source>
+        <translation>錄製影片</translation>
+    </message>
+    <message>
+        <source>Select Phrase</source>
+        <translation>選擇常用語</translation>
+    </message>
+    <message>
+        <source>Volume Up</source>
+        <translation>音量加</translation>
+    </message>
+    <message>
+        <source>Volume Down</source>
+        <translation>音量減</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上傳檔案</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>選擇檔案</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>所有檔案 (*.*)</translation>
+    </message>
+    <message>
+        <source>KeyMapping: %1</source>
+        <translation>按鍵映射：%1</translation>
+    </message>
+    <message>
+        <source>Key Mapping</source>
+        <translation>按鍵映射</translation>
+    </message>
+    <message>
+        <source>Screen Position</source>
+        <translation>螢幕座標</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安裝 APK</translation>
+    </message>
+    <message>
+        <source>APK</source>
+        <translation>APK</translation>
+    </message>
+    <message>
+        <source>Select APK File</source>
+        <translation>選擇 APK 檔案</translation>
+    </message>
+    <message>
+        <source>APK files (*.apk)</source>
+        <translation>APK 檔案 (*.apk)</translation>
+    </message>
+    <message>
+        <source>Stop AutoJS</source>
+        <translation>停止 AutoJS</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>執行 AutoJS</translation>
+    </message>
+    <message>
+        <source>Select AutoJS Script</source>
+        <translation>選擇 AutoJS 腳本</translation>
+    </message>
+    <message>
+        <source>autojs files (*.js)</source>
+        <translation>autojs 檔案 (*.js)</translation>
+    </message>
+    <message>
+        <source>Run ADB Command</source>
+        <translation>執行 ADB 指令</translation>
+    </message>
+    <message>
+        <source>ADB</source>
+        <translation>ADB</translation>
+    </message>
+    <message>
+        <source>Screen On</source>
+        <translation>開啟螢幕</translation>
+    </message>
+    <message>
+        <source>Screen Off</source>
+        <translation>關閉螢幕</translation>
+    </message>
+    <message>
+        <source>Audio Enabled</source>
+        <translation>音訊已開啟</translation>
+    </message>
+    <message>
+        <source>Audio Disabled</source>
+        <translation>音訊已關閉</translation>
+    </message>
+    <message>
+        <source>Reboot</source>
+        <translation>重新啟動</translation>
+    </message>
+    <message>
+        <source>Shutdown</source>
+        <translation>關機</translation>
+    </message>
+</context>
+<context>
+    <name>Controller</name>
+    <message>
+        <source>Installing APK</source>
+        <translation>正在安裝 APK</translation>
+    </message>
+    <message>
+        <source>APK installed</source>
+        <translation>APK 已安裝</translation>
+    </message>
+    <message>
+        <source>APK installation failed</source>
+        <translation>APK 安裝失敗</translation>
+    </message>
+    <message>
+        <source>File uploaded</source>
+        <translation>檔案已上傳</translation>
+    </message>
+    <message>
+        <source>File upload failed</source>
+        <translation>檔案上傳失敗</translation>
+    </message>
+</context>
+<context>
+    <name>Device</name>
+    <message>
+        <source>scrcpy-server %1 is missing at %2</source>
+        <translation>scrcpy-server %1 不存在於 %2</translation>
+    </message>
+    <message>
+        <source>Audio Enabled, Need Reconnect</source>
+        <translation>音訊已啟用，需要重新連線</translation>
+    </message>
+    <message>
+        <source>Audio Disabled, Need Reconnect</source>
+        <translation>音訊已停用，需要重新連線</translation>
+    </message>
+    <message>
+        <source>Failed to tcpip</source>
+        <translation>切換 tcpip 失敗</translation>
+    </message>
+    <message>
+        <source>WiFi connection enabled</source>
+        <translation>WiFi 連線已啟用</translation>
+    </message>
+    <message>
+        <source>Failed to enable <byte value="xd"/> WiFi connection</source>
+        <translation>無法啟用 <byte value="xd"/> WiFi 連線</translation>
+    </message>
+    <message>
+        <source>Not Connected</source>
+        <translation>未連線</translation>
+    </message>
+    <message>
+        <source>Screenshot Saved</source>
+        <translation>截圖已儲存</translation>
+    </message>
+    <message>
+        <source>Screenshot Failed</source>
+        <translation>截圖失敗</translation>
+    </message>
+    <message>
+        <source>Uploading File</source>
+        <translation>正在上傳檔案</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroupManager</name>
+    <message>
+        <source>Default Group</source>
+        <translation>預設群組</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroupManagerDialog</name>
+    <message>
+        <source>Device Group Manager</source>
+        <translation>裝置群組管理</translation>
+    </message>
+    <message>
+        <source>Group name cannot be empty</source>
+        <translation>群組名稱不能為空</translation>
+    </message>
+    <message>
+        <source>Group name already exists</source>
+        <translation>群組名稱已存在</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>錯誤</translation>
+    </message>
+    <message>
+        <source>Devices</source>
+        <translation>裝置</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編輯</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>No device groups</source>
+        <translation>沒有裝置群組</translation>
+    </message>
+    <message>
+        <source>Group Name</source>
+        <translation>群組名稱</translation>
+    </message>
+    <message>
+        <source>Enter group name...</source>
+        <translation>輸入群組名稱...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>儲存</translation>
+    </message>
+    <message>
+        <source>Create</source>
+        <translation>建立</translation>
+    </message>
+    <message>
+        <source>New Group</source>
+        <translation>新增群組</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete group &quot;%1&quot;?</source>
+        <translation>確定要刪除群組「%1」嗎？</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceInfoDialog</name>
+    <message>
+        <source>Device Information</source>
+        <translation>裝置資訊</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>No Custom Name</source>
+        <translation>無自訂名稱</translation>
+    </message>
+    <message>
+        <source>Basic Information</source>
+        <translation>基本資訊</translation>
+    </message>
+    <message>
+        <source>Device Model:</source>
+        <translation>裝置型號：</translation>
+    </message>
+    <message>
+        <source>Manufacturer:</source>
+        <translation>製造商：</translation>
+    </message>
+    <message>
+        <source>Android Version:</source>
+        <translation>Android 版本：</translation>
+    </message>
+    <message>
+        <source>Serial Number:</source>
+        <translation>序號：</translation>
+    </message>
+    <message>
+        <source>Hardware Information</source>
+        <translation>硬體資訊</translation>
+    </message>
+    <message>
+        <source>Screen Size:</source>
+        <translation>螢幕尺寸：</translation>
+    </message>
+    <message>
+        <source>Memory Size:</source>
+        <translation>記憶體大小：</translation>
+    </message>
+    <message>
+        <source>Network Information</source>
+        <translation>網路資訊</translation>
+    </message>
+    <message>
+        <source>Operator:</source>
+        <translation>電信業者：</translation>
+    </message>
+    <message>
+        <source>Country / Region Code:</source>
+        <translation>國家/地區代碼：</translation>
+    </message>
+    <message>
+        <source>Connection Information</source>
+        <translation>連線資訊</translation>
+    </message>
+    <message>
+        <source>ADB TCP Port:</source>
+        <translation>ADB TCP 連接埠：</translation>
+    </message>
+    <message>
+        <source>USB Configuration:</source>
+        <translation>USB 設定：</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
     <name>DeviceList</name>
     <message>
         <source>Device Groups</source>
@@ -104,6 +558,236 @@
     <message>
         <source>No device groups</source>
         <translation>沒有裝置群組</translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation>名稱</translation>
+    </message>
+    <message>
+        <source>serial</source>
+        <translation>序號</translation>
+    </message>
+    <message>
+        <source>connection type</source>
+        <translation>連線類型</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceMenu</name>
+    <message>
+        <source>Naming Device</source>
+        <translation>裝置命名</translation>
+    </message>
+    <message>
+        <source>Enable WiFi Connection</source>
+        <translation>啟用 WiFi 連線</translation>
+    </message>
+    <message>
+        <source>Disconnect WiFi</source>
+        <translation>中斷 WiFi</translation>
+    </message>
+    <message>
+        <source>Device Information</source>
+        <translation>裝置資訊</translation>
+    </message>
+    <message>
+        <source>Move to Group</source>
+        <translation>移至群組</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceRenameDialog</name>
+    <message>
+        <source>Rename Device</source>
+        <translation>重新命名裝置</translation>
+    </message>
+    <message>
+        <source>Serial Number:</source>
+        <translation>序號：</translation>
+    </message>
+    <message>
+        <source>Current Name:</source>
+        <translation>目前名稱：</translation>
+    </message>
+    <message>
+        <source>No Custom Name</source>
+        <translation>無自訂名稱</translation>
+    </message>
+    <message>
+        <source>New Name:</source>
+        <translation>新名稱：</translation>
+    </message>
+    <message>
+        <source>Enter new device name</source>
+        <translation>輸入新的裝置名稱</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>確認</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceScanDialog</name>
+    <message>
+        <source>Scan Devices</source>
+        <translation>掃描裝置</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>錯誤</translation>
+    </message>
+    <message>
+        <source>Target Group:</source>
+        <translation>目標群組：</translation>
+    </message>
+    <message>
+        <source>Refresh</source>
+        <translation>重新整理</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>選擇</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>類型</translation>
+    </message>
+    <message>
+        <source>Nickname</source>
+        <translation>暱稱</translation>
+    </message>
+    <message>
+        <source>Serial Number</source>
+        <translation>序號</translation>
+    </message>
+    <message>
+        <source>Product</source>
+        <translation>產品</translation>
+    </message>
+    <message>
+        <source>No devices found</source>
+        <translation>未發現裝置</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>全選</translation>
+    </message>
+    <message>
+        <source>Add to Group</source>
+        <translation>加入群組</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceView</name>
+    <message>
+        <source>Big Screen</source>
+        <translation>大螢幕</translation>
+    </message>
+    <message>
+        <source>Click To Start</source>
+        <translation>點擊啟動</translation>
+    </message>
+    <message>
+        <source>On Big Screen</source>
+        <translation>正在大螢幕顯示</translation>
+    </message>
+</context>
+<context>
+    <name>FilePicker</name>
+    <message>
+        <source>Select File</source>
+        <translation>選擇檔案</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>所有檔案 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupSettingsDialog</name>
+    <message>
+        <source>Group Settings</source>
+        <translation>群組設定</translation>
+    </message>
+    <message>
+        <source>General Settings</source>
+        <translation>一般設定</translation>
+    </message>
+    <message>
+        <source>Group Control Delay:</source>
+        <translation>群控延遲：</translation>
+    </message>
+    <message>
+        <source> s</source>
+        <translation> 秒</translation>
+    </message>
+    <message>
+        <source>Show Control Buttons:</source>
+        <translation>顯示控制按鈕：</translation>
+    </message>
+    <message>
+        <source>Enable Sound Output:</source>
+        <translation>啟用聲音輸出：</translation>
+    </message>
+    <message>
+        <source>Android 11 or later</source>
+        <translation>Android 11 或更新版本</translation>
+    </message>
+    <message>
+        <source>Need Reconnect</source>
+        <translation>需要重新連線</translation>
+    </message>
+    <message>
+        <source>Small Window Settings</source>
+        <translation>小視窗設定</translation>
+    </message>
+    <message>
+        <source>Width:</source>
+        <translation>寬度：</translation>
+    </message>
+    <message>
+        <source> px</source>
+        <translation> 像素</translation>
+    </message>
+    <message>
+        <source>Resolution:</source>
+        <translation>解析度：</translation>
+    </message>
+    <message>
+        <source>Frame Rate:</source>
+        <translation>幀率：</translation>
+    </message>
+    <message>
+        <source> fps</source>
+        <translation> 幀/秒</translation>
+    </message>
+    <message>
+        <source>Bit Rate:</source>
+        <translation>位元率：</translation>
+    </message>
+    <message>
+        <source> Mbps</source>
+        <translation> Mbps</translation>
+    </message>
+    <message>
+        <source>Big Window Settings</source>
+        <translation>大視窗設定</translation>
+    </message>
+    <message>
+        <source>Big View Width:</source>
+        <translation>大螢幕寬度：</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>儲存</translation>
     </message>
 </context>
 <context>
@@ -166,6 +850,108 @@
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此群組沒有裝置，點擊掃描</translation>
+    </message>
+</context>
+<context>
+    <name>PhoneScreenGrid</name>
+    <message>
+        <source>Devices</source>
+        <translation>裝置</translation>
+    </message>
+    <message>
+        <source>Start All</source>
+        <translation>全部啟動</translation>
+    </message>
+    <message>
+        <source>Stop All</source>
+        <translation>全部停止</translation>
+    </message>
+    <message>
+        <source>Clear All</source>
+        <translation>全部清除</translation>
+    </message>
+    <message>
+        <source>🚩 Group Controlling</source>
+        <translation>🚩 群控中</translation>
+    </message>
+    <message>
+        <source>Start Group Control</source>
+        <translation>開始群控</translation>
+    </message>
+    <message>
+        <source>Landscape</source>
+        <translation>橫向</translation>
+    </message>
+    <message>
+        <source>Portrait</source>
+        <translation>直向</translation>
+    </message>
+    <message>
+        <source>More Group Actions</source>
+        <translation>更多群組操作</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>截圖</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安裝 APK</translation>
+    </message>
+    <message>
+        <source>Select APK File</source>
+        <translation>選擇 APK 檔案</translation>
+    </message>
+    <message>
+        <source>APK files (*.apk)</source>
+        <translation>APK 檔案 (*.apk)</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上傳檔案</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>選擇檔案</translation>
+    </message>
+    <message>
+        <source>All files (*.*)</source>
+        <translation>所有檔案 (*.*)</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>執行 AutoJS</translation>
+    </message>
+    <message>
+        <source>Select autojs Script</source>
+        <translation>選擇 autojs 腳本</translation>
+    </message>
+    <message>
+        <source>autojs files (*.js)</source>
+        <translation>autojs 檔案 (*.js)</translation>
+    </message>
+    <message>
+        <source>Stop AutoJS</source>
+        <translation>停止 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Commands</source>
+        <translation>ADB 指令</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>設定</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenCoordinateDisplayer</name>
+    <message>
+        <source>X: </source>
+        <translation>X: </translation>
+    </message>
+    <message>
+        <source>  Y: </source>
+        <translation>  Y: </translation>
     </message>
 </context>
 </TS>

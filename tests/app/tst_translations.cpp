@@ -26,10 +26,10 @@ private slots:
             if (xml.readNext() != QXmlStreamReader::StartElement)
                 continue;
             if (xml.name() == u"source") {
-                source = xml.readElementText();
+                source = xml.readElementText(QXmlStreamReader::IncludeChildElements);
             } else if (xml.name() == u"translation") {
                 const QString type = xml.attributes().value("type").toString();
-                const QString text = xml.readElementText();
+                const QString text = xml.readElementText(QXmlStreamReader::IncludeChildElements);
                 QVERIFY2(type.isEmpty(), qPrintable(source + ": " + type));
                 QVERIFY2(!text.trimmed().isEmpty(), qPrintable(source));
                 ++messages;
