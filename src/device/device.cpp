@@ -378,13 +378,7 @@ void Device::handleScreenshotFinished(bool saved)
 
 void Device::handleMessageSent(const ControlMsg &msg)
 {
-    if (m_isHostDevice)
-        replayOnGroup(msg);
-}
-
-void Device::replayOnGroup(const ControlMsg &msg)
-{
-    if (m_deviceGroup && m_deviceGroup->groupControlMode())
+    if (m_isHostDevice && m_deviceGroup && m_deviceGroup->groupControlMode())
         m_deviceGroup->replayHostMessage(msg);
 }
 

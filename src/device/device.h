@@ -168,8 +168,6 @@ private:
     void emitError(const QString &message, int timeout = 5000) { emit deviceMessage(message, "error", timeout); }
     void teardownSession();
     void deleteController();
-    // Group control: hands a message written by this phone's controller to the group's replay.
-    void replayOnGroup(const ControlMsg &msg);
     void leaveGroup();
     void handleScreenshotFinished(bool saved);
     QImage toImage(const AVFrame *frame);
