@@ -7,6 +7,8 @@
 #include <QtTest>
 
 using Args = QStringList;
+using Operation = std::function<bool()>;
+Q_DECLARE_METATYPE(Operation)
 
 class TestAdbClient : public QObject
 {
@@ -24,22 +26,26 @@ private slots:
     }
     void init() { m_adb.clear(); }
 
-    void runReturnsTrimmedOutput()
+    void runResult_data()
     {
-        m_adb.addRule("shell echo*", 0, "  hello\\nworld \\n\\n");
-        QCOMPARE(AdbClient::run({"shell", "echo"}), QString("hello\nworld"));
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("out");
+        QTest::addColumn<QString>("err");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("output trimmed") << 0 << "  hello\\nworld \\n\\n" << "" << "hello\nworld";
+        QTest::newRow("exit code and untrimmed stderr")
+            << 3 << "ignored stdout" << "device offline\\n" << "[error] adb command failed (exit code 3): device offline\n";
+        QTest::newRow("no stderr") << 1 << "only stdout" << "" << "[error] adb command failed (exit code 1): unknown error";
     }
 
-    void runReportsExitCodeAndUntrimmedStderr()
+    void runResult()
     {
-        m_adb.addRule("bad*", 3, "ignored stdout", "device offline\\n");
-        QCOMPARE(AdbClient::run({"bad"}), QString("[error] adb command failed (exit code 3): device offline\n"));
-    }
-
-    void runReportsUnknownErrorWithoutStderr()
-    {
-        m_adb.addRule("bad*", 1, "only stdout");
-        QCOMPARE(AdbClient::run({"bad"}), QString("[error] adb command failed (exit code 1): unknown error"));
+        QFETCH(int, exitCode);
+        QFETCH(QString, out);
+        QFETCH(QString, err);
+        QFETCH(QString, expected);
+        m_adb.addRule("shell echo*", exitCode, out, err);
+        QCOMPARE(AdbClient::run({"shell", "echo"}), expected);
     }
 
     void runReportsMissingProgram()
@@ -54,71 +60,55 @@ private slots:
     void timeoutClassFollowsArguments_data()
     {
         QTest::addColumn<Args>("args");
-        QTest::addColumn<bool>("transfer");
-        QTest::newRow("shell") << Args{"-s", "X", "shell", "ls"} << false;
-        QTest::newRow("push") << Args{"-s", "X", "push", "a", "b"} << true;
-        QTest::newRow("install element") << Args{"-s", "X", "install", "a.apk"} << true;
-        QTest::newRow("pm install in one element") << Args{"-s", "X", "shell", "pm install -r a"} << false;
-        QTest::newRow("case sensitive") << Args{"Push"} << false;
+        QTest::addColumn<double>("sleep");
+        QTest::addColumn<QString>("expected");
+        // 0.8 s is past the short time-out but not the long one; 3 s is past both.
+        const QString shortTimeout = "[error] adb command timed out after 30 seconds";
+        QTest::newRow("shell") << Args{"-s", "X", "shell", "ls"} << 0.8 << shortTimeout;
+        QTest::newRow("push") << Args{"-s", "X", "push", "a", "b"} << 0.8 << "done";
+        QTest::newRow("install element") << Args{"-s", "X", "install", "a.apk"} << 0.8 << "done";
+        QTest::newRow("pm install in one element") << Args{"-s", "X", "shell", "pm install -r a"} << 0.8 << shortTimeout;
+        QTest::newRow("case sensitive") << Args{"Push"} << 0.8 << shortTimeout;
+        QTest::newRow("transfer time-out") << Args{"push", "a", "b"} << 3.0
+                                           << "[error] adb command timed out after 300 seconds";
     }
 
     void timeoutClassFollowsArguments()
     {
         QFETCH(Args, args);
-        QFETCH(bool, transfer);
-        // Sleeps past the short time-out but not the long one.
-        m_adb.addRule("*", 0, "done", {}, 0.8);
-        const QString result = AdbClient::run(args);
-        if (transfer)
-            QCOMPARE(result, QString("done"));
-        else
-            QCOMPARE(result, QString("[error] adb command timed out after 30 seconds"));
-    }
-
-    void transferTimeoutNamesThreeHundredSeconds()
-    {
-        m_adb.addRule("*", 0, "late", {}, 3);
-        QCOMPARE(AdbClient::run({"push", "a", "b"}), QString("[error] adb command timed out after 300 seconds"));
+        QFETCH(double, sleep);
+        QFETCH(QString, expected);
+        m_adb.addRule("*", 0, "done", {}, sleep);
+        QCOMPARE(AdbClient::run(args), expected);
     }
 
     void operationsBuildExactArguments_data()
     {
-        QTest::addColumn<int>("operation");
+        QTest::addColumn<Operation>("operation");
         QTest::addColumn<Args>("expected");
-        QTest::newRow("killServer") << 0 << Args{"kill-server"};
-        QTest::newRow("startServer") << 1 << Args{"start-server"};
-        QTest::newRow("devices") << 2 << Args{"devices", "-l"};
-        QTest::newRow("connect") << 3 << Args{"-s", "S1", "connect", "127.0.0.5:5555"};
-        QTest::newRow("disconnect") << 4 << Args{"-s", "S1", "disconnect"};
-        QTest::newRow("usb") << 5 << Args{"-s", "S1", "usb"};
-        QTest::newRow("tcpip") << 6 << Args{"-s", "S1", "tcpip", "5555"};
-        QTest::newRow("reboot") << 7 << Args{"-s", "S1", "reboot"};
-        QTest::newRow("forward") << 8 << Args{"-s", "S1", "forward", "tcp:7000", "tcp:7347"};
-        QTest::newRow("removeForward") << 9 << Args{"-s", "S1", "forward", "--remove", "tcp:7000"};
-        QTest::newRow("reverse") << 10 << Args{"-s", "S1", "reverse", "localabstract:scrcpy_00001234", "tcp:27183"};
-        QTest::newRow("removeReverse") << 11 << Args{"-s", "S1", "reverse", "--remove", "localabstract:scrcpy_00001234"};
+        auto row = [](const char *name, Operation op, const Args &args) { QTest::newRow(name) << op << args; };
+        row("killServer", [] { return AdbClient::killServer(); }, {"kill-server"});
+        row("startServer", [] { return AdbClient::startServer(); }, {"start-server"});
+        row("devices", [] { return AdbClient::devices().isEmpty(); }, {"devices", "-l"});
+        row("connect", [] { return AdbClient::connect("S1", "127.0.0.5", 5555); }, {"-s", "S1", "connect", "127.0.0.5:5555"});
+        row("disconnect", [] { return AdbClient::disconnect("S1"); }, {"-s", "S1", "disconnect"});
+        row("usb", [] { return AdbClient::usb("S1"); }, {"-s", "S1", "usb"});
+        row("tcpip", [] { return AdbClient::tcpip("S1", 5555); }, {"-s", "S1", "tcpip", "5555"});
+        row("reboot", [] { return AdbClient::reboot("S1"); }, {"-s", "S1", "reboot"});
+        row("forward", [] { return AdbClient::forward("S1", 7000, 7347); }, {"-s", "S1", "forward", "tcp:7000", "tcp:7347"});
+        row("removeForward", [] { return AdbClient::removeForward("S1", 7000); },
+            {"-s", "S1", "forward", "--remove", "tcp:7000"});
+        row("reverse", [] { return AdbClient::reverse("S1", "scrcpy_00001234", 27183); },
+            {"-s", "S1", "reverse", "localabstract:scrcpy_00001234", "tcp:27183"});
+        row("removeReverse", [] { return AdbClient::removeReverse("S1", "scrcpy_00001234"); },
+            {"-s", "S1", "reverse", "--remove", "localabstract:scrcpy_00001234"});
     }
 
     void operationsBuildExactArguments()
     {
-        QFETCH(int, operation);
+        QFETCH(Operation, operation);
         QFETCH(Args, expected);
-        bool ok = false;
-        switch (operation) {
-        case 0: ok = AdbClient::killServer(); break;
-        case 1: ok = AdbClient::startServer(); break;
-        case 2: AdbClient::devices(); ok = true; break;
-        case 3: ok = AdbClient::connect("S1", "127.0.0.5", 5555); break;
-        case 4: ok = AdbClient::disconnect("S1"); break;
-        case 5: ok = AdbClient::usb("S1"); break;
-        case 6: ok = AdbClient::tcpip("S1", 5555); break;
-        case 7: ok = AdbClient::reboot("S1"); break;
-        case 8: ok = AdbClient::forward("S1", 7000, 7347); break;
-        case 9: ok = AdbClient::removeForward("S1", 7000); break;
-        case 10: ok = AdbClient::reverse("S1", "scrcpy_00001234", 27183); break;
-        case 11: ok = AdbClient::removeReverse("S1", "scrcpy_00001234"); break;
-        }
-        QVERIFY(ok);
+        QVERIFY(operation());
         QCOMPARE(m_adb.calls(), QList<Args>{expected});
     }
 

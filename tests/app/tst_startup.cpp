@@ -63,13 +63,9 @@ private slots:
         AppStartup::loadUserInterface(*m_engine);
     }
 
-    void usesTheAdbOnThePath()
+    void identityAndTheAdbOnThePath()
     {
         QCOMPARE(AppConfig::adbPath(), m_adb.program());
-    }
-
-    void identity()
-    {
         QCOMPARE(QCoreApplication::applicationName(), QString("Korvel"));
         QCOMPARE(QCoreApplication::organizationName(), QString("Korvel"));
         QCOMPARE(QCoreApplication::applicationVersion(), QString("1.0.1"));

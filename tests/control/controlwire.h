@@ -4,13 +4,11 @@
 // encoder against something other than itself.
 #include <QByteArray>
 #include <QDataStream>
-#include <QIODevice>
 #include <QList>
 
 struct WireMessage
 {
     int type = -1;
-    int size = 0;
     quint32 action = 0;
     qint32 keycode = 0;
     quint32 repeat = 0;
@@ -39,7 +37,6 @@ inline QList<WireMessage> readWire(const QByteArray &bytes, bool *complete = nul
     in.setByteOrder(QDataStream::BigEndian);
     bool ok = true;
     while (!in.atEnd()) {
-        const qint64 start = in.device()->pos();
         WireMessage m;
         quint8 type = 0;
         quint8 byte = 0;
@@ -64,9 +61,7 @@ inline QList<WireMessage> readWire(const QByteArray &bytes, bool *complete = nul
         case 3:
             in >> m.x >> m.y >> m.screenWidth >> m.screenHeight >> m.hscroll >> m.vscroll >> m.buttons;
             break;
-        case 4:
-        case 8:
-        case 10:
+        case 4: case 8: case 10:
             in >> m.oneByte;
             break;
         case 9:
@@ -75,11 +70,7 @@ inline QList<WireMessage> readWire(const QByteArray &bytes, bool *complete = nul
             m.text.resize(length);
             in.readRawData(m.text.data(), int(length));
             break;
-        case 5:
-        case 6:
-        case 7:
-        case 11:
-        case 17:
+        case 5: case 6: case 7: case 11: case 17:
             break;
         default:
             ok = false;
@@ -89,7 +80,6 @@ inline QList<WireMessage> readWire(const QByteArray &bytes, bool *complete = nul
             ok = false;
             break;
         }
-        m.size = int(in.device()->pos() - start);
         messages << m;
     }
     if (complete)

@@ -23,6 +23,11 @@ QString sha256(const QByteArray &bytes)
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
+QPoint pointOf(const QJsonObject &touch)
+{
+    return QPoint(touch.value("x").toInt(), touch.value("y").toInt());
+}
+
 // A running session on one phone, with its group.
 struct Session
 {
@@ -50,30 +55,31 @@ private slots:
     void keyActionsArrive();
     void swipesArrive_data();
     void swipesArrive();
-    void typedTextIsPasted();
-    void resetVideoRestartsTheStream();
-    void phoneClipboardReachesThePc();
+    void clipboardGoesBothWays();
+    void resetAndRotateRestartTheStream();
     void apkInstall_data();
     void apkInstall();
     void fileUpload();
     void nicknameBecomesTheWallpaper();
     void autojsRunAndStop();
-    void rotateTurnsTheFrames();
     void rebootAndShutdownReachThePhone_data();
     void rebootAndShutdownReachThePhone();
 
 private:
-    bool start(Session &session, const QStringList &phoneArgs = {});
-    QList<QJsonObject> control(const QString &type, int from = 0) const;
+    bool start(Session &session);
+    // The control messages of one type the main phone has read since line `from` of its journal.
+    QList<QJsonObject> control(const QString &type, int from) const;
+    int controlCount() const { return m_main.phone->journal("control").size(); }
+    QString writeFile(const QString &name, const QByteArray &content);
 
     std::unique_ptr<PhoneFixture> m_fixture;
     Session m_main;
     QTemporaryDir m_files;
 };
 
-bool TestDeviceControl::start(Session &session, const QStringList &phoneArgs)
+bool TestDeviceControl::start(Session &session)
 {
-    session.phone = m_fixture->addPhone({1080, 2400}, QStringList{"--reboot-delay", "100"} + phoneArgs);
+    session.phone = m_fixture->addPhone({1080, 2400}, {"--reboot-delay", "100"});
     if (!session.phone) {
         qWarning("%s", qPrintable(m_fixture->error()));
         return false;
@@ -103,6 +109,12 @@ QList<QJsonObject> TestDeviceControl::control(const QString &type, int from) con
             found << lines[i];
     }
     return found;
+}
+
+QString TestDeviceControl::writeFile(const QString &name, const QByteArray &content)
+{
+    QFile file(m_files.filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName() : QString();
 }
 
 void TestDeviceControl::initTestCase()
@@ -139,7 +151,7 @@ void TestDeviceControl::commandsWithoutSessionReportNotConnected()
 
 void TestDeviceControl::mouseDragArrivesAtDevicePoints()
 {
-    const int from = m_main.phone->journal("control").size();
+    const int from = controlCount();
     Controller *controller = m_main.device->controller();
     controller->handleMouseEvent(2, 10.7, 20.2, 1, 1);
     controller->handleMouseEvent(5, 100.0, 300.5, 0, 1);
@@ -155,10 +167,8 @@ void TestDeviceControl::mouseDragArrivesAtDevicePoints()
     for (int i = 0; i < 3; ++i) {
         const QJsonObject &t = touches[i];
         QCOMPARE(t.value("action").toInt(), expected[i].action);
-        QCOMPARE(t.value("x").toInt(), expected[i].x);
-        QCOMPARE(t.value("y").toInt(), expected[i].y);
-        QCOMPARE(t.value("screenWidth").toInt(), 1080);
-        QCOMPARE(t.value("screenHeight").toInt(), 2400);
+        QCOMPARE(pointOf(t), QPoint(expected[i].x, expected[i].y));
+        QCOMPARE(QSize(t.value("screenWidth").toInt(), t.value("screenHeight").toInt()), QSize(1080, 2400));
         QCOMPARE(t.value("pressure").toDouble(), expected[i].pressure);
         QCOMPARE(t.value("actionButton").toInt(), expected[i].actionButton);
         QCOMPARE(t.value("buttons").toInt(), expected[i].buttons);
@@ -183,7 +193,7 @@ void TestDeviceControl::keyActionsArrive()
 {
     QFETCH(QByteArray, command);
     QFETCH(int, keycode);
-    const int from = m_main.phone->journal("control").size();
+    const int from = controlCount();
     QVERIFY(QMetaObject::invokeMethod(m_main.device.data(), command.constData()));
     QTRY_COMPARE_WITH_TIMEOUT(control("InjectKeycode", from).size(), 2, 10000);
     const QList<QJsonObject> keys = control("InjectKeycode", from);
@@ -211,78 +221,75 @@ void TestDeviceControl::swipesArrive()
     QFETCH(QByteArray, command);
     QFETCH(int, steps);
     QFETCH(QPoint, end);
-    const int from = m_main.phone->journal("control").size();
+    const int from = controlCount();
     QVERIFY(QMetaObject::invokeMethod(m_main.device.data(), command.constData()));
     QTRY_COMPARE_WITH_TIMEOUT(control("InjectTouchEvent", from).size(), steps + 2, 10000);
     QTest::qWait(100);
     const QList<QJsonObject> touches = control("InjectTouchEvent", from);
     QCOMPARE(touches.size(), steps + 2);
     QCOMPARE(touches.first().value("action").toInt(), 0);
-    QCOMPARE(touches.first().value("x").toInt(), 540);
-    QCOMPARE(touches.first().value("y").toInt(), 1200);
+    QCOMPARE(pointOf(touches.first()), QPoint(540, 1200));
     for (int i = 1; i <= steps; ++i)
         QCOMPARE(touches[i].value("action").toInt(), 2);
-    QCOMPARE(QPoint(touches[steps].value("x").toInt(), touches[steps].value("y").toInt()), end);
+    QCOMPARE(pointOf(touches[steps]), end);
     QCOMPARE(touches.last().value("action").toInt(), 1);
-    QCOMPARE(QPoint(touches.last().value("x").toInt(), touches.last().value("y").toInt()), end);
+    QCOMPARE(pointOf(touches.last()), end);
     for (const QJsonObject &t : touches)
         QCOMPARE(t.value("pointerId").toInteger(), qint64(-2));
 }
 
-void TestDeviceControl::typedTextIsPasted()
+void TestDeviceControl::clipboardGoesBothWays()
 {
-    const int from = m_main.phone->journal("control").size();
+    // Typed text is pasted through the phone's clipboard.
+    const int from = controlCount();
     m_main.device->controller()->actionInputText("你好 farm");
     QTRY_COMPARE_WITH_TIMEOUT(control("SetClipboard", from).size(), 1, 10000);
     const QJsonObject clip = control("SetClipboard", from).first();
     QCOMPARE(clip.value("text").toString(), QString("你好 farm"));
     QCOMPARE(clip.value("paste").toBool(), true);
     QCOMPARE(clip.value("sequence").toInt(), 0);
+
+    // The phone's clipboard reaches the PC's.
+    QGuiApplication::clipboard()->setText("before");
+    QCOMPARE(m_main.phone->ctl({"clipboard", "hello"}), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::clipboard()->text(), QString("hello"), 10000);
 }
 
-void TestDeviceControl::resetVideoRestartsTheStream()
+void TestDeviceControl::resetAndRotateRestartTheStream()
 {
-    const int from = m_main.phone->journal("control").size();
+    const int from = controlCount();
     QSignalSpy frames(m_main.device.data(), &Device::yuvFrameReady);
     m_main.device->controller()->resetVideo();
     QTRY_COMPARE_WITH_TIMEOUT(control("ResetVideo", from).size(), 1, 10000);
     frames.clear();
     QTRY_VERIFY_WITH_TIMEOUT(frames.count() > 0, 10000);
     QCOMPARE(m_main.device->frameSize(), QSize(1080, 2400));
-}
 
-void TestDeviceControl::phoneClipboardReachesThePc()
-{
-    QGuiApplication::clipboard()->setText("before");
-    QString output;
-    QCOMPARE(m_main.phone->ctl({"clipboard", "hello"}, &output), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::clipboard()->text(), QString("hello"), 10000);
+    m_main.device->rotateScreen();
+    QTRY_COMPARE_WITH_TIMEOUT(control("RotateDevice", from).size(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_main.device->frameSize(), QSize(2400, 1080), 15000);
+    m_main.device->rotateScreen();
+    QTRY_COMPARE_WITH_TIMEOUT(m_main.device->frameSize(), QSize(1080, 2400), 15000);
 }
 
 void TestDeviceControl::apkInstall_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("outcome");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<int>("timeout");
+    QTest::addColumn<QVariantList>("outcome");
     QTest::addColumn<bool>("installed");
-    QTest::newRow("zip") << QByteArray("PK\x03\x04 tiny apk", 13) << "APK installed" << "success" << 2000 << true;
-    QTest::newRow("not a zip") << QByteArray("definitely not an apk") << "APK installation failed" << "error"
-                               << 100000 << false;
+    QTest::newRow("zip") << QByteArray("PK\x03\x04 tiny apk", 13) << QVariantList{"APK installed", "success", 2000}
+                         << true;
+    QTest::newRow("not a zip") << QByteArray("definitely not an apk")
+                               << QVariantList{"APK installation failed", "error", 100000} << false;
 }
 
 void TestDeviceControl::apkInstall()
 {
     QFETCH(QByteArray, content);
-    QFETCH(QString, outcome);
-    QFETCH(QString, type);
-    QFETCH(int, timeout);
+    QFETCH(QVariantList, outcome);
     QFETCH(bool, installed);
-    const QString path = m_files.filePath(QString("app_%1.apk").arg(QTest::currentDataTag()).replace(' ', '_'));
-    QFile apk(path);
-    QVERIFY(apk.open(QIODevice::WriteOnly));
-    apk.write(content);
-    apk.close();
+    const QString path = writeFile(QString("app_%1.apk").arg(QTest::currentDataTag()).replace(' ', '_'), content);
+    QVERIFY(!path.isEmpty());
 
     const int before = m_main.phone->journal("install").size();
     QSignalSpy messages(m_main.device.data(), &Device::deviceMessage);
@@ -290,7 +297,7 @@ void TestDeviceControl::apkInstall()
     QCOMPARE(messages.count(), 1);
     QCOMPARE(messages[0], (QVariantList{"Installing APK", "info", 100000}));
     QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
-    QCOMPARE(messages[1], (QVariantList{outcome, type, timeout}));
+    QCOMPARE(messages[1], outcome);
 
     const QList<QJsonObject> installs = m_main.phone->journal("install");
     QCOMPARE(installs.size(), before + 1);
@@ -300,14 +307,11 @@ void TestDeviceControl::apkInstall()
 
 void TestDeviceControl::fileUpload()
 {
-    const QString path = m_files.filePath("notes.txt");
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
     QByteArray content;
     for (int i = 0; i < 20000; ++i)
         content += QByteArray::number(i) + ' ';
-    file.write(content);
-    file.close();
+    const QString path = writeFile("notes.txt", content);
+    QVERIFY(!path.isEmpty());
 
     QSignalSpy messages(m_main.device.data(), &Device::deviceMessage);
     m_main.device->uploadFile(path);
@@ -342,12 +346,9 @@ void TestDeviceControl::nicknameBecomesTheWallpaper()
 
 void TestDeviceControl::autojsRunAndStop()
 {
-    const QString path = m_files.filePath("farm.task.js");
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
     const QByteArray script = "// 收菜\nwhile (true) { click(540, 1200); sleep(1000); }\n";
-    file.write(script);
-    file.close();
+    const QString path = writeFile("farm.task.js", script);
+    QVERIFY(!path.isEmpty());
 
     QSignalSpy messages(m_main.device.data(), &Device::deviceMessage);
     QSignalSpy running(m_main.device.data(), &Device::isRunningAutojsChanged);
@@ -369,16 +370,6 @@ void TestDeviceControl::autojsRunAndStop()
     QCOMPARE(running.count(), 2);
     QTRY_COMPARE_WITH_TIMEOUT(m_main.phone->journal("autojs").last().value("type").toString(), QString("stopAll"),
                               10000);
-}
-
-void TestDeviceControl::rotateTurnsTheFrames()
-{
-    const int from = m_main.phone->journal("control").size();
-    m_main.device->rotateScreen();
-    QTRY_COMPARE_WITH_TIMEOUT(control("RotateDevice", from).size(), 1, 10000);
-    QTRY_COMPARE_WITH_TIMEOUT(m_main.device->frameSize(), QSize(2400, 1080), 15000);
-    m_main.device->rotateScreen();
-    QTRY_COMPARE_WITH_TIMEOUT(m_main.device->frameSize(), QSize(1080, 2400), 15000);
 }
 
 void TestDeviceControl::rebootAndShutdownReachThePhone_data()

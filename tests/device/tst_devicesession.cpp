@@ -19,9 +19,15 @@ private:
     std::unique_ptr<PhoneFixture> m_fixture;
     QTemporaryDir m_screenshots;
 
-    // A device of its own group, on a phone of the given size; full-size frames when maxSize is 0.
-    Device *makeDevice(DeviceGroup &group, PhoneSimProcess *phone, int maxSize = 800, int maxFps = 30)
+    // A device of its own group, on a new phone of the given size; full-size frames when maxSize is 0.
+    Device *makeDevice(DeviceGroup &group, PhoneSimProcess *&phone, QSize size, int maxSize = 800, int maxFps = 30,
+                       const QStringList &phoneArgs = {})
     {
+        phone = m_fixture->addPhone(size, phoneArgs);
+        if (!phone) {
+            qWarning("%s", qPrintable(m_fixture->error()));
+            return nullptr;
+        }
         auto *device = new Device(nullptr, &group, phone->serial());
         device->serverParamsSmallView()->setMaxSize(maxSize);
         device->serverParamsSmallView()->setMaxFps(maxFps);
@@ -68,10 +74,10 @@ private slots:
     {
         QFETCH(bool, audio);
         QFETCH(QStringList, order);
-        PhoneSimProcess *phone = m_fixture->addPhone({1080, 2400});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = makeDevice(group, phone);
+        Device *device = makeDevice(group, phone, {1080, 2400});
+        QVERIFY(device);
         device->serverParamsSmallView()->setAudio(audio);
 
         QSignalSpy frames(device, &Device::yuvFrameReady);
@@ -94,41 +100,6 @@ private slots:
         QCOMPARE(group.deviceCount(), 1);
     }
 
-    void framesFollowThePhonesRate()
-    {
-        PhoneSimProcess *phone = m_fixture->addPhone({720, 1600}, {"--animate"});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
-        DeviceGroup group;
-        Device *device = makeDevice(group, phone, 400, 20);
-        QSignalSpy frames(device, &Device::yuvFrameReady);
-        device->startScrcpySession();
-        QTRY_VERIFY_WITH_TIMEOUT(frames.count() > 0, 15000);
-        frames.clear();
-        QTest::qWait(3000);
-        // An animating phone sends up to 20 frames a second: every one of them arrives decoded,
-        // and none beyond what the phone sent. The bounds are wide: this machine is shared.
-        QVERIFY2(frames.count() >= 15 && frames.count() <= 65, qPrintable(QString::number(frames.count())));
-        device->stopScrcpySession();
-    }
-
-    void secondStartStartsNoSecondServer()
-    {
-        PhoneSimProcess *phone = m_fixture->addPhone({1080, 2340});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
-        DeviceGroup group;
-        Device *device = makeDevice(group, phone);
-        QSignalSpy running(device, &Device::runningChanged);
-        device->startScrcpySession();
-        ScrcpyServer *first = device->server();
-        device->startScrcpySession();
-        QCOMPARE(device->server(), first);
-        QCOMPARE(running.count(), 1);
-        QTRY_VERIFY_WITH_TIMEOUT(device->frameSize().isValid(), 15000);
-        QTest::qWait(500);
-        QCOMPARE(phone->journal("server_start").size(), 1);
-        device->stopScrcpySession();
-    }
-
     void screenshotsAreSavedAsJpeg_data()
     {
         QTest::addColumn<QSize>("phoneSize");
@@ -141,10 +112,10 @@ private slots:
     {
         QFETCH(QSize, phoneSize);
         QFETCH(QSize, imageSize);
-        PhoneSimProcess *phone = m_fixture->addPhone(phoneSize);
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = makeDevice(group, phone, 0, 10);
+        Device *device = makeDevice(group, phone, phoneSize, 0, 10);
+        QVERIFY(device);
 
         QSignalSpy messages(device, &Device::deviceMessage);
         device->takeScreenshot();
@@ -176,14 +147,23 @@ private slots:
         device->stopScrcpySession();
     }
 
-    void killedServerLeavesDeviceStoppedInGroup()
+    void oneServerAtATimeAndAKilledOneLeavesThePhone()
     {
-        PhoneSimProcess *phone = m_fixture->addPhone({720, 1600});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = makeDevice(group, phone);
+        Device *device = makeDevice(group, phone, {720, 1600});
+        QVERIFY(device);
+        QSignalSpy running(device, &Device::runningChanged);
         device->startScrcpySession();
+        ScrcpyServer *first = device->server();
+        device->startScrcpySession();
+        QCOMPARE(device->server(), first);
+        QCOMPARE(running.count(), 1);
         QTRY_VERIFY_WITH_TIMEOUT(device->frameSize().isValid(), 15000);
+        QTest::qWait(500);
+        QCOMPARE(phone->journal("server_start").size(), 1);
+
+        // A server killed on the phone stops the session; the phone stays in its group.
         QCOMPARE(phone->ctl({"kill-server"}), 0);
         QTRY_VERIFY_WITH_TIMEOUT(!device->running(), 15000);
         QTest::qWait(200);
@@ -198,10 +178,10 @@ private slots:
 
     void vanishedPhoneLeavesTheGroup()
     {
-        PhoneSimProcess *phone = m_fixture->addPhone({1440, 3200});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        QPointer<Device> device = makeDevice(group, phone);
+        QPointer<Device> device = makeDevice(group, phone, {1440, 3200});
+        QVERIFY(device);
         device->startScrcpySession();
         QTRY_VERIFY_WITH_TIMEOUT(device->frameSize().isValid(), 15000);
         QSignalSpy removed(&group, &DeviceGroup::deviceRemovedFromGroup);
@@ -213,10 +193,10 @@ private slots:
 
     void missingServerFileKeepsThePhone()
     {
-        PhoneSimProcess *phone = m_fixture->addPhone({720, 1600});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = makeDevice(group, phone);
+        Device *device = makeDevice(group, phone, {720, 1600});
+        QVERIFY(device);
         const QByteArray previous = qgetenv("KORVEL_SCRCPY_SERVER");
         qputenv("KORVEL_SCRCPY_SERVER", "/nonexistent/scrcpy-server");
         QSignalSpy messages(device, &Device::deviceMessage);
@@ -235,10 +215,10 @@ private slots:
 
     void bigViewRestartsWithItsOwnParameters()
     {
-        PhoneSimProcess *phone = m_fixture->addPhone({1080, 2400});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = makeDevice(group, phone, 280, 10);
+        Device *device = makeDevice(group, phone, {1080, 2400}, 280, 10);
+        QVERIFY(device);
         device->serverParamsBigView()->setMaxSize(720);
         // Switching while stopped still starts a session, with the big view's size.
         device->setIsBigView(true);
@@ -250,12 +230,20 @@ private slots:
         device->stopScrcpySession();
     }
 
-    void adbCommandsRunLineByLine()
+    void adbCommandsAddressAndDetails()
     {
-        PhoneSimProcess *phone = m_fixture->addPhone({720, 1600});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
+        PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = makeDevice(group, phone);
+        Device *device = makeDevice(group, phone, {1080, 2340}, 800, 30, {"--model", "Galaxy Test"});
+        QVERIFY(device);
+        QSignalSpy address(device, &Device::ipAddressChanged);
+        device->refreshAddressAndDetails();
+        QTRY_COMPARE_WITH_TIMEOUT(address.count(), 1, 15000);
+        QCOMPARE(device->ipAddress(), phone->wifiAddress());
+        QCOMPARE(device->deviceInfo().model, QString("Galaxy Test"));
+        QCOMPARE(device->deviceInfo().screen_size, QSize(1080, 2340));
+
+        // Commands run line by line, blank lines skipped, failures reported in place.
         const QString output = device->executeADBCommand("shell echo first\n\n   shell   pwd  \nshell nosuchcommand");
         const QStringList lines = output.split("\n");
         QCOMPARE(lines.value(0), QString("first"));
@@ -264,19 +252,6 @@ private slots:
         QVERIFY(output.endsWith("\n"));
     }
 
-    void addressAndDetailsRefresh()
-    {
-        PhoneSimProcess *phone = m_fixture->addPhone({1080, 2340}, {"--model", "Galaxy Test"});
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
-        DeviceGroup group;
-        Device *device = makeDevice(group, phone);
-        QSignalSpy address(device, &Device::ipAddressChanged);
-        device->refreshAddressAndDetails();
-        QTRY_COMPARE_WITH_TIMEOUT(address.count(), 1, 15000);
-        QCOMPARE(device->ipAddress(), phone->wifiAddress());
-        QCOMPARE(device->deviceInfo().model, QString("Galaxy Test"));
-        QCOMPARE(device->deviceInfo().screen_size, QSize(1080, 2340));
-    }
 };
 
 QTEST_MAIN(TestDeviceSession)

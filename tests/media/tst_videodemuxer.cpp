@@ -31,9 +31,9 @@ struct Rig
     VideoDemuxer demuxer;
 };
 
-QByteArray h264Header(quint32 width = 1080, quint32 height = 1920)
+QByteArray h264Header()
 {
-    return header("phone", "h264", width, height);
+    return header("phone", "h264", 1080, 1920);
 }
 
 QByteArray startCoded(const QByteArray &nal)
@@ -41,191 +41,10 @@ QByteArray startCoded(const QByteArray &nal)
     return QByteArray::fromHex("00000001") + nal;
 }
 
-} // namespace
-
-class TestVideoDemuxer : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void headerArrivesInPieces();
-    void deviceName_data();
-    void deviceName();
-    void headerDimensionsOpenLowDelayContext();
-    void sizeLimits_data();
-    void sizeLimits();
-    void startCodes_data();
-    void startCodes();
-    void timestamps_data();
-    void timestamps();
-    void everySplitPointGivesSamePackets();
-    void byteByByteGivesSamePackets();
-    void atMost200PacketsPerRead();
-    void unknownCodecStillFeedsSinks();
-    void recorderBeforeDecoder();
-    void insertedSinkTakesItsPlace_data();
-    void insertedSinkTakesItsPlace();
-    void withoutRecorderDecoderStillFed();
-    void decoderDeletedFirstIsSkipped();
-    void socketDeletedFirstIsHarmless();
-    void realH264Stream_data();
-    void realH264Stream();
-};
-
-void TestVideoDemuxer::initTestCase()
-{
-    // Garbage payloads make the H.264 decoder complain; only its fatal messages are of interest.
-    av_log_set_level(AV_LOG_FATAL);
-}
-
-void TestVideoDemuxer::headerArrivesInPieces()
-{
-    Rig rig;
-    const QByteArray bytes = h264Header() + packet(7, startCoded("\x65\x01\x02"));
-    rig.socket.feed(bytes.left(10));
-    rig.socket.feed(bytes.mid(10, 50));
-    QVERIFY(!rig.demuxer.isHeaderParsed());
-    QVERIFY(!rig.demuxer.codecContext());
-    // The 76th byte arrives together with a whole packet: both are handled in this read.
-    rig.socket.feed(bytes.mid(60));
-    QVERIFY(rig.demuxer.isHeaderParsed());
-    QVERIFY(rig.demuxer.codecContext());
-    QCOMPARE(rig.demuxer.deviceName(), QStringLiteral("phone"));
-    QCOMPARE(rig.decoder.packets.size(), 1);
-    QCOMPARE(rig.decoder.packets[0].pts, 7);
-}
-
-void TestVideoDemuxer::deviceName_data()
-{
-    QTest::addColumn<QByteArray>("field");
-    QTest::addColumn<QString>("expected");
-    const QByteArray full(64, 'A');
-    QTest::newRow("64 bytes, no NUL") << full << QString::fromLatin1(full);
-    QTest::newRow("7 chars then 57 NUL") << (QByteArray("Pixel 7") + QByteArray(57, '\0')) << QStringLiteral("Pixel 7");
-    QTest::newRow("bytes after the first NUL ignored")
-        << (QByteArray("ab") + QByteArray(1, '\0') + QByteArray("cd").leftJustified(61, '\0')) << QStringLiteral("ab");
-    QTest::newRow("UTF-8") << QByteArray("Téléphone").leftJustified(64, '\0') << QStringLiteral("Téléphone");
-}
-
-void TestVideoDemuxer::deviceName()
-{
-    QFETCH(QByteArray, field);
-    QFETCH(QString, expected);
-    Rig rig;
-    QCOMPARE(field.size(), 64);
-    rig.socket.feed(field + QByteArray("h264") + QByteArray::fromHex("0000043800000780"));
-    QVERIFY(rig.demuxer.isHeaderParsed());
-    QCOMPARE(rig.demuxer.deviceName(), expected);
-}
-
-void TestVideoDemuxer::headerDimensionsOpenLowDelayContext()
-{
-    Rig rig;
-    rig.socket.feed(QByteArray(64, '\0') + QByteArray("h264") + QByteArray::fromHex("0000043800000780"));
-    QCOMPARE(rig.demuxer.codecId(), QByteArray("h264"));
-    QCOMPARE(rig.demuxer.width(), 1080u);
-    QCOMPARE(rig.demuxer.height(), 1920u);
-    AVCodecContext *context = rig.demuxer.codecContext();
-    QVERIFY(context);
-    QVERIFY(avcodec_is_open(context));
-    QCOMPARE(context->width, 1080);
-    QCOMPARE(context->height, 1920);
-    QVERIFY(context->flags & AV_CODEC_FLAG_LOW_DELAY);
-    QVERIFY(context->flags2 & AV_CODEC_FLAG2_FAST);
-    QVERIFY(context->flags2 & AV_CODEC_FLAG2_CHUNKS);
-}
-
-void TestVideoDemuxer::sizeLimits_data()
-{
-    QTest::addColumn<quint32>("size");
-    QTest::addColumn<bool>("accepted");
-    QTest::newRow("0 dropped") << 0u << false;
-    QTest::newRow("1 accepted") << 1u << true;
-    QTest::newRow("8388608 accepted") << 8388608u << true;
-    QTest::newRow("8388609 dropped") << 8388609u << false;
-    QTest::newRow("0xFFFFFFFF dropped") << 0xFFFFFFFFu << false;
-}
-
-void TestVideoDemuxer::sizeLimits()
-{
-    QFETCH(quint32, size);
-    QFETCH(bool, accepted);
-    Rig rig;
-    // A rejected header is dropped alone and the following bytes are read as the next header.
-    QByteArray bytes = h264Header() + packetHeader(0x10, size);
-    if (accepted)
-        bytes += QByteArray(int(size), '\0');
-    const QByteArray next = startCoded("\x65\xAA\xBB");
-    bytes += packet(0x20, next);
-    rig.socket.feed(bytes);
-
-    QCOMPARE(rig.decoder.packets.size(), accepted ? 2 : 1);
-    if (accepted) {
-        QCOMPARE(rig.decoder.packets[0].data.size(), int(size));
-        QCOMPARE(rig.decoder.packets[0].pts, 0x10);
-    }
-    QCOMPARE(rig.decoder.packets.last().pts, 0x20);
-    QCOMPARE(rig.decoder.packets.last().data, next);
-}
-
-void TestVideoDemuxer::startCodes_data()
-{
-    QTest::addColumn<QByteArray>("payload");
-    QTest::addColumn<QByteArray>("expected");
-    auto hex = [](const char *h) { return QByteArray::fromHex(h); };
-    QTest::newRow("4-byte start code") << hex("0000000165AABB") << hex("0000000165AABB");
-    QTest::newRow("3-byte start code") << hex("00000165AABB") << hex("00000165AABB");
-    QTest::newRow("three zeros, any 4th byte") << hex("0000000765AABB") << hex("0000000765AABB");
-    QTest::newRow("no start code") << hex("25B8010203") << hex("0000000125B8010203");
-    QTest::newRow("00 01 is not a start code") << hex("0001650102") << hex("000000010001650102");
-    QTest::newRow("00 00 02 is not a start code") << hex("0000026501") << hex("000000010000026501");
-    QTest::newRow("4 bytes never prefixed") << hex("25B80102") << hex("25B80102");
-    QTest::newRow("1 byte never prefixed") << hex("65") << hex("65");
-}
-
-void TestVideoDemuxer::startCodes()
-{
-    QFETCH(QByteArray, payload);
-    QFETCH(QByteArray, expected);
-    Rig rig;
-    rig.socket.feed(h264Header() + packet(1, payload));
-    QCOMPARE(rig.recorder.packets.size(), 1);
-    QCOMPARE(rig.recorder.packets[0].data, expected);
-    QCOMPARE(rig.decoder.packets[0].data, expected);
-}
-
-void TestVideoDemuxer::timestamps_data()
-{
-    QTest::addColumn<quint64>("ptsAndFlags");
-    QTest::addColumn<qint64>("pts");
-    QTest::addColumn<bool>("key");
-    QTest::newRow("config") << quint64(0x8000000000000000) << qint64(AV_NOPTS_VALUE) << false;
-    QTest::newRow("key frame") << quint64(0x4000000000000F00) << qint64(3840) << true;
-    QTest::newRow("config and key") << quint64(0xC000000000000000) << qint64(AV_NOPTS_VALUE) << true;
-    QTest::newRow("plain") << quint64(1000000) << qint64(1000000) << false;
-    QTest::newRow("largest time") << quint64(0x3FFFFFFFFFFFFFFF) << qint64(0x3FFFFFFFFFFFFFFF) << false;
-}
-
-void TestVideoDemuxer::timestamps()
-{
-    QFETCH(quint64, ptsAndFlags);
-    QFETCH(qint64, pts);
-    QFETCH(bool, key);
-    Rig rig;
-    rig.socket.feed(h264Header() + packet(ptsAndFlags, startCoded("\x65\x00")));
-    QCOMPARE(rig.decoder.packets.size(), 1);
-    QCOMPARE(rig.decoder.packets[0].pts, pts);
-    QCOMPARE(rig.decoder.packets[0].dts, pts);
-    QCOMPARE(rig.decoder.packets[0].key, key);
-}
-
-namespace {
-
 // Header plus a mix of packets: config, key, prefixed, tiny, an invalid size header, a large one.
 QByteArray mixedStream()
 {
-    QByteArray bytes = h264Header(720, 1280);
+    QByteArray bytes = header("phone", "h264", 720, 1280);
     bytes += packet(ConfigFlag, QByteArray::fromHex("0000000167640028ACD940") + QByteArray::fromHex("0000000168EBE3CB"));
     bytes += packet(KeyFlag | 1000, startCoded(QByteArray(300, '\x42')));
     bytes += packet(34333, QByteArray::fromHex("41E0AA55CC"));
@@ -245,207 +64,298 @@ QList<SeenPacket> feedInPieces(const QList<QByteArray> &pieces)
 
 } // namespace
 
-void TestVideoDemuxer::everySplitPointGivesSamePackets()
+class TestVideoDemuxer : public QObject
 {
-    const QByteArray bytes = mixedStream();
-    const QList<SeenPacket> reference = feedInPieces({bytes});
-    QCOMPARE(reference.size(), 5);
-    for (int split = 1; split < bytes.size(); ++split) {
-        const QList<SeenPacket> packets = feedInPieces({bytes.left(split), bytes.mid(split)});
-        if (packets != reference)
-            QFAIL(qPrintable(QStringLiteral("different packets when split at byte %1").arg(split)));
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        // Garbage payloads make the H.264 decoder complain; only its fatal messages are of interest.
+        av_log_set_level(AV_LOG_FATAL);
     }
-}
 
-void TestVideoDemuxer::byteByByteGivesSamePackets()
-{
-    const QByteArray bytes = mixedStream();
-    QList<QByteArray> pieces;
-    for (char c : bytes)
-        pieces.append(QByteArray(1, c));
-    QCOMPARE(feedInPieces(pieces), feedInPieces({bytes}));
-}
+    void headerArrivesInPieces()
+    {
+        Rig rig;
+        const QByteArray bytes = h264Header() + packet(7, startCoded("\x65\x01\x02"));
+        rig.socket.feed(bytes.left(10));
+        rig.socket.feed(bytes.mid(10, 50));
+        QVERIFY(!rig.demuxer.isHeaderParsed());
+        QVERIFY(!rig.demuxer.codecContext());
+        // The 76th byte arrives together with a whole packet: both are handled in this read.
+        rig.socket.feed(bytes.mid(60));
+        QVERIFY(rig.demuxer.isHeaderParsed());
+        QCOMPARE(rig.demuxer.deviceName(), QStringLiteral("phone"));
+        QCOMPARE(rig.demuxer.codecId(), QByteArray("h264"));
+        QCOMPARE(rig.demuxer.width(), 1080u);
+        QCOMPARE(rig.demuxer.height(), 1920u);
+        AVCodecContext *context = rig.demuxer.codecContext();
+        QVERIFY(context);
+        QVERIFY(avcodec_is_open(context));
+        QCOMPARE(context->width, 1080);
+        QCOMPARE(context->height, 1920);
+        QVERIFY(context->flags & AV_CODEC_FLAG_LOW_DELAY);
+        QVERIFY(context->flags2 & AV_CODEC_FLAG2_FAST);
+        QVERIFY(context->flags2 & AV_CODEC_FLAG2_CHUNKS);
+        QCOMPARE(rig.decoder.packets.size(), 1);
+        QCOMPARE(rig.decoder.packets[0].pts, 7);
+    }
 
-void TestVideoDemuxer::atMost200PacketsPerRead()
-{
-    Rig rig;
-    QByteArray bytes = h264Header();
-    for (int i = 0; i < 250; ++i)
-        bytes += packet(quint64(i), startCoded("\x41\x01"));
-    rig.socket.feed(bytes);
-    QCOMPARE(rig.recorder.packets.size(), 200);
-    QCOMPARE(rig.decoder.packets.size(), 200);
+    void deviceName_data()
+    {
+        QTest::addColumn<QByteArray>("field");
+        QTest::addColumn<QString>("expected");
+        const QByteArray full(64, 'A');
+        QTest::newRow("64 bytes, no NUL") << full << QString::fromLatin1(full);
+        QTest::newRow("bytes after the first NUL ignored")
+            << (QByteArray("ab") + QByteArray(1, '\0') + QByteArray("cd").leftJustified(61, '\0')) << QStringLiteral("ab");
+        QTest::newRow("UTF-8") << QByteArray("Téléphone").leftJustified(64, '\0') << QStringLiteral("Téléphone");
+    }
 
-    // The rest waits for the next readyRead, even with the event loop running.
-    QCoreApplication::processEvents();
-    QCOMPARE(rig.decoder.packets.size(), 200);
+    void deviceName()
+    {
+        QFETCH(QByteArray, field);
+        QFETCH(QString, expected);
+        Rig rig;
+        QCOMPARE(field.size(), 64);
+        rig.socket.feed(field + QByteArray("h264") + QByteArray::fromHex("0000043800000780"));
+        QVERIFY(rig.demuxer.isHeaderParsed());
+        QCOMPARE(rig.demuxer.deviceName(), expected);
+    }
 
-    rig.socket.feed(QByteArray());
-    QCOMPARE(rig.recorder.packets.size(), 250);
-    QCOMPARE(rig.decoder.packets.size(), 250);
-    for (int i = 0; i < 250; ++i)
-        QCOMPARE(rig.decoder.packets[i].pts, qint64(i));
-}
+    void sizeLimits_data()
+    {
+        QTest::addColumn<quint32>("size");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("0 dropped") << 0u << false;
+        QTest::newRow("8388608 accepted") << 8388608u << true;
+        QTest::newRow("8388609 dropped") << 8388609u << false;
+        QTest::newRow("0xFFFFFFFF dropped") << 0xFFFFFFFFu << false;
+    }
 
-void TestVideoDemuxer::unknownCodecStillFeedsSinks()
-{
-    Rig rig;
-    QByteArray bytes = header("phone", "abcd", 1080, 1920);
-    for (int i = 0; i < 3; ++i)
-        bytes += packet(quint64(i), startCoded("\x41\x01"));
-    rig.socket.feed(bytes);
-    QVERIFY(rig.demuxer.isHeaderParsed());
-    QVERIFY(!rig.demuxer.codecContext());
-    QCOMPARE(rig.demuxer.codecId(), QByteArray("abcd"));
-    // The failed set-up ends that read; the packets follow on the next one.
-    QCOMPARE(rig.recorder.packets.size(), 0);
-    rig.socket.feed(QByteArray());
-    QCOMPARE(rig.recorder.packets.size(), 3);
-    QCOMPARE(rig.decoder.packets.size(), 3);
-    // The header is never parsed again.
-    rig.socket.feed(h264Header());
-    QVERIFY(!rig.demuxer.codecContext());
-}
+    void sizeLimits()
+    {
+        QFETCH(quint32, size);
+        QFETCH(bool, accepted);
+        Rig rig;
+        // A rejected header is dropped alone and the following bytes are read as the next header.
+        QByteArray bytes = h264Header() + packetHeader(0x10, size);
+        if (accepted)
+            bytes += QByteArray(int(size), '\0');
+        const QByteArray next = startCoded("\x65\xAA\xBB");
+        bytes += packet(0x20, next);
+        rig.socket.feed(bytes);
 
-void TestVideoDemuxer::recorderBeforeDecoder()
-{
-    Rig rig;
-    QByteArray bytes = h264Header();
-    for (int i = 0; i < 3; ++i)
-        bytes += packet(quint64(i), startCoded("\x41\x01"));
-    rig.socket.feed(bytes);
-    const QStringList expected{"recorder", "decoder", "recorder", "decoder", "recorder", "decoder"};
-    QCOMPARE(rig.log, expected);
-}
-
-void TestVideoDemuxer::insertedSinkTakesItsPlace_data()
-{
-    QTest::addColumn<bool>("withRecorder");
-    QTest::addColumn<int>("position");
-    QTest::addColumn<QStringList>("order");
-    QTest::newRow("first") << true << 0 << QStringList{"probe", "recorder", "decoder"};
-    QTest::newRow("between") << true << 1 << QStringList{"recorder", "probe", "decoder"};
-    QTest::newRow("last") << true << 2 << QStringList{"recorder", "decoder", "probe"};
-    QTest::newRow("past the end appends") << true << 7 << QStringList{"recorder", "decoder", "probe"};
-    QTest::newRow("negative appends") << true << -1 << QStringList{"recorder", "decoder", "probe"};
-    QTest::newRow("first, no recorder") << false << 0 << QStringList{"probe", "decoder"};
-    QTest::newRow("1 is after the decoder without recorder") << false << 1 << QStringList{"decoder", "probe"};
-}
-
-void TestVideoDemuxer::insertedSinkTakesItsPlace()
-{
-    QFETCH(bool, withRecorder);
-    QFETCH(int, position);
-    QFETCH(QStringList, order);
-    Rig rig(withRecorder);
-    RecordingSink probe(QStringLiteral("probe"), &rig.log);
-    rig.demuxer.insertPacketSink(position, &probe);
-    rig.demuxer.insertPacketSink(0, nullptr);
-    QCOMPARE(rig.demuxer.packetSinkCount(), withRecorder ? 3 : 2);
-
-    rig.socket.feed(h264Header() + packet(ConfigFlag, startCoded("\x67\x64"))
-                    + packet(KeyFlag | 5, startCoded("\x65\x01")));
-    QCOMPARE(rig.log, order + order);
-    // Every sink gets the same packet, flags and all.
-    QCOMPARE(probe.packets.size(), 2);
-    QCOMPARE(probe.packets, rig.decoder.packets);
-    QCOMPARE(probe.packets[0].pts, qint64(AV_NOPTS_VALUE));
-    QVERIFY(probe.packets[1].key);
-}
-
-void TestVideoDemuxer::withoutRecorderDecoderStillFed()
-{
-    Rig rig(false);
-    rig.socket.feed(h264Header() + packet(1, startCoded("\x41\x01")));
-    QCOMPARE(rig.decoder.packets.size(), 1);
-    QCOMPARE(rig.recorder.packets.size(), 0);
-}
-
-void TestVideoDemuxer::decoderDeletedFirstIsSkipped()
-{
-    FakeSocket socket;
-    RecordingSink recorder;
-    auto *decoder = new VideoDecoder;
-    VideoDemuxer demuxer(&socket, &recorder, decoder);
-    decoder->setDemuxer(&demuxer);
-    socket.feed(h264Header() + packet(1, startCoded("\x41\x01")));
-    delete decoder;
-    socket.feed(packet(2, startCoded("\x41\x01")));
-    QCOMPARE(recorder.packets.size(), 2);
-}
-
-void TestVideoDemuxer::socketDeletedFirstIsHarmless()
-{
-    auto *socket = new FakeSocket;
-    RecordingSink decoder;
-    VideoDemuxer demuxer(socket, nullptr, &decoder);
-    socket->feed(h264Header() + packet(1, startCoded("\x41\x01")) + packet(2, startCoded("\x41\x01")).left(14));
-    delete socket;
-    demuxer.read();
-    QCOMPARE(decoder.packets.size(), 1);
-}
-
-void TestVideoDemuxer::realH264Stream_data()
-{
-    QTest::addColumn<bool>("stripStartCodes");
-    QTest::newRow("as sent") << false;
-    QTest::newRow("leading start codes removed") << true;
-}
-
-void TestVideoDemuxer::realH264Stream()
-{
-    QFETCH(bool, stripStartCodes);
-    const int width = 320, height = 240, frames = 10;
-    QString error;
-    QList<EncodedPacket> encoded = H264TestEncoder::encode(width, height, frames, &error);
-    QVERIFY2(!encoded.isEmpty(), qPrintable(error));
-    QCOMPARE(encoded.size(), frames + 1);
-    if (stripStartCodes) {
-        // The demuxer has to put the start code back on every frame for the decoder to cope.
-        for (EncodedPacket &p : encoded) {
-            if (p.config)
-                continue;
-            if (p.data.startsWith(QByteArray::fromHex("00000001")))
-                p.data.remove(0, 4);
-            else if (p.data.startsWith(QByteArray::fromHex("000001")))
-                p.data.remove(0, 3);
+        QCOMPARE(rig.decoder.packets.size(), accepted ? 2 : 1);
+        if (accepted) {
+            QCOMPARE(rig.decoder.packets[0].data.size(), int(size));
+            QCOMPARE(rig.decoder.packets[0].pts, 0x10);
         }
+        QCOMPARE(rig.decoder.packets.last().pts, 0x20);
+        QCOMPARE(rig.decoder.packets.last().data, next);
     }
 
-    FakeSocket socket;
-    QStringList log;
-    RecordingSink recorder(QStringLiteral("recorder"), &log);
-    VideoDecoder decoder;
-    VideoDemuxer demuxer(&socket, &recorder, &decoder);
-    decoder.setDemuxer(&demuxer);
-    QList<QSize> sizes;
-    QList<int> formats;
-    connect(&decoder, &VideoDecoder::frameDecoded, this, [&](AVFrame *frame) {
-        log.append(QStringLiteral("frame"));
-        sizes.append(QSize(frame->width, frame->height));
-        formats.append(frame->format);
-    });
+    void packetBytesAndTimes_data()
+    {
+        QTest::addColumn<QByteArray>("payload");
+        QTest::addColumn<quint64>("ptsAndFlags");
+        QTest::addColumn<QByteArray>("expected");
+        QTest::addColumn<qint64>("pts");
+        QTest::addColumn<bool>("key");
+        auto hex = [](const char *h) { return QByteArray::fromHex(h); };
+        auto row = [&](const char *name, const char *payload, quint64 ptsAndFlags, const char *expected, qint64 pts,
+                       bool key) { QTest::newRow(name) << hex(payload) << ptsAndFlags << hex(expected) << pts << key; };
+        // Start codes: the payload goes out as sent, or with 00 00 00 01 put in front.
+        row("4-byte start code", "0000000165AABB", 1, "0000000165AABB", 1, false);
+        row("3-byte start code", "00000165AABB", 1, "00000165AABB", 1, false);
+        row("three zeros, any 4th byte", "0000000765AABB", 1, "0000000765AABB", 1, false);
+        row("no start code", "25B8010203", 1, "0000000125B8010203", 1, false);
+        row("00 00 02 is not a start code", "0000026501", 1, "000000010000026501", 1, false);
+        row("4 bytes never prefixed", "25B80102", 1, "25B80102", 1, false);
+        // The top two bits are the config and key flags; the other 62 are the time.
+        const qint64 none = AV_NOPTS_VALUE;
+        row("config", "00000001650000", 0x8000000000000000, "00000001650000", none, false);
+        row("key frame", "00000001650000", 0x4000000000000F00, "00000001650000", 3840, true);
+        row("config and key", "00000001650000", 0xC000000000000000, "00000001650000", none, true);
+        row("plain", "00000001650000", 1000000, "00000001650000", 1000000, false);
+        row("largest time", "00000001650000", 0x3FFFFFFFFFFFFFFF, "00000001650000", 0x3FFFFFFFFFFFFFFF, false);
+    }
 
-    const QByteArray bytes = H264TestEncoder::stream(encoded, width, height);
-    // Arbitrary read sizes, as a socket delivers them.
-    for (int pos = 0; pos < bytes.size(); pos += 1400)
-        socket.feed(bytes.mid(pos, 1400));
+    void packetBytesAndTimes()
+    {
+        QFETCH(QByteArray, payload);
+        QFETCH(quint64, ptsAndFlags);
+        QFETCH(QByteArray, expected);
+        QFETCH(qint64, pts);
+        QFETCH(bool, key);
+        Rig rig;
+        rig.socket.feed(h264Header() + packet(ptsAndFlags, payload));
+        QCOMPARE(rig.recorder.packets.size(), 1);
+        QCOMPARE(rig.recorder.packets[0].data, expected);
+        QCOMPARE(rig.decoder.packets, rig.recorder.packets);
+        QCOMPARE(rig.decoder.packets[0].pts, pts);
+        QCOMPARE(rig.decoder.packets[0].dts, pts);
+        QCOMPARE(rig.decoder.packets[0].key, key);
+    }
 
-    QCOMPARE(sizes.size(), frames);
-    for (const QSize &size : sizes)
-        QCOMPARE(size, QSize(width, height));
-    for (int format : formats)
-        QCOMPARE(format, int(AV_PIX_FMT_YUV420P));
-    QCOMPARE(recorder.packets.size(), frames + 1);
-    QCOMPARE(recorder.packets[0].pts, qint64(AV_NOPTS_VALUE));
-    QVERIFY(recorder.packets[1].key);
-    QStringList expected{"recorder"};
-    for (int i = 0; i < frames; ++i)
-        expected << "recorder" << "frame";
-    QCOMPARE(log, expected);
-    QVERIFY(decoder.lastFrame());
-    QCOMPARE(decoder.lastFrame()->width, width);
-}
+    void anySplitGivesSamePackets()
+    {
+        const QByteArray bytes = mixedStream();
+        const QList<SeenPacket> reference = feedInPieces({bytes});
+        QCOMPARE(reference.size(), 5);
+        for (int split = 1; split < bytes.size(); ++split) {
+            if (feedInPieces({bytes.left(split), bytes.mid(split)}) != reference)
+                QFAIL(qPrintable(QStringLiteral("different packets when split at byte %1").arg(split)));
+        }
+        QList<QByteArray> single;
+        for (char c : bytes)
+            single.append(QByteArray(1, c));
+        QCOMPARE(feedInPieces(single), reference);
+    }
+
+    void atMost200PacketsPerRead()
+    {
+        Rig rig;
+        QByteArray bytes = h264Header();
+        for (int i = 0; i < 250; ++i)
+            bytes += packet(quint64(i), startCoded("\x41\x01"));
+        rig.socket.feed(bytes);
+        QCOMPARE(rig.recorder.packets.size(), 200);
+        QCOMPARE(rig.decoder.packets.size(), 200);
+
+        // The rest waits for the next readyRead, even with the event loop running.
+        QCoreApplication::processEvents();
+        QCOMPARE(rig.decoder.packets.size(), 200);
+
+        rig.socket.feed(QByteArray());
+        QCOMPARE(rig.recorder.packets.size(), 250);
+        QCOMPARE(rig.decoder.packets.size(), 250);
+        for (int i = 0; i < 250; ++i)
+            QCOMPARE(rig.decoder.packets[i].pts, qint64(i));
+    }
+
+    void unknownCodecStillFeedsSinks()
+    {
+        Rig rig;
+        QByteArray bytes = header("phone", "abcd", 1080, 1920);
+        for (int i = 0; i < 3; ++i)
+            bytes += packet(quint64(i), startCoded("\x41\x01"));
+        rig.socket.feed(bytes);
+        QVERIFY(rig.demuxer.isHeaderParsed());
+        QVERIFY(!rig.demuxer.codecContext());
+        QCOMPARE(rig.demuxer.codecId(), QByteArray("abcd"));
+        // The failed set-up ends that read; the packets follow on the next one.
+        QCOMPARE(rig.recorder.packets.size(), 0);
+        rig.socket.feed(QByteArray());
+        QCOMPARE(rig.recorder.packets.size(), 3);
+        QCOMPARE(rig.decoder.packets.size(), 3);
+        // The header is never parsed again.
+        rig.socket.feed(h264Header());
+        QVERIFY(!rig.demuxer.codecContext());
+    }
+
+    void insertedSinkTakesItsPlace_data()
+    {
+        QTest::addColumn<bool>("withRecorder");
+        QTest::addColumn<int>("position");
+        QTest::addColumn<QStringList>("order");
+        QTest::newRow("first") << true << 0 << QStringList{"probe", "recorder", "decoder"};
+        QTest::newRow("between") << true << 1 << QStringList{"recorder", "probe", "decoder"};
+        QTest::newRow("past the end appends") << true << 7 << QStringList{"recorder", "decoder", "probe"};
+        QTest::newRow("negative appends") << true << -1 << QStringList{"recorder", "decoder", "probe"};
+        QTest::newRow("1 is after the decoder without recorder") << false << 1 << QStringList{"decoder", "probe"};
+    }
+
+    void insertedSinkTakesItsPlace()
+    {
+        QFETCH(bool, withRecorder);
+        QFETCH(int, position);
+        QFETCH(QStringList, order);
+        Rig rig(withRecorder);
+        RecordingSink probe(QStringLiteral("probe"), &rig.log);
+        rig.demuxer.insertPacketSink(position, &probe);
+        rig.demuxer.insertPacketSink(0, nullptr);
+        QCOMPARE(rig.demuxer.packetSinkCount(), withRecorder ? 3 : 2);
+
+        rig.socket.feed(h264Header() + packet(ConfigFlag, startCoded("\x67\x64"))
+                        + packet(KeyFlag | 5, startCoded("\x65\x01")));
+        // Every packet goes to every sink in this order, the same packet, flags and all.
+        QCOMPARE(rig.log, order + order);
+        QCOMPARE(probe.packets.size(), 2);
+        QCOMPARE(probe.packets, rig.decoder.packets);
+        QCOMPARE(probe.packets[0].pts, qint64(AV_NOPTS_VALUE));
+        QVERIFY(probe.packets[1].key);
+        QCOMPARE(rig.recorder.packets.size(), withRecorder ? 2 : 0);
+    }
+
+    void decoderDeletedFirstIsSkipped()
+    {
+        FakeSocket socket;
+        RecordingSink recorder;
+        auto *decoder = new VideoDecoder;
+        VideoDemuxer demuxer(&socket, &recorder, decoder);
+        decoder->setDemuxer(&demuxer);
+        socket.feed(h264Header() + packet(1, startCoded("\x41\x01")));
+        delete decoder;
+        socket.feed(packet(2, startCoded("\x41\x01")));
+        QCOMPARE(recorder.packets.size(), 2);
+    }
+
+    void socketDeletedFirstIsHarmless()
+    {
+        auto *socket = new FakeSocket;
+        RecordingSink decoder;
+        VideoDemuxer demuxer(socket, nullptr, &decoder);
+        socket->feed(h264Header() + packet(1, startCoded("\x41\x01")) + packet(2, startCoded("\x41\x01")).left(14));
+        delete socket;
+        demuxer.read();
+        QCOMPARE(decoder.packets.size(), 1);
+    }
+
+    void realH264Stream()
+    {
+        const int width = 320, height = 240, frames = 10;
+        QString error;
+        const QList<EncodedPacket> encoded = H264TestEncoder::encode(width, height, frames, &error);
+        QVERIFY2(!encoded.isEmpty(), qPrintable(error));
+        QCOMPARE(encoded.size(), frames + 1);
+
+        FakeSocket socket;
+        QStringList log;
+        RecordingSink recorder(QStringLiteral("recorder"), &log);
+        VideoDecoder decoder;
+        VideoDemuxer demuxer(&socket, &recorder, &decoder);
+        decoder.setDemuxer(&demuxer);
+        QList<QSize> sizes;
+        QList<int> formats;
+        connect(&decoder, &VideoDecoder::frameDecoded, this, [&](AVFrame *frame) {
+            log.append(QStringLiteral("frame"));
+            sizes.append(QSize(frame->width, frame->height));
+            formats.append(frame->format);
+        });
+
+        const QByteArray bytes = H264TestEncoder::stream(encoded, width, height);
+        // Arbitrary read sizes, as a socket delivers them.
+        for (int pos = 0; pos < bytes.size(); pos += 1400)
+            socket.feed(bytes.mid(pos, 1400));
+
+        QCOMPARE(sizes, QList<QSize>(frames, QSize(width, height)));
+        QCOMPARE(formats, QList<int>(frames, int(AV_PIX_FMT_YUV420P)));
+        QCOMPARE(recorder.packets.size(), frames + 1);
+        QCOMPARE(recorder.packets[0].pts, qint64(AV_NOPTS_VALUE));
+        QVERIFY(recorder.packets[1].key);
+        // The recorder is handed each packet before the decoder turns it into a picture.
+        QStringList expected{"recorder"};
+        for (int i = 0; i < frames; ++i)
+            expected << "recorder" << "frame";
+        QCOMPARE(log, expected);
+        QVERIFY(decoder.lastFrame());
+        QCOMPARE(decoder.lastFrame()->width, width);
+        QCOMPARE(decoder.lastFrame()->height, height);
+        QCOMPARE(decoder.lastFrame()->pts, encoded.last().pts);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestVideoDemuxer)
 #include "tst_videodemuxer.moc"

@@ -64,6 +64,14 @@ struct Picture
     {
         item->present(width, height, yData(), strideY, uData(), strideC, vData(), strideC);
     }
+    // A plane as the item must keep it: rows back to back, padding dropped.
+    static QByteArray packed(const QByteArray &plane, int stride, int rowLength, int rows)
+    {
+        QByteArray bytes;
+        for (int row = 0; row < rows; ++row)
+            bytes += plane.mid(qsizetype(row) * stride, rowLength);
+        return bytes;
+    }
     const uint8_t *yData() const { return reinterpret_cast<const uint8_t *>(y.constData()); }
     const uint8_t *uData() const { return reinterpret_cast<const uint8_t *>(u.constData()); }
     const uint8_t *vData() const { return reinterpret_cast<const uint8_t *>(v.constData()); }
@@ -92,20 +100,6 @@ class TestYuvFboItem : public QObject
 public:
     static void initMain() { QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL); }
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void blackWithoutPicture();
-    void quadrantsUpright_data();
-    void quadrantsUpright();
-    void clearFrameGivesBlack();
-    void invalidPresentChangesNothing_data();
-    void invalidPresentChangesNothing();
-    void texturesReallocatedOnlyOnSizeChange();
-    void planesPackedWithoutPadding_data();
-    void planesPackedWithoutPadding();
-
 private:
     QImage grab() { return m_window->grabWindow(); }
     // Colours at the centres of the item's four quadrants (top-left, top-right, bottom-left,
@@ -119,196 +113,154 @@ private:
         return {image.pixelColor(w / 4, h / 4), image.pixelColor(3 * w / 4, h / 4),
                 image.pixelColor(w / 4, 3 * h / 4), image.pixelColor(3 * w / 4, 3 * h / 4), below};
     }
-    void verifyQuadrants(Rgb topLeft = TopLeft)
+    void verifyQuadrants()
     {
         const QList<QColor> colours = quadrantColours();
-        const Rgb expected[5] = {topLeft, TopRight, BottomLeft, BottomRight, {255, 0, 255}};
+        const Rgb expected[5] = {TopLeft, TopRight, BottomLeft, BottomRight, {255, 0, 255}};
         for (int i = 0; i < 5; ++i)
             QVERIFY2(near(colours[i], expected[i]),
                      qPrintable(QStringLiteral("quadrant %1 is %2").arg(i).arg(describe(colours[i]))));
     }
+    void verifyBlack()
+    {
+        const QList<QColor> colours = quadrantColours();
+        for (int i = 0; i < 4; ++i)
+            QVERIFY2(near(colours[i], {0, 0, 0}, 0), qPrintable(describe(colours[i])));
+        QVERIFY2(near(colours[4], {255, 0, 255}, 0), qPrintable(describe(colours[4])));
+    }
 
     std::unique_ptr<QQuickWindow> m_window;
     YuvFboItem *m_item = nullptr;
-};
 
-void TestYuvFboItem::initTestCase()
-{
-    m_window = std::make_unique<QQuickWindow>();
-    m_window->resize(400, 600);
-    m_window->setColor(Qt::magenta);
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    QCOMPARE(m_window->rendererInterface()->graphicsApi(), QSGRendererInterface::OpenGL);
-}
+private slots:
+    void initTestCase()
+    {
+        m_window = std::make_unique<QQuickWindow>();
+        m_window->resize(400, 600);
+        m_window->setColor(Qt::magenta);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QCOMPARE(m_window->rendererInterface()->graphicsApi(), QSGRendererInterface::OpenGL);
+    }
 
-void TestYuvFboItem::init()
-{
-    // A fresh item per test, so each gets its own renderer and texture count.
-    m_item = new YuvFboItem(m_window->contentItem());
-    m_item->setSize(QSizeF(m_window->width(), m_window->height() - 200));
-}
+    void init()
+    {
+        // A fresh item per test, so each gets its own renderer and texture count.
+        m_item = new YuvFboItem(m_window->contentItem());
+        m_item->setSize(QSizeF(m_window->width(), m_window->height() - 200));
+    }
 
-void TestYuvFboItem::cleanup()
-{
-    delete m_item;
-    m_item = nullptr;
-}
+    void cleanup()
+    {
+        delete m_item;
+        m_item = nullptr;
+    }
 
-void TestYuvFboItem::blackWithoutPicture()
-{
-    const QList<QColor> colours = quadrantColours();
-    for (int i = 0; i < 4; ++i)
-        QVERIFY2(near(colours[i], {0, 0, 0}, 0), qPrintable(describe(colours[i])));
-    QVERIFY2(near(colours[4], {255, 0, 255}, 0), qPrintable(describe(colours[4])));
-    QCOMPARE(m_item->textureAllocations(), 0);
-}
+    void quadrantsUpright_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("padding");
+        QTest::newRow("721x1601 padded rows") << QSize(721, 1601) << 37;
+        QTest::newRow("33x17 packed rows") << QSize(33, 17) << 0;
+    }
 
-void TestYuvFboItem::quadrantsUpright_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("padding");
-    QTest::newRow("721x1601 padded rows") << QSize(721, 1601) << 37;
-    QTest::newRow("1080x2400 padded rows") << QSize(1080, 2400) << 72;
-    QTest::newRow("33x17 packed rows") << QSize(33, 17) << 0;
-    QTest::newRow("2400x1080 landscape") << QSize(2400, 1080) << 0;
-}
+    void quadrantsUpright()
+    {
+        QFETCH(QSize, size);
+        QFETCH(int, padding);
+        const Picture picture(size.width(), size.height(), padding);
+        picture.presentTo(m_item);
+        // Kept packed, every row whole, so a wrong stride anywhere shows in the copy.
+        const int cw = (size.width() + 1) / 2, ch = (size.height() + 1) / 2;
+        const YuvFrame frame = m_item->pendingFrame();
+        QVERIFY(m_item->hasNewFrame());
+        QCOMPARE(frame.width, size.width());
+        QCOMPARE(frame.height, size.height());
+        QCOMPARE(frame.strideY, size.width());
+        QCOMPARE(frame.strideU, cw);
+        QCOMPARE(frame.strideV, cw);
+        QCOMPARE(frame.planeY, Picture::packed(picture.y, picture.strideY, size.width(), size.height()));
+        QCOMPARE(frame.planeU, Picture::packed(picture.u, picture.strideC, cw, ch));
+        QCOMPARE(frame.planeV, Picture::packed(picture.v, picture.strideC, cw, ch));
+        verifyQuadrants();
+    }
 
-void TestYuvFboItem::quadrantsUpright()
-{
-    QFETCH(QSize, size);
-    QFETCH(int, padding);
-    Picture(size.width(), size.height(), padding).presentTo(m_item);
-    verifyQuadrants();
-}
+    void blackWithoutPictureAndAfterClearFrame()
+    {
+        verifyBlack();
+        QCOMPARE(m_item->textureAllocations(), 0);
+        Picture(721, 1601).presentTo(m_item);
+        verifyQuadrants();
+        m_item->clearFrame();
+        QCOMPARE(m_item->pendingFrame().width, 0);
+        QVERIFY(m_item->pendingFrame().planeY.isEmpty());
+        verifyBlack();
+        // ...until the next picture.
+        Picture(64, 64).presentTo(m_item);
+        verifyQuadrants();
+    }
 
-void TestYuvFboItem::clearFrameGivesBlack()
-{
-    Picture(721, 1601).presentTo(m_item);
-    verifyQuadrants();
-    m_item->clearFrame();
-    QCOMPARE(m_item->pendingFrame().width, 0);
-    QVERIFY(m_item->pendingFrame().planeY.isEmpty());
-    const QList<QColor> colours = quadrantColours();
-    for (int i = 0; i < 4; ++i)
-        QVERIFY2(near(colours[i], {0, 0, 0}, 0), qPrintable(describe(colours[i])));
-    // ...until the next picture.
-    Picture(64, 64).presentTo(m_item);
-    verifyQuadrants();
-}
+    void invalidPresentChangesNothing_data()
+    {
+        QTest::addColumn<int>("w");
+        QTest::addColumn<int>("h");
+        QTest::addColumn<int>("nullPlane"); // -1: none
+        QTest::newRow("null y") << 64 << 64 << 0;
+        QTest::newRow("null u") << 64 << 64 << 1;
+        QTest::newRow("null v") << 64 << 64 << 2;
+        QTest::newRow("zero width") << 0 << 64 << -1;
+        QTest::newRow("zero height") << 64 << 0 << -1;
+        QTest::newRow("negative width") << -8 << 64 << -1;
+    }
 
-void TestYuvFboItem::invalidPresentChangesNothing_data()
-{
-    QTest::addColumn<int>("w");
-    QTest::addColumn<int>("h");
-    QTest::addColumn<int>("nullPlane"); // -1: none
-    QTest::newRow("null y") << 64 << 64 << 0;
-    QTest::newRow("null u") << 64 << 64 << 1;
-    QTest::newRow("null v") << 64 << 64 << 2;
-    QTest::newRow("zero width") << 0 << 64 << -1;
-    QTest::newRow("zero height") << 64 << 0 << -1;
-    QTest::newRow("negative width") << -8 << 64 << -1;
-}
+    void invalidPresentChangesNothing()
+    {
+        QFETCH(int, w);
+        QFETCH(int, h);
+        QFETCH(int, nullPlane);
+        const Picture shown(721, 1601);
+        shown.presentTo(m_item);
+        verifyQuadrants();
+        const YuvFrame before = m_item->pendingFrame();
 
-void TestYuvFboItem::invalidPresentChangesNothing()
-{
-    QFETCH(int, w);
-    QFETCH(int, h);
-    QFETCH(int, nullPlane);
-    const Picture shown(721, 1601);
-    shown.presentTo(m_item);
-    verifyQuadrants();
-    const YuvFrame before = m_item->pendingFrame();
+        // A picture of other colours that must not replace the one on screen.
+        const Picture other(64, 64, 0, Rgb{255, 255, 255});
+        m_item->present(w, h, nullPlane == 0 ? nullptr : other.yData(), other.strideY,
+                        nullPlane == 1 ? nullptr : other.uData(), other.strideC,
+                        nullPlane == 2 ? nullptr : other.vData(), other.strideC);
+        const YuvFrame after = m_item->pendingFrame();
+        QCOMPARE(after.width, before.width);
+        QCOMPARE(after.height, before.height);
+        QCOMPARE(after.planeY, before.planeY);
+        QCOMPARE(after.planeV, before.planeV);
+        verifyQuadrants();
+    }
 
-    // A picture of other colours that must not replace the one on screen.
-    const Picture other(64, 64, 0, Rgb{255, 255, 255});
-    m_item->present(w, h, nullPlane == 0 ? nullptr : other.yData(), other.strideY,
-                    nullPlane == 1 ? nullptr : other.uData(), other.strideC,
-                    nullPlane == 2 ? nullptr : other.vData(), other.strideC);
-    const YuvFrame after = m_item->pendingFrame();
-    QCOMPARE(after.width, before.width);
-    QCOMPARE(after.height, before.height);
-    QCOMPARE(after.planeY, before.planeY);
-    QCOMPARE(after.planeV, before.planeV);
-    verifyQuadrants();
-}
-
-void TestYuvFboItem::texturesReallocatedOnlyOnSizeChange()
-{
-    Picture(1080, 2400).presentTo(m_item);
-    grab();
-    QCOMPARE(m_item->textureAllocations(), 3);
-    for (int i = 0; i < 3; ++i) {
-        Picture(1080, 2400, 8 * i).presentTo(m_item);
+    void texturesReallocatedOnlyOnSizeChange()
+    {
+        Picture(1080, 2400).presentTo(m_item);
         grab();
+        QCOMPARE(m_item->textureAllocations(), 3);
+        for (int i = 0; i < 3; ++i) {
+            Picture(1080, 2400, 8 * i).presentTo(m_item);
+            grab();
+        }
+        QCOMPARE(m_item->textureAllocations(), 3);
+
+        // Rotation: all three planes change size, once.
+        Picture(2400, 1080).presentTo(m_item);
+        verifyQuadrants();
+        QCOMPARE(m_item->textureAllocations(), 6);
+        Picture(2400, 1080).presentTo(m_item);
+        grab();
+        QCOMPARE(m_item->textureAllocations(), 6);
+
+        // 2400 -> 2399 wide: the chroma planes stay 1200 wide, only luma is reallocated.
+        Picture(2399, 1080).presentTo(m_item);
+        verifyQuadrants();
+        QCOMPARE(m_item->textureAllocations(), 7);
     }
-    QCOMPARE(m_item->textureAllocations(), 3);
-
-    // Rotation: all three planes change size, once.
-    Picture(2400, 1080).presentTo(m_item);
-    verifyQuadrants();
-    QCOMPARE(m_item->textureAllocations(), 6);
-    Picture(2400, 1080).presentTo(m_item);
-    grab();
-    QCOMPARE(m_item->textureAllocations(), 6);
-
-    // 2400 -> 2399 wide: the chroma planes stay 1200 wide, only luma is reallocated.
-    Picture(2399, 1080).presentTo(m_item);
-    verifyQuadrants();
-    QCOMPARE(m_item->textureAllocations(), 7);
-}
-
-void TestYuvFboItem::planesPackedWithoutPadding_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("strideY");
-    QTest::addColumn<int>("strideC");
-    QTest::addColumn<QSize>("chroma");
-    QTest::newRow("1080x2400, strides 1152/576") << QSize(1080, 2400) << 1152 << 576 << QSize(540, 1200);
-    QTest::newRow("1080x2400, packed") << QSize(1080, 2400) << 1080 << 540 << QSize(540, 1200);
-    QTest::newRow("721x1601 odd") << QSize(721, 1601) << 768 << 384 << QSize(361, 801);
-}
-
-void TestYuvFboItem::planesPackedWithoutPadding()
-{
-    QFETCH(QSize, size);
-    QFETCH(int, strideY);
-    QFETCH(int, strideC);
-    QFETCH(QSize, chroma);
-    // Every byte distinct by position, padding bytes marked, so a wrong stride shows in the copy.
-    auto makePlane = [](int stride, int rows) {
-        QByteArray plane(qsizetype(stride) * rows, '\0');
-        for (qsizetype i = 0; i < plane.size(); ++i)
-            plane[i] = char((i * 7 + i / stride) & 0xFF);
-        return plane;
-    };
-    const QByteArray y = makePlane(strideY, size.height());
-    const QByteArray u = makePlane(strideC, chroma.height());
-    const QByteArray v = makePlane(strideC, chroma.height());
-    m_item->present(size.width(), size.height(), reinterpret_cast<const uint8_t *>(y.constData()), strideY,
-                    reinterpret_cast<const uint8_t *>(u.constData()), strideC,
-                    reinterpret_cast<const uint8_t *>(v.constData()), strideC);
-
-    const YuvFrame frame = m_item->pendingFrame();
-    QVERIFY(m_item->hasNewFrame());
-    QCOMPARE(frame.width, size.width());
-    QCOMPARE(frame.height, size.height());
-    QCOMPARE(frame.strideY, size.width());
-    QCOMPARE(frame.strideU, chroma.width());
-    QCOMPARE(frame.strideV, chroma.width());
-    QCOMPARE(frame.planeY.size(), qsizetype(size.width()) * size.height());
-    QCOMPARE(frame.planeU.size(), qsizetype(chroma.width()) * chroma.height());
-    QCOMPARE(frame.planeV.size(), qsizetype(chroma.width()) * chroma.height());
-    for (int row : {0, 1, size.height() - 1})
-        QCOMPARE(frame.planeY.mid(qsizetype(row) * size.width(), size.width()),
-                 y.mid(qsizetype(row) * strideY, size.width()));
-    for (int row : {0, 1, chroma.height() - 1}) {
-        QCOMPARE(frame.planeU.mid(qsizetype(row) * chroma.width(), chroma.width()),
-                 u.mid(qsizetype(row) * strideC, chroma.width()));
-        QCOMPARE(frame.planeV.mid(qsizetype(row) * chroma.width(), chroma.width()),
-                 v.mid(qsizetype(row) * strideC, chroma.width()));
-    }
-}
+};
 
 QTEST_MAIN(TestYuvFboItem)
 #include "tst_yuvfboitem.moc"

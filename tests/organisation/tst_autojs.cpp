@@ -57,12 +57,10 @@ private slots:
     void headerCarriesTheBodyLength();
     void replyFraming_data();
     void replyFraming();
-    void runSendsTheScript();
-    void stopSendsStopAll();
+    void runSendsTheScriptAndStopSendsStopAll();
+    void failuresReport_data();
+    void failuresReport();
     void stopWithoutRunStillClearsTheFlag();
-    void failedForwardReportsAndChangesNothing();
-    void refusedConnectionReportsAndChangesNothing();
-    void missingScriptReports();
     void runDoesNotWaitForTheConnection();
     void phoneMessages();
 
@@ -71,6 +69,7 @@ private:
     void startServer(Device &device);
     QTcpSocket *waitForPeer();
     QByteArray readFromPeer(QTcpSocket *peer, int commands);
+    QString script(const QString &name, const QByteArray &text = {});
 
     FakeAdb m_adb;
     QTemporaryDir m_dir;
@@ -112,6 +111,12 @@ QByteArray TestAutojs::readFromPeer(QTcpSocket *peer, int commands)
     return bytes;
 }
 
+QString TestAutojs::script(const QString &name, const QByteArray &text)
+{
+    QFile file(m_dir.filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() ? file.fileName() : QString();
+}
+
 void TestAutojs::headerCarriesTheBodyLength()
 {
     // Find a script length that makes the body exactly 1234 bytes.
@@ -138,14 +143,13 @@ void TestAutojs::replyFraming_data()
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<int>("left");
     const QByteArray hello = reply(1, R"({"type":"hello"})");
-    QTest::newRow("whole") << hello << int(AutojsProtocol::Take::Message) << QByteArray(R"({"type":"hello"})") << 0;
-    QTest::newRow("header only") << hello.left(8) << int(AutojsProtocol::Take::Incomplete) << QByteArray() << 8;
-    QTest::newRow("seven bytes") << hello.left(7) << int(AutojsProtocol::Take::Incomplete) << QByteArray() << 7;
-    QTest::newRow("one short") << hello.chopped(1) << int(AutojsProtocol::Take::Incomplete) << QByteArray()
-                               << int(hello.size() - 1);
-    QTest::newRow("two at once") << hello + reply(2, "xy") << int(AutojsProtocol::Take::Message)
-                                 << QByteArray(R"({"type":"hello"})") << 10;
-    QTest::newRow("empty body") << reply(1, {}) << int(AutojsProtocol::Take::Message) << QByteArray() << 0;
+    const int message = int(AutojsProtocol::Take::Message);
+    const int incomplete = int(AutojsProtocol::Take::Incomplete);
+    QTest::newRow("whole") << hello << message << QByteArray(R"({"type":"hello"})") << 0;
+    QTest::newRow("header cut") << hello.left(7) << incomplete << QByteArray() << 7;
+    QTest::newRow("body one short") << hello.chopped(1) << incomplete << QByteArray() << int(hello.size() - 1);
+    QTest::newRow("two at once") << hello + reply(2, "xy") << message << QByteArray(R"({"type":"hello"})") << 10;
+    QTest::newRow("empty body") << reply(1, {}) << message << QByteArray() << 0;
     QTest::newRow("oversized length") << QByteArray::fromHex("FFFFFFFF00000001") + "abc"
                                       << int(AutojsProtocol::Take::Garbage) << QByteArray() << 11;
 }
@@ -163,23 +167,20 @@ void TestAutojs::replyFraming()
     QCOMPARE(buffer.size(), left);
 }
 
-void TestAutojs::runSendsTheScript()
+void TestAutojs::runSendsTheScriptAndStopSendsStopAll()
 {
     Device device(nullptr, nullptr, "S1");
     startServer(device);
-    const QString path = m_dir.filePath("farm.task.js");
-    QFile script(path);
-    QVERIFY(script.open(QIODevice::WriteOnly));
     const QByteArray text = "// 农场\nauto.waitFor();\nclick(100, 200);\n";
-    script.write(text);
-    script.close();
+    const QString path = script("farm.task.js", text);
 
     QSignalSpy messages(&device, &Device::deviceMessage);
     QSignalSpy running(&device, &Device::isRunningAutojsChanged);
     device.runAutojs(path);
     QTcpSocket *peer = waitForPeer();
     QVERIFY(peer);
-    const QList<Command> commands = readCommands(readFromPeer(peer, 1));
+    QByteArray bytes = readFromPeer(peer, 1);
+    QList<Command> commands = readCommands(bytes);
     QCOMPARE(commands.size(), 1);
 
     const quint16 port = device.autojs()->localPort();
@@ -199,30 +200,53 @@ void TestAutojs::runSendsTheScript()
     QCOMPARE(running.count(), 1);
     QCOMPARE(messages.count(), 1);
     QCOMPARE(messages[0], (QVariantList{"AutoJS script started", "info", 2000}));
-}
 
-void TestAutojs::stopSendsStopAll()
-{
-    Device device(nullptr, nullptr, "S1");
-    startServer(device);
-    const QString path = m_dir.filePath("a.js");
-    QFile script(path);
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.close();
-    device.runAutojs(path);
-    QTcpSocket *peer = waitForPeer();
-    QVERIFY(peer);
-    QTRY_VERIFY(device.autojs()->isRunning());
-
-    QSignalSpy running(device.autojs(), &Autojs::runningStatusChanged);
+    QSignalSpy status(device.autojs(), &Autojs::runningStatusChanged);
     device.stopAutojs();
     QVERIFY(!device.autojs()->isRunning());
-    QCOMPARE(running.count(), 1);
-    const QList<Command> commands = readCommands(readFromPeer(peer, 2));
+    QCOMPARE(status.count(), 1);
+    commands = readCommands(bytes + readFromPeer(peer, 1));
     QCOMPARE(commands.size(), 2);
-    const QJsonObject data = commands[1].message.value("data").toObject();
-    QCOMPARE(data, (QJsonObject{{"command", "stopAll"}}));
+    QCOMPARE(commands[1].message.value("data").toObject(), (QJsonObject{{"command", "stopAll"}}));
     QCOMPARE(commands[1].message.value("type").toString(), QString("command"));
+}
+
+void TestAutojs::failuresReport_data()
+{
+    QTest::addColumn<bool>("forwardFails");
+    QTest::addColumn<bool>("listening");
+    QTest::addColumn<bool>("scriptExists");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("forward fails") << true << true << true << "Failed to connect to AutoJS server";
+    QTest::newRow("nothing listens") << false << false << true << "Failed to connect to AutoJS server";
+    QTest::newRow("missing script") << false << true << false << "Failed to open AutoJS script file";
+}
+
+void TestAutojs::failuresReport()
+{
+    QFETCH(bool, forwardFails);
+    QFETCH(bool, listening);
+    QFETCH(bool, scriptExists);
+    QFETCH(QString, message);
+    if (forwardFails)
+        m_adb.addRule("-s S1 forward *", 1, {}, "error: device offline\\n");
+    Device device(nullptr, nullptr, "S1");
+    if (listening)
+        startServer(device);
+    QSignalSpy messages(&device, &Device::deviceMessage);
+    QSignalSpy running(&device, &Device::isRunningAutojsChanged);
+    device.runAutojs(scriptExists ? script("a.js") : m_dir.filePath("missing.js"));
+    // A failed forward is known at once; the rest once the connection has been tried.
+    if (forwardFails)
+        QCOMPARE(messages.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 5000);
+    QCOMPARE(messages[0], (QVariantList{message, "error", 5000}));
+    QTest::qWait(50);
+    QCOMPARE(messages.count(), 1);
+    QCOMPARE(running.count(), 0);
+    QVERIFY(!device.autojs()->isRunning());
+    if (forwardFails)
+        QVERIFY(!m_server->hasPendingConnections());
 }
 
 void TestAutojs::stopWithoutRunStillClearsTheFlag()
@@ -235,55 +259,11 @@ void TestAutojs::stopWithoutRunStillClearsTheFlag()
     QVERIFY(m_adb.calls().isEmpty());
 }
 
-void TestAutojs::failedForwardReportsAndChangesNothing()
-{
-    m_adb.addRule("-s S1 forward *", 1, {}, "error: device offline\\n");
-    Device device(nullptr, nullptr, "S1");
-    startServer(device);
-    QSignalSpy messages(&device, &Device::deviceMessage);
-    QSignalSpy running(&device, &Device::isRunningAutojsChanged);
-    device.runAutojs(m_dir.filePath("a.js"));
-    QCOMPARE(messages.count(), 1);
-    QCOMPARE(messages[0], (QVariantList{"Failed to connect to AutoJS server", "error", 5000}));
-    QTest::qWait(50);
-    QVERIFY(!m_server->hasPendingConnections());
-    QCOMPARE(running.count(), 0);
-    QVERIFY(!device.autojs()->isRunning());
-}
-
-void TestAutojs::refusedConnectionReportsAndChangesNothing()
-{
-    // Nothing listens on the forwarded port.
-    Device device(nullptr, nullptr, "S1");
-    QSignalSpy messages(&device, &Device::deviceMessage);
-    QSignalSpy running(&device, &Device::isRunningAutojsChanged);
-    device.runAutojs(m_dir.filePath("a.js"));
-    QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 5000);
-    QCOMPARE(messages[0], (QVariantList{"Failed to connect to AutoJS server", "error", 5000}));
-    QTest::qWait(50);
-    QCOMPARE(messages.count(), 1);
-    QCOMPARE(running.count(), 0);
-}
-
-void TestAutojs::missingScriptReports()
-{
-    Device device(nullptr, nullptr, "S1");
-    startServer(device);
-    QSignalSpy messages(&device, &Device::deviceMessage);
-    device.runAutojs(m_dir.filePath("missing.js"));
-    QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 5000);
-    QCOMPARE(messages[0], (QVariantList{"Failed to open AutoJS script file", "error", 5000}));
-    QVERIFY(!device.autojs()->isRunning());
-}
-
 void TestAutojs::runDoesNotWaitForTheConnection()
 {
     Device device(nullptr, nullptr, "S1");
     startServer(device);
-    const QString path = m_dir.filePath("b.js");
-    QFile script(path);
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.close();
+    const QString path = script("b.js");
     QSignalSpy messages(&device, &Device::deviceMessage);
     device.runAutojs(path);
     // run() has returned before the connection could be made: the outcome follows from the event loop.
@@ -301,45 +281,34 @@ void TestAutojs::phoneMessages()
 {
     Device device(nullptr, nullptr, "S1");
     startServer(device);
-    const QString path = m_dir.filePath("c.js");
-    QFile script(path);
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.close();
-    device.runAutojs(path);
+    device.runAutojs(script("c.js"));
     QTcpSocket *peer = waitForPeer();
     QVERIFY(peer);
     QTRY_VERIFY(device.autojs()->isRunning());
     QSignalSpy received(device.autojs(), &Autojs::messageReceived);
+    const auto send = [peer](const QByteArray &bytes) {
+        peer->write(bytes);
+        peer->flush();
+        QTest::qWait(100);
+    };
 
     // Split over two reads: handled once the second part is there.
     const QByteArray hello = reply(1, R"({"type":"hello","data":{"app_version":"4.1.1"}})");
-    peer->write(hello.left(5));
-    peer->flush();
-    QTest::qWait(100);
+    send(hello.left(5));
     QCOMPARE(received.count(), 0);
-    peer->write(hello.mid(5));
-    peer->flush();
+    send(hello.mid(5));
     QTRY_COMPARE_WITH_TIMEOUT(received.count(), 1, 5000);
     QCOMPARE(received[0][0].toJsonObject().value("type").toString(), QString("hello"));
 
     // Other types, broken JSON and JSON that is not an object reach nobody.
-    peer->write(reply(2, "binary"));
-    peer->flush();
-    QTest::qWait(100);
-    peer->write(reply(1, "{not json"));
-    peer->flush();
-    QTest::qWait(100);
-    peer->write(reply(1, "[1,2]"));
-    peer->flush();
-    QTest::qWait(100);
+    send(reply(2, "binary"));
+    send(reply(1, "{not json"));
+    send(reply(1, "[1,2]"));
     QCOMPARE(received.count(), 1);
 
     // An absurd length is dropped, and the next message is read again.
-    peer->write(QByteArray::fromHex("7FFFFFFF00000001") + "garbage");
-    peer->flush();
-    QTest::qWait(100);
-    peer->write(reply(1, R"({"type":"log","data":{"log":"x"}})"));
-    peer->flush();
+    send(QByteArray::fromHex("7FFFFFFF00000001") + "garbage");
+    send(reply(1, R"({"type":"log","data":{"log":"x"}})"));
     QTRY_COMPARE_WITH_TIMEOUT(received.count(), 2, 5000);
     QCOMPARE(received[1][0].toJsonObject().value("type").toString(), QString("log"));
     QVERIFY(device.autojs()->isRunning());

@@ -114,7 +114,6 @@ private slots:
         QTest::newRow("corrupt") << QByteArray("{\"device_groups\": [ {\"name\": \"Ra") << QStringList{"Default Group"}
                                  << true;
         QTest::newRow("empty file") << QByteArray() << QStringList{"Default Group"} << true;
-        QTest::newRow("binary garbage") << QByteArray("\x00\xff\xfe{{[", 6) << QStringList{"Default Group"} << true;
         QTest::newRow("top-level array") << QByteArray("[" + good + "]") << QStringList{"Default Group"} << true;
         QTest::newRow("groups not an array") << QByteArray(R"({"device_groups":{"name":"Rack"}})")
                                              << QStringList{"Default Group"} << true;
@@ -149,33 +148,41 @@ private slots:
     {
         writeFile(R"({"device_groups":[
             {"name":"No settings"},
-            {"name":"No width","settings":{"maxSize":1080,"enableAudio":true,"orientation":1}},
+            {"name":"No width","settings":{"maxSize":1080,"enableAudio":true,"orientation":1,"clickDelaySeconds":7}},
             {"name":"Wrong types","settings":{"maxSize":"big","cellWidth":[],"showControlButtons":"no","bigViewWidth":1200}},
-            {"name":"Settings not an object","settings":5}
+            {"name":"Settings not an object","settings":5},
+            {"name":"Odd values","settings":{"bigViewWidth":"800","showControlButtons":0,"cellWidth":null,"maxFPS":true}}
         ]})");
         DeviceGroupManager manager;
         const QList<DeviceGroup *> groups = manager.deviceGroups();
-        QCOMPARE(groups.size(), 4);
+        QCOMPARE(groups.size(), 5);
         QCOMPARE(groups.at(0)->bigViewWidth(), 400);
         QCOMPARE(groups.at(0)->settingsToJson(), kConstructorDefaults);
         QCOMPARE(groups.at(1)->bigViewWidth(), 960);
         QCOMPARE(groups.at(1)->maxSize(), 1080);
         QVERIFY(groups.at(1)->enableAudio());
         QCOMPARE(groups.at(1)->orientation(), DeviceGroup::Landscape);
+        QCOMPARE(groups.at(1)->clickDelaySeconds(), 7);
+        QCOMPARE(groups.at(1)->bitRate(), 4000000);
         QCOMPARE(groups.at(2)->maxSize(), 720);
         QCOMPARE(groups.at(2)->cellWidth(), 220);
         QVERIFY(groups.at(2)->showControlButtons());
         QCOMPARE(groups.at(2)->bigViewWidth(), 1200);
         QCOMPARE(groups.at(3)->bigViewWidth(), 960);
+        QCOMPARE(groups.at(4)->bigViewWidth(), 960);
+        QVERIFY(groups.at(4)->showControlButtons());
+        QCOMPARE(groups.at(4)->cellWidth(), 220);
+        QCOMPARE(groups.at(4)->maxFPS(), 30);
 
         // The next save writes every group back in full, in the same order.
         groups.at(0)->setCellWidth(300);
         const QJsonArray saved = fileGroups();
-        QCOMPARE(saved.size(), 4);
+        QCOMPARE(saved.size(), 5);
         QCOMPARE(saved.at(0).toObject().value("settings").toObject().value("cellWidth").toInt(), 300);
         QCOMPARE(saved.at(1).toObject().value("settings").toObject().value("bigViewWidth").toInt(), 960);
         QCOMPARE(saved.at(2).toObject().value("settings").toObject().value("bigViewWidth").toInt(), 1200);
         QCOMPARE(saved.at(3).toObject().value("name").toString(), QString("Settings not an object"));
+        QCOMPARE(saved.at(4).toObject().value("settings").toObject().size(), 12);
     }
 
     void renameSavesAndAnnouncesSettingsOnlySave()
@@ -256,9 +263,7 @@ private slots:
         m_adb.addRule("devices -l", 0, kThreePhones);
         DeviceGroupManager manager;
         DeviceGroup *group = manager.deviceGroups().first();
-        ADBDeviceInfo b;
-        b.adb_serial = "B";
-        QVERIFY(group->addDevices({b}));
+        QVERIFY(group->addDevices({ADBDeviceInfo{"B"}}));
         QTRY_COMPARE(group->deviceCount(), 1);
         QCOMPARE(manager.totalDeviceCount(), 1);
 
@@ -285,9 +290,7 @@ private slots:
         DeviceGroupManager manager;
         manager.createDeviceGroup("Other");
         DeviceGroup *other = manager.deviceGroups().at(1);
-        ADBDeviceInfo a;
-        a.adb_serial = "A";
-        other->addDevices({a});
+        other->addDevices({ADBDeviceInfo{"A"}});
         QTRY_COMPARE(serialsOf(manager.availableDeviceInfos()), (QStringList{"B", "192.168.0.9:5555"}));
 
         other->devices().first()->removeFromDeviceGroup();
@@ -301,24 +304,7 @@ private slots:
 
     void failedScanKeepsTheOfferAndReports()
     {
-        m_adb.addRule("devices -l", 0, kThreePhones);
-        DeviceGroupManager manager;
-        manager.scanDevices();
-        QTRY_COMPARE(manager.availableDeviceInfos().size(), 3);
-
-        m_adb.clear();
-        m_adb.addRule("devices -l", 1, "", "adb: cannot connect to daemon\\n");
-        QSignalSpy errors(&manager, &DeviceGroupManager::scanError);
-        QSignalSpy scanning(&manager, &DeviceGroupManager::isScanningChanged);
-        manager.scanDevices();
-        QTRY_COMPARE(errors.count(), 1);
-        QVERIFY(errors.at(0).at(0).toString().contains("cannot connect to daemon"));
-        QTRY_COMPARE(scanning.count(), 2);
-        QCOMPARE(manager.availableDeviceInfos().size(), 3);
-    }
-
-    void twoScansInARowEndOnce()
-    {
+        // Two scans in a row end once.
         m_adb.addRule("devices -l", 0, kThreePhones, {}, 0.2);
         DeviceGroupManager manager;
         QSignalSpy scanning(&manager, &DeviceGroupManager::isScanningChanged);
@@ -327,6 +313,16 @@ private slots:
         QTRY_VERIFY(!manager.isScanning());
         QCOMPARE(scanning.count(), 2);
         QTRY_COMPARE(manager.availableDeviceInfos().size(), 3);
+
+        m_adb.clear();
+        m_adb.addRule("devices -l", 1, "", "adb: cannot connect to daemon\\n");
+        QSignalSpy errors(&manager, &DeviceGroupManager::scanError);
+        scanning.clear();
+        manager.scanDevices();
+        QTRY_COMPARE(errors.count(), 1);
+        QVERIFY(errors.at(0).at(0).toString().contains("cannot connect to daemon"));
+        QTRY_COMPARE(scanning.count(), 2);
+        QCOMPARE(manager.availableDeviceInfos().size(), 3);
     }
 
     void restartAdbServer_data()

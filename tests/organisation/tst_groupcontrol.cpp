@@ -24,25 +24,15 @@ private:
     PhoneSimProcess *phone(int row) const { return m_fixture->phones().at(row).get(); }
     Device *device(int row) const { return m_group->devices().at(row); }
 
-    // The touches a phone has read from its control socket since `since` (ms since the epoch).
-    static QList<QJsonObject> touchesSince(const PhoneSimProcess *phone, qint64 since)
+    // The control messages of one type a phone has read since `since` (ms since the epoch).
+    static QList<QJsonObject> readSince(const PhoneSimProcess *phone, const QString &type, qint64 since)
     {
-        QList<QJsonObject> touches;
+        QList<QJsonObject> found;
         for (const QJsonObject &line : phone->journal("control")) {
-            if (line.value("type").toString() == "InjectTouchEvent" && qint64(line.value("time").toDouble()) >= since)
-                touches.append(line);
+            if (line.value("type").toString() == type && qint64(line.value("time").toDouble()) >= since)
+                found.append(line);
         }
-        return touches;
-    }
-
-    static QList<QJsonObject> keysSince(const PhoneSimProcess *phone, qint64 since)
-    {
-        QList<QJsonObject> keys;
-        for (const QJsonObject &line : phone->journal("control")) {
-            if (line.value("type").toString() == "InjectKeycode" && qint64(line.value("time").toDouble()) >= since)
-                keys.append(line);
-        }
-        return keys;
+        return found;
     }
 
 public:
@@ -147,8 +137,8 @@ private slots:
 
         const QList<QPoint> expected{{540, 1200}, {360, 800}, {540, 1168}, {720, 1600}};
         for (int row = 0; row < 4; ++row) {
-            QTRY_COMPARE_WITH_TIMEOUT(touchesSince(phone(row), sentAt).size(), 2, 10000);
-            const QList<QJsonObject> touches = touchesSince(phone(row), sentAt);
+            QTRY_COMPARE_WITH_TIMEOUT(readSince(phone(row), "InjectTouchEvent", sentAt).size(), 2, 10000);
+            const QList<QJsonObject> touches = readSince(phone(row), "InjectTouchEvent", sentAt);
             for (const QJsonObject &touch : touches) {
                 QCOMPARE(QPoint(touch.value("x").toInt(), touch.value("y").toInt()), expected.at(row));
                 QCOMPARE(QSize(touch.value("screenWidth").toInt(), touch.value("screenHeight").toInt()),
@@ -170,17 +160,17 @@ private slots:
         const qint64 since = QDateTime::currentMSecsSinceEpoch();
         device(0)->controller()->actionHome();
         for (int row = 0; row < 4; ++row) {
-            QTRY_COMPARE_WITH_TIMEOUT(keysSince(phone(row), since).size(), 2, 10000);
-            QCOMPARE(keysSince(phone(row), since).at(0).value("keycode").toInt(), 3);
+            QTRY_COMPARE_WITH_TIMEOUT(readSince(phone(row), "InjectKeycode", since).size(), 2, 10000);
+            QCOMPARE(readSince(phone(row), "InjectKeycode", since).at(0).value("keycode").toInt(), 3);
         }
 
         // A phone that is not the host only drives itself.
         const qint64 later = QDateTime::currentMSecsSinceEpoch();
         device(2)->controller()->actionBack();
-        QTRY_COMPARE_WITH_TIMEOUT(keysSince(phone(2), later).size(), 2, 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(readSince(phone(2), "InjectKeycode", later).size(), 2, 10000);
         QTest::qWait(1200);
         for (int row : {0, 1, 3})
-            QCOMPARE(keysSince(phone(row), later).size(), 0);
+            QCOMPARE(readSince(phone(row), "InjectKeycode", later).size(), 0);
     }
 
     void stopAllLeavesEveryPhoneStoppedAndListed()

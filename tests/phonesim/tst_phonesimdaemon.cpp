@@ -20,288 +20,231 @@
 namespace {
 constexpr quint16 AdbServerPort = 15102;
 constexpr quint32 HostMaxPayload = 4096;
-
-QByteArray header(quint32 command, quint32 arg0, quint32 arg1, quint32 length, quint32 magic)
-{
-    QByteArray bytes(24, '\0');
-    qToLittleEndian<quint32>(command, bytes.data());
-    qToLittleEndian<quint32>(arg0, bytes.data() + 4);
-    qToLittleEndian<quint32>(arg1, bytes.data() + 8);
-    qToLittleEndian<quint32>(length, bytes.data() + 12);
-    qToLittleEndian<quint32>(0, bytes.data() + 16);
-    qToLittleEndian<quint32>(magic, bytes.data() + 20);
-    return bytes;
-}
-
-QByteArray hostConnect()
-{
-    return AdbMessage::encode(AdbMessage::Cnxn, 0x01000001, HostMaxPayload, "host::features=shell_v2");
-}
 }
 
 class TestPhoneSimDaemon : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void init();
-    void cleanup();
-
-    void answersConnectWithBanner();
-    void malformedInputDropsOnlyThatConnection_data();
-    void malformedInputDropsOnlyThatConnection();
-    void oneWriteInFlightPerStream();
-    void unknownServiceIsRefused();
-    void reverseHookCarriesBytesBothWays();
-    void reverseToClosedPortReportsClosed();
-
-private:
-    // Reads messages from a raw socket until one arrives or the time runs out.
-    bool readMessage(QTcpSocket &socket, QByteArray &buffer, AdbMessage *message, int timeoutMs = 5000);
-    bool handshake(QTcpSocket &socket, QByteArray &buffer, AdbMessage *reply);
-
     QTemporaryDir m_dir;
     std::unique_ptr<Phone> m_phone;
     std::unique_ptr<AdbDaemon> m_daemon;
     quint16 m_port = 0;
-};
 
-void TestPhoneSimDaemon::init()
-{
-    PhoneProfile profile;
-    m_port = PhoneSimProcess::freePort();
-    profile.serial = QString("127.0.0.1:%1").arg(m_port);
-    profile.model = "Redmi Note 9";
-    profile.manufacturer = "Xiaomi";
-    profile.product = "merlin";
-    profile.device = "merlin";
-    profile.androidVersion = "11";
-    profile.sdk = 30;
-    profile.screenSize = QSize(1080, 2340);
-    profile.wifiAddress = "127.0.0.99";
-    profile.dataDir = m_dir.path() + "/" + QTest::currentTestFunction();
-    m_phone = std::make_unique<Phone>(profile);
-    m_daemon = std::make_unique<AdbDaemon>(m_phone.get(), m_port);
-    QString error;
-    QVERIFY2(m_daemon->start(&error), qPrintable(error));
-}
-
-void TestPhoneSimDaemon::cleanup()
-{
-    if (QByteArray(QTest::currentTestFunction()).startsWith("reverse"))
-        AdbRunner(AdbServerPort).killServer();
-    m_daemon.reset();
-    m_phone.reset();
-}
-
-bool TestPhoneSimDaemon::readMessage(QTcpSocket &socket, QByteArray &buffer, AdbMessage *message, int timeoutMs)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < timeoutMs) {
-        buffer += socket.readAll();
-        const auto result = AdbMessage::parse(buffer, 16 * 1024 * 1024, message);
-        if (result == AdbMessage::ParseResult::Complete)
-            return true;
-        if (result == AdbMessage::ParseResult::Malformed || socket.state() != QAbstractSocket::ConnectedState)
-            return false;
-        QTest::qWait(5);
-    }
-    return false;
-}
-
-bool TestPhoneSimDaemon::handshake(QTcpSocket &socket, QByteArray &buffer, AdbMessage *reply)
-{
-    socket.connectToHost(QHostAddress::LocalHost, m_port);
-    if (!socket.waitForConnected(3000))
+    // Reads messages from a raw socket until one arrives or the time runs out.
+    bool readMessage(QTcpSocket &socket, QByteArray &buffer, AdbMessage *message, int timeoutMs = 5000)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < timeoutMs) {
+            buffer += socket.readAll();
+            const auto result = AdbMessage::parse(buffer, 16 * 1024 * 1024, message);
+            if (result == AdbMessage::ParseResult::Complete)
+                return true;
+            if (result == AdbMessage::ParseResult::Malformed || socket.state() != QAbstractSocket::ConnectedState)
+                return false;
+            QTest::qWait(5);
+        }
         return false;
-    socket.write(hostConnect());
-    return readMessage(socket, buffer, reply) && reply->command == AdbMessage::Cnxn;
-}
-
-void TestPhoneSimDaemon::answersConnectWithBanner()
-{
-    QTcpSocket socket;
-    QByteArray buffer;
-    AdbMessage reply;
-    QVERIFY(handshake(socket, buffer, &reply));
-    QCOMPARE(reply.arg0, quint32(0x01000001));
-    QCOMPARE(reply.arg1, quint32(1024 * 1024));
-    QVERIFY2(reply.data.startsWith("device::ro.product.name=merlin;ro.product.model=Redmi Note 9;"
-                                   "ro.product.device=merlin;features="),
-             reply.data.constData());
-    QVERIFY(reply.data.contains("shell_v2"));
-}
-
-void TestPhoneSimDaemon::malformedInputDropsOnlyThatConnection_data()
-{
-    QTest::addColumn<bool>("afterHandshake");
-    QTest::addColumn<QByteArray>("bytes");
-
-    QTest::newRow("bad magic") << true << header(AdbMessage::Open, 1, 0, 0, 0x12345678);
-    QTest::newRow("huge length") << true << header(AdbMessage::Wrte, 1, 1, 64 * 1024 * 1024, AdbMessage::Wrte ^ 0xffffffffu);
-    QTest::newRow("unknown command") << true << header(0x5a5a5a5a, 0, 0, 0, 0x5a5a5a5a ^ 0xffffffffu);
-    QTest::newRow("garbage first") << false << QByteArray("GET / HTTP/1.1\r\nHost: localhost\r\n\r\n");
-    QTest::newRow("open before connect") << false << AdbMessage::encode(AdbMessage::Open, 1, 0, "shell:ls");
-}
-
-void TestPhoneSimDaemon::malformedInputDropsOnlyThatConnection()
-{
-    QFETCH(bool, afterHandshake);
-    QFETCH(QByteArray, bytes);
-
-    QTcpSocket bystander;
-    QByteArray bystanderBuffer;
-    AdbMessage reply;
-    QVERIFY(handshake(bystander, bystanderBuffer, &reply));
-
-    QTcpSocket victim;
-    QByteArray buffer;
-    if (afterHandshake) {
-        QVERIFY(handshake(victim, buffer, &reply));
-    } else {
-        victim.connectToHost(QHostAddress::LocalHost, m_port);
-        QVERIFY(victim.waitForConnected(3000));
     }
-    victim.write(bytes);
-    QTRY_COMPARE_WITH_TIMEOUT(victim.state(), QAbstractSocket::UnconnectedState, 5000);
 
-    // The connection that behaved still works, and a new one gets CNXN.
-    QCOMPARE(bystander.state(), QAbstractSocket::ConnectedState);
-    bystander.write(AdbMessage::encode(AdbMessage::Open, 7, 0, QByteArray("shell:echo alive", 17)));
-    QVERIFY(readMessage(bystander, bystanderBuffer, &reply));
-    QCOMPARE(reply.command, quint32(AdbMessage::Okay));
-    QVERIFY(readMessage(bystander, bystanderBuffer, &reply));
-    QCOMPARE(reply.command, quint32(AdbMessage::Wrte));
-    QCOMPARE(reply.data, QByteArray("alive\n"));
-
-    QTcpSocket newcomer;
-    QByteArray newcomerBuffer;
-    QVERIFY(handshake(newcomer, newcomerBuffer, &reply));
-}
-
-void TestPhoneSimDaemon::oneWriteInFlightPerStream()
-{
-    QTcpSocket socket;
-    QByteArray buffer;
-    AdbMessage reply;
-    QVERIFY(handshake(socket, buffer, &reply));
-    socket.write(AdbMessage::encode(AdbMessage::Open, 5, 0, QByteArray("tcp:7", 6)));
-    QVERIFY(readMessage(socket, buffer, &reply));
-    QCOMPARE(reply.command, quint32(AdbMessage::Okay));
-    const quint32 phoneId = reply.arg0;
-
-    // Three full chunks into the echo service; the phone acknowledges each one.
-    QByteArray sent;
-    for (int i = 0; i < 3; ++i) {
-        const QByteArray chunk(int(HostMaxPayload), char('a' + i));
-        sent += chunk;
-        socket.write(AdbMessage::encode(AdbMessage::Wrte, 5, phoneId, chunk));
+    bool handshake(QTcpSocket &socket, QByteArray &buffer, AdbMessage *reply)
+    {
+        socket.connectToHost(QHostAddress::LocalHost, m_port);
+        if (!socket.waitForConnected(3000))
+            return false;
+        socket.write(AdbMessage::encode(AdbMessage::Cnxn, 0x01000001, HostMaxPayload, "host::features=shell_v2"));
+        return readMessage(socket, buffer, reply) && reply->command == AdbMessage::Cnxn;
     }
-    QByteArray echoed;
-    int okays = 0;
-    int writes = 0;
-    // Without our OKAY the phone must not send a second WRTE.
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < 500) {
-        if (!readMessage(socket, buffer, &reply, 100))
-            continue;
-        if (reply.command == AdbMessage::Okay)
-            ++okays;
-        if (reply.command == AdbMessage::Wrte) {
-            ++writes;
-            QVERIFY(reply.data.size() <= int(HostMaxPayload));
+
+private slots:
+    void init()
+    {
+        PhoneProfile profile;
+        m_port = PhoneSimProcess::freePort();
+        profile.serial = QString("127.0.0.1:%1").arg(m_port);
+        profile.model = "Redmi Note 9";
+        profile.manufacturer = "Xiaomi";
+        profile.product = "merlin";
+        profile.device = "merlin";
+        profile.androidVersion = "11";
+        profile.sdk = 30;
+        profile.screenSize = QSize(1080, 2340);
+        profile.wifiAddress = "127.0.0.99";
+        profile.dataDir = m_dir.path() + "/" + QTest::currentTestFunction();
+        m_phone = std::make_unique<Phone>(profile);
+        m_daemon = std::make_unique<AdbDaemon>(m_phone.get(), m_port);
+        QString error;
+        QVERIFY2(m_daemon->start(&error), qPrintable(error));
+    }
+
+    void cleanup()
+    {
+        if (QByteArray(QTest::currentTestFunction()).startsWith("reverse"))
+            AdbRunner(AdbServerPort).killServer();
+        m_daemon.reset();
+        m_phone.reset();
+    }
+
+    void malformedInputDropsOnlyThatConnection_data()
+    {
+        QTest::addColumn<bool>("afterHandshake");
+        QTest::addColumn<QByteArray>("bytes");
+        QByteArray badMagic = AdbMessage::encode(AdbMessage::Open, 1, 0);
+        badMagic[20] = char(badMagic[20] ^ 1);
+        QTest::newRow("bad magic") << true << badMagic;
+        // Far beyond what the phone offered in its CNXN: dropped without waiting for the data.
+        QByteArray huge = AdbMessage::encode(AdbMessage::Wrte, 1, 1);
+        qToLittleEndian<quint32>(64 * 1024 * 1024, huge.data() + 12);
+        QTest::newRow("huge length") << true << huge;
+        QTest::newRow("open before connect") << false << AdbMessage::encode(AdbMessage::Open, 1, 0, "shell:ls");
+    }
+
+    void malformedInputDropsOnlyThatConnection()
+    {
+        QFETCH(bool, afterHandshake);
+        QFETCH(QByteArray, bytes);
+        QTcpSocket bystander;
+        QByteArray bystanderBuffer;
+        AdbMessage reply;
+        QVERIFY(handshake(bystander, bystanderBuffer, &reply));
+
+        QTcpSocket victim;
+        QByteArray buffer;
+        if (afterHandshake) {
+            QVERIFY(handshake(victim, buffer, &reply));
+        } else {
+            victim.connectToHost(QHostAddress::LocalHost, m_port);
+            QVERIFY(victim.waitForConnected(3000));
+        }
+        victim.write(bytes);
+        QTRY_COMPARE_WITH_TIMEOUT(victim.state(), QAbstractSocket::UnconnectedState, 5000);
+
+        // The connection that behaved still works, and a new one gets CNXN.
+        QCOMPARE(bystander.state(), QAbstractSocket::ConnectedState);
+        bystander.write(AdbMessage::encode(AdbMessage::Open, 7, 0, QByteArray("shell:echo alive", 17)));
+        QVERIFY(readMessage(bystander, bystanderBuffer, &reply));
+        QCOMPARE(reply.command, quint32(AdbMessage::Okay));
+        QVERIFY(readMessage(bystander, bystanderBuffer, &reply));
+        QCOMPARE(reply.command, quint32(AdbMessage::Wrte));
+        QCOMPARE(reply.data, QByteArray("alive\n"));
+        QTcpSocket newcomer;
+        QByteArray newcomerBuffer;
+        QVERIFY(handshake(newcomer, newcomerBuffer, &reply));
+    }
+
+    void oneWriteInFlightPerStream()
+    {
+        QTcpSocket socket;
+        QByteArray buffer;
+        AdbMessage reply;
+        QVERIFY(handshake(socket, buffer, &reply));
+        socket.write(AdbMessage::encode(AdbMessage::Open, 5, 0, QByteArray("tcp:7", 6)));
+        QVERIFY(readMessage(socket, buffer, &reply));
+        QCOMPARE(reply.command, quint32(AdbMessage::Okay));
+        const quint32 phoneId = reply.arg0;
+
+        // Three full chunks into the echo service; the phone acknowledges each one.
+        QByteArray sent;
+        for (int i = 0; i < 3; ++i) {
+            const QByteArray chunk(int(HostMaxPayload), char('a' + i));
+            sent += chunk;
+            socket.write(AdbMessage::encode(AdbMessage::Wrte, 5, phoneId, chunk));
+        }
+        QByteArray echoed;
+        int okays = 0;
+        int writes = 0;
+        // Without our OKAY the phone must not send a second WRTE.
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 500) {
+            if (!readMessage(socket, buffer, &reply, 100))
+                continue;
+            if (reply.command == AdbMessage::Okay)
+                ++okays;
+            if (reply.command == AdbMessage::Wrte) {
+                ++writes;
+                QVERIFY(reply.data.size() <= int(HostMaxPayload));
+                echoed += reply.data;
+            }
+        }
+        QCOMPARE(okays, 3);
+        QCOMPARE(writes, 1);
+        while (echoed.size() < sent.size()) {
+            socket.write(AdbMessage::encode(AdbMessage::Okay, 5, phoneId));
+            QVERIFY(readMessage(socket, buffer, &reply));
+            QCOMPARE(reply.command, quint32(AdbMessage::Wrte));
             echoed += reply.data;
         }
+        QCOMPARE(echoed, sent);
     }
-    QCOMPARE(okays, 3);
-    QCOMPARE(writes, 1);
-    while (echoed.size() < sent.size()) {
-        socket.write(AdbMessage::encode(AdbMessage::Okay, 5, phoneId));
+
+    void unknownServiceIsRefused()
+    {
+        QTcpSocket socket;
+        QByteArray buffer;
+        AdbMessage reply;
+        QVERIFY(handshake(socket, buffer, &reply));
+        socket.write(AdbMessage::encode(AdbMessage::Open, 9, 0, QByteArray("jdwp:1234", 10)));
         QVERIFY(readMessage(socket, buffer, &reply));
-        QCOMPARE(reply.command, quint32(AdbMessage::Wrte));
-        echoed += reply.data;
+        QCOMPARE(reply.command, quint32(AdbMessage::Clse));
+        QCOMPARE(reply.arg0, quint32(0));
+        QCOMPARE(reply.arg1, quint32(9));
     }
-    QCOMPARE(echoed, sent);
-}
 
-void TestPhoneSimDaemon::unknownServiceIsRefused()
-{
-    QTcpSocket socket;
-    QByteArray buffer;
-    AdbMessage reply;
-    QVERIFY(handshake(socket, buffer, &reply));
-    socket.write(AdbMessage::encode(AdbMessage::Open, 9, 0, QByteArray("jdwp:1234", 10)));
-    QVERIFY(readMessage(socket, buffer, &reply));
-    QCOMPARE(reply.command, quint32(AdbMessage::Clse));
-    QCOMPARE(reply.arg0, quint32(0));
-    QCOMPARE(reply.arg1, quint32(9));
-}
+    void reverseHookCarriesBytesBothWays()
+    {
+        if (!AdbRunner::available())
+            QSKIP("adb is not installed");
+        const AdbRunner adb(AdbServerPort);
+        const QString serial = QString("127.0.0.1:%1").arg(m_port);
+        QVERIFY(adb.run({"connect", serial}).out.contains("connected to"));
+        QTRY_VERIFY_WITH_TIMEOUT(adb.listed(serial), 10000);
+        QVERIFY(m_phone->openReverse("scrcpy_0000abcd") == nullptr); // no tunnel yet
 
-void TestPhoneSimDaemon::reverseHookCarriesBytesBothWays()
-{
-    if (!AdbRunner::available())
-        QSKIP("adb is not installed");
-    const AdbRunner adb(AdbServerPort);
-    const QString serial = QString("127.0.0.1:%1").arg(m_port);
-    QVERIFY(adb.run({"connect", serial}).out.contains("connected to"));
-    QTRY_VERIFY_WITH_TIMEOUT(adb.listed(serial), 10000);
+        // A tunnel to a port nobody listens on closes without ever opening.
+        const quint16 nobody = PhoneSimProcess::freePort();
+        QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:gone", QString("tcp:%1").arg(nobody)}).exitCode, 0);
+        QPointer<PhoneChannel> refused = m_phone->openReverse("gone");
+        QVERIFY(refused);
+        QSignalSpy refusedOpened(refused.data(), &PhoneChannel::opened);
+        QSignalSpy refusedClosed(refused.data(), &PhoneChannel::closed);
+        QTRY_COMPARE_WITH_TIMEOUT(refusedClosed.count(), 1, 10000);
+        QCOMPARE(refusedOpened.count(), 0);
 
-    QVERIFY(m_phone->openReverse("scrcpy_0000abcd") == nullptr);   // no tunnel yet
+        QTcpServer pc;
+        QVERIFY(pc.listen(QHostAddress::LocalHost, 0));
+        QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:scrcpy_0000abcd", QString("tcp:%1").arg(pc.serverPort())})
+                     .exitCode,
+                 0);
+        QPointer<PhoneChannel> channel = m_phone->openReverse("scrcpy_0000abcd");
+        QVERIFY(channel);
+        QSignalSpy opened(channel.data(), &PhoneChannel::opened);
+        QSignalSpy closed(channel.data(), &PhoneChannel::closed);
+        QByteArray fromPc;
+        connect(channel.data(), &PhoneChannel::dataReceived, this, [&fromPc](const QByteArray &data) { fromPc += data; });
+        QTRY_VERIFY_WITH_TIMEOUT(pc.hasPendingConnections(), 10000);
+        std::unique_ptr<QTcpSocket> socket(pc.nextPendingConnection());
+        QTRY_COMPARE_WITH_TIMEOUT(opened.count(), 1, 10000);
+        QVERIFY(channel->isOpen());
 
-    QTcpServer pc;
-    QVERIFY(pc.listen(QHostAddress::LocalHost, 0));
-    QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:scrcpy_0000abcd", QString("tcp:%1").arg(pc.serverPort())})
-                 .exitCode,
-             0);
-    QPointer<PhoneChannel> channel = m_phone->openReverse("scrcpy_0000abcd");
-    QVERIFY(channel);
-    QSignalSpy opened(channel.data(), &PhoneChannel::opened);
-    QSignalSpy closed(channel.data(), &PhoneChannel::closed);
-    QByteArray fromPc;
-    connect(channel.data(), &PhoneChannel::dataReceived, this, [&fromPc](const QByteArray &data) { fromPc += data; });
+        // Larger than one adb payload, so flow control has to carry it in pieces.
+        QByteArray toPc(3 * 1024 * 1024 + 5, '\0');
+        for (int i = 0; i < toPc.size(); ++i)
+            toPc[i] = char((i * 31) & 0xff);
+        channel->write(toPc);
+        QByteArray received;
+        QTRY_VERIFY_WITH_TIMEOUT((received += socket->readAll()).size() >= toPc.size(), 20000);
+        QCOMPARE(received, toPc);
+        QTRY_COMPARE_WITH_TIMEOUT(channel->pendingBytes(), qint64(0), 5000);
 
-    QTRY_VERIFY_WITH_TIMEOUT(pc.hasPendingConnections(), 10000);
-    std::unique_ptr<QTcpSocket> socket(pc.nextPendingConnection());
-    QTRY_COMPARE_WITH_TIMEOUT(opened.count(), 1, 10000);
-    QVERIFY(channel->isOpen());
-
-    // Larger than one adb payload, so flow control has to carry it in pieces.
-    QByteArray toPc(3 * 1024 * 1024 + 5, '\0');
-    for (int i = 0; i < toPc.size(); ++i)
-        toPc[i] = char((i * 31) & 0xff);
-    channel->write(toPc);
-    QByteArray received;
-    QTRY_VERIFY_WITH_TIMEOUT((received += socket->readAll()).size() >= toPc.size(), 20000);
-    QCOMPARE(received, toPc);
-    QTRY_COMPARE_WITH_TIMEOUT(channel->pendingBytes(), qint64(0), 5000);
-
-    socket->write("control message from the PC");
-    QTRY_COMPARE_WITH_TIMEOUT(fromPc, QByteArray("control message from the PC"), 10000);
-
-    channel->close();
-    QTRY_COMPARE_WITH_TIMEOUT(socket->state(), QAbstractSocket::UnconnectedState, 10000);
-    QCOMPARE(closed.count(), 1);
-}
-
-void TestPhoneSimDaemon::reverseToClosedPortReportsClosed()
-{
-    if (!AdbRunner::available())
-        QSKIP("adb is not installed");
-    const AdbRunner adb(AdbServerPort);
-    const QString serial = QString("127.0.0.1:%1").arg(m_port);
-    QVERIFY(adb.run({"connect", serial}).out.contains("connected to"));
-    QTRY_VERIFY_WITH_TIMEOUT(adb.listed(serial), 10000);
-    const quint16 nobody = PhoneSimProcess::freePort();
-    QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:gone", QString("tcp:%1").arg(nobody)}).exitCode, 0);
-    QPointer<PhoneChannel> channel = m_phone->openReverse("gone");
-    QVERIFY(channel);
-    QSignalSpy opened(channel.data(), &PhoneChannel::opened);
-    QSignalSpy closed(channel.data(), &PhoneChannel::closed);
-    QTRY_COMPARE_WITH_TIMEOUT(closed.count(), 1, 10000);
-    QCOMPARE(opened.count(), 0);
-}
+        socket->write("control message from the PC");
+        QTRY_COMPARE_WITH_TIMEOUT(fromPc, QByteArray("control message from the PC"), 10000);
+        channel->close();
+        QTRY_COMPARE_WITH_TIMEOUT(socket->state(), QAbstractSocket::UnconnectedState, 10000);
+        QCOMPARE(closed.count(), 1);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestPhoneSimDaemon)
 #include "tst_phonesimdaemon.moc"

@@ -29,12 +29,8 @@ TestCase {
               videoWidth: 171, cellHeight: 334 },
             { tag: "portrait, no buttons", cellWidth: 220, buttons: false, orientation: DeviceGroup.Portrait,
               videoWidth: 210, cellHeight: 30 + 210 * 16 / 9 },
-            { tag: "landscape, buttons", cellWidth: 220, buttons: true, orientation: DeviceGroup.Landscape,
-              videoWidth: 171, cellHeight: 126.1875 },
             { tag: "landscape, wide, no buttons", cellWidth: 400, buttons: false, orientation: DeviceGroup.Landscape,
-              videoWidth: 390, cellHeight: 249.375 },
-            { tag: "portrait, widest", cellWidth: 720, buttons: true, orientation: DeviceGroup.Portrait,
-              videoWidth: 671, cellHeight: 30 + 671 * 16 / 9 }
+              videoWidth: 390, cellHeight: 249.375 }
         ]
     }
 

@@ -54,24 +54,18 @@ private:
 
     QQuickWindow *window() const { return qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0)); }
 
-    QList<QQuickItem *> items(const QString &name) const
+    QQuickItem *item(const QString &name, QQuickItem *under = nullptr) const
     {
         QList<QQuickItem *> found;
-        collectItems(window()->contentItem(), name, found);
-        return found;
+        collectItems(under ? under : window()->contentItem(), name, found);
+        return found.value(0);
     }
-
-    QQuickItem *item(const QString &name) const { return items(name).value(0); }
 
     // A cell's own child, found from the cell of the given phone.
     QQuickItem *cellItem(const QString &serial, const QString &name) const
     {
         QQuickItem *cell = item("deviceView_" + serial);
-        if (!cell)
-            return nullptr;
-        QList<QQuickItem *> found;
-        collectItems(cell, name, found);
-        return found.value(0);
+        return cell ? item(name, cell) : nullptr;
     }
 
     QQuickWindow *bigWindow(const QString &serial) const
@@ -86,12 +80,12 @@ private:
     DeviceGroupManager *manager() const { return window()->findChild<DeviceGroupManager *>("deviceGroupManager"); }
     DeviceGroup *group() const { return manager()->currentSelectedGroup(); }
 
-    QPoint centreOf(QQuickItem *target) const
+    void click(QQuickItem *target, qreal yFraction = 0.5) const
     {
-        return target->mapToScene(QPointF(target->width() / 2, target->height() / 2)).toPoint();
+        const QPointF point(target->width() / 2, target->height() * yFraction);
+        QTest::mouseClick(window(), Qt::LeftButton, {}, target->mapToScene(point).toPoint());
     }
-
-    void click(QQuickItem *target) const { QTest::mouseClick(window(), Qt::LeftButton, {}, centreOf(target)); }
+    QObject *scanDialog() const { return window()->findChild<QObject *>("scanDialog"); }
 
     PhoneSimProcess *phone(const QString &serial) const
     {
@@ -102,11 +96,11 @@ private:
         return nullptr;
     }
 
-    QList<QJsonObject> touches(PhoneSimProcess *p) const
+    QList<QJsonObject> controls(PhoneSimProcess *p, const QString &type) const
     {
         QList<QJsonObject> found;
         for (const QJsonObject &line : p->journal("control")) {
-            if (line.value("type").toString() == "InjectTouchEvent")
+            if (line.value("type").toString() == type)
                 found << line;
         }
         return found;
@@ -137,20 +131,15 @@ private slots:
         QCOMPARE(group()->deviceCount(), 0);
     }
 
-    void emptyGroupOffersAScan()
+    void emptyGroupScanListsThePhones()
     {
         QCOMPARE(item("deviceCountText")->property("text").toString(), QString("Devices: 0"));
         QQuickItem *scan = item("scanButton");
         QVERIFY(scan->isVisible());
         QCOMPARE(scan->property("text").toString(), QString("No Devices In This Group, Click To Scan"));
-    }
-
-    void scanListsThePhones()
-    {
-        QObject *dialog = window()->findChild<QObject *>("scanDialog");
-        QVERIFY(dialog);
-        click(item("scanButton"));
-        QTRY_VERIFY(dialog->property("opened").toBool());
+        QVERIFY(scanDialog());
+        click(scan);
+        QTRY_VERIFY(scanDialog()->property("opened").toBool());
         QQuickItem *list = item("scanDeviceList");
         QVERIFY(list);
         QTRY_COMPARE_WITH_TIMEOUT(list->property("count").toInt(), 3, 15000);
@@ -163,25 +152,20 @@ private slots:
         QCOMPARE(selectAll->property("text").toString(), QString("Select All (3)"));
     }
 
-    void addingNeedsACheckedPhone()
+    void addsCheckedPhonesToTheGroup()
     {
         // Nothing is checked: the button does nothing and the dialog stays.
         click(item("scanAddButton"));
         QTest::qWait(100);
-        QVERIFY(window()->findChild<QObject *>("scanDialog")->property("opened").toBool());
+        QVERIFY(scanDialog()->property("opened").toBool());
         QCOMPARE(group()->deviceCount(), 0);
-    }
-
-    void addsCheckedPhonesToTheGroup()
-    {
         // One row by clicking it, then all of them.
         click(item("scanRow_" + m_serials.at(1)));
-        QCOMPARE(window()->findChild<QObject *>("scanDialog")->property("checkedSerials").toStringList(),
-                 QStringList{m_serials.at(1)});
+        QCOMPARE(scanDialog()->property("checkedSerials").toStringList(), QStringList{m_serials.at(1)});
         click(item("scanSelectAll"));
-        QCOMPARE(window()->findChild<QObject *>("scanDialog")->property("checkedSerials").toStringList().size(), 3);
+        QCOMPARE(scanDialog()->property("checkedSerials").toStringList().size(), 3);
         click(item("scanAddButton"));
-        QTRY_VERIFY(!window()->findChild<QObject *>("scanDialog")->property("visible").toBool());
+        QTRY_VERIFY(!scanDialog()->property("visible").toBool());
         QTRY_COMPARE(group()->deviceCount(), 3);
         QTRY_COMPARE(item("deviceCountText")->property("text").toString(), QString("Devices: 3"));
         QVERIFY(!item("scanButton")->isVisible());
@@ -228,17 +212,16 @@ private slots:
         }
     }
 
-    void pressOnAPictureTouchesThatPhone()
+    void pressAndKeysReachOnlyThatPhone()
     {
         Device *device = group()->devices().at(0);
         PhoneSimProcess *target = phone(device->adbConnectionSerial());
         QVERIFY(target);
-        QQuickItem *video = cellItem(device->adbConnectionSerial(), "videoItem");
-        const int before = touches(target).size();
-        QTest::mouseClick(window(), Qt::LeftButton, {}, video->mapToScene(QPointF(video->width() / 2, video->height() / 4)).toPoint());
-        QTRY_COMPARE_WITH_TIMEOUT(touches(target).size(), before + 2, 5000);
-        const QJsonObject down = touches(target).at(before);
-        const QJsonObject up = touches(target).at(before + 1);
+        const int before = controls(target, "InjectTouchEvent").size();
+        click(cellItem(device->adbConnectionSerial(), "videoItem"), 0.25);
+        QTRY_COMPARE_WITH_TIMEOUT(controls(target, "InjectTouchEvent").size(), before + 2, 5000);
+        const QJsonObject down = controls(target, "InjectTouchEvent").at(before);
+        const QJsonObject up = controls(target, "InjectTouchEvent").at(before + 1);
         QCOMPARE(down.value("action").toInt(), 0);
         QCOMPARE(up.value("action").toInt(), 1);
         // The view's point is scaled to the phone's picture.
@@ -249,26 +232,15 @@ private slots:
         QVERIFY(qAbs(down.value("y").toInt() - frame.height() / 4) <= 2);
         // No other phone was touched.
         for (Device *other : group()->devices().mid(1))
-            QVERIFY(touches(phone(other->adbConnectionSerial())).isEmpty());
-    }
+            QVERIFY(controls(phone(other->adbConnectionSerial()), "InjectTouchEvent").isEmpty());
 
-    void keysGoToThePhoneUnderFocus()
-    {
-        Device *device = group()->devices().at(0);
-        PhoneSimProcess *target = phone(device->adbConnectionSerial());
+        // Keys go to the phone under focus: the one just touched.
         QTest::keyClick(window(), Qt::Key_A);
-        auto keys = [target] {
-            QList<QJsonObject> found;
-            for (const QJsonObject &line : target->journal("control")) {
-                if (line.value("type").toString() == "InjectKeycode")
-                    found << line;
-            }
-            return found;
-        };
-        QTRY_COMPARE_WITH_TIMEOUT(keys().size(), 2, 5000);
-        QCOMPARE(keys().at(0).value("keycode").toInt(), 29);
-        QCOMPARE(keys().at(0).value("action").toInt(), 0);
-        QCOMPARE(keys().at(1).value("action").toInt(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(controls(target, "InjectKeycode").size(), 2, 5000);
+        const QList<QJsonObject> keys = controls(target, "InjectKeycode");
+        QCOMPARE(keys.at(0).value("keycode").toInt(), 29);
+        QCOMPARE(keys.at(0).value("action").toInt(), 0);
+        QCOMPARE(keys.at(1).value("action").toInt(), 1);
     }
 
     void bigViewTakesThePhoneAndGivesItBack()
@@ -338,18 +310,15 @@ private slots:
         }
     }
 
-    void noQmlWarnings()
-    {
-        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
-    }
-
     void cleanupTestCase()
     {
+        const QStringList warnings = qmlWarnings;
         delete m_engine;
         m_engine = nullptr;
         QTest::qWait(100);
         m_fixture.reset();
         qInstallMessageHandler(previousHandler);
+        QVERIFY2(warnings.isEmpty(), qPrintable(warnings.join("\n")));
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "fakechannel.h"
 #include "phone.h"
+#include "simserver.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,8 +11,10 @@
 #include <QJsonObject>
 #include <QList>
 #include <QObject>
+#include <QSignalSpy>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 
 #include <memory>
@@ -91,3 +94,36 @@ inline QString serverCommand(const QString &options, const QString &version = "3
     return "CLASSPATH=/data/local/tmp/scrcpy-server.jar app_process / com.genymobile.scrcpy.Server " + version + " "
            + options;
 }
+
+// A server on a test phone, its PC end, and spies on how it ends.
+struct ServerRig
+{
+    explicit ServerRig(const QString &command, bool serverPushed = true, QSize screen = QSize(1080, 2400),
+                       const QString &streamFile = {})
+        : phone(serverPushed, screen, streamFile), tunnel(phone.phone.get()), server(phone.phone.get(), command)
+    {
+    }
+
+    // Starts the server and waits until exactly `sockets` connections exist and the last is open.
+    bool startAndOpen(int sockets)
+    {
+        server.start();
+        return QTest::qWaitFor([&] { return tunnel.channels.size() == sockets && tunnel.channels.last()->isOpen(); });
+    }
+
+    FakeChannel *channel(int i) const { return tunnel.channels.value(i); }
+
+    QString outputText() const
+    {
+        QString text;
+        for (const QList<QVariant> &args : output)
+            text += QString::fromUtf8(args.first().toByteArray());
+        return text;
+    }
+
+    TestPhone phone;
+    FakeTunnel tunnel;
+    SimServer server;
+    QSignalSpy output{&server, &SimServer::output};
+    QSignalSpy finished{&server, &SimServer::finished};
+};

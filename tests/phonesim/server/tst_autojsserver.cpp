@@ -62,7 +62,6 @@ private slots:
         QTest::addColumn<int>("chunkSize");
         QTest::newRow("whole") << 100000;
         QTest::newRow("byte by byte") << 1;
-        QTest::newRow("7-byte pieces") << 7;
     }
 
     void journalsRunAndStopAll()

@@ -36,14 +36,10 @@ private slots:
         QCOMPARE(options.maxFps, 0);
         QVERIFY(options.video && options.audio && options.control);
         QCOMPARE(options.socketName(), QString("scrcpy"));
-    }
-
-    void scidKeepsThirtyOneBits()
-    {
-        const auto options = CommandLineOptions::parse(
-            "CLASSPATH=/x.jar app_process / com.genymobile.scrcpy.Server 3.3.1 scid=ffffffff");
-        QVERIFY(options.ok());
-        QCOMPARE(options.socketName(), QString("scrcpy_7fffffff"));
+        // A scid keeps only its low 31 bits.
+        const auto wide = CommandLineOptions::parse("CLASSPATH=/x.jar app_process / com.genymobile.scrcpy.Server 3.3.1 scid=ffffffff");
+        QVERIFY(wide.ok());
+        QCOMPARE(wide.socketName(), QString("scrcpy_7fffffff"));
     }
 
     void reportsErrors_data()

@@ -18,12 +18,11 @@ public:
 private:
     static QByteArray hex(const char *text) { return QByteArray::fromHex(text); }
 
-    static QString outputText(const QSignalSpy &spy)
+    static void verifyFailed(const ServerRig &rig, const QString &message)
     {
-        QString text;
-        for (const QList<QVariant> &args : spy)
-            text += QString::fromUtf8(args.first().toByteArray());
-        return text;
+        QTRY_COMPARE(rig.finished.size(), 1);
+        QCOMPARE(rig.finished.first().first().toInt(), 1);
+        QVERIFY2(rig.outputText().contains(message), qPrintable(rig.outputText()));
     }
 
 private slots:
@@ -32,7 +31,6 @@ private slots:
         QTest::addColumn<QString>("options");
         QTest::addColumn<QStringList>("roles");
         QTest::newRow("all three") << "video=true audio=true control=true" << QStringList{"video", "audio", "control"};
-        QTest::newRow("audio off") << "video=true audio=false control=true" << QStringList{"video", "control"};
         QTest::newRow("video off") << "video=false audio=true control=true" << QStringList{"audio", "control"};
         QTest::newRow("control only") << "video=false audio=false control=true" << QStringList{"control"};
         QTest::newRow("video only") << "video=true audio=false control=false" << QStringList{"video"};
@@ -42,18 +40,14 @@ private slots:
     {
         QFETCH(QString, options);
         QFETCH(QStringList, roles);
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=0000abcd max_size=320 " + options));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), roles.size());
-        for (const QString &name : std::as_const(tunnel.names))
-            QCOMPARE(name, QString("scrcpy_0000abcd"));
+        ServerRig rig(serverCommand("scid=0000abcd max_size=320 " + options));
+        rig.server.start();
+        QTRY_COMPARE(rig.tunnel.channels.size(), roles.size());
+        QCOMPARE(rig.tunnel.names, QStringList(roles.size(), "scrcpy_0000abcd"));
         for (int i = 0; i < roles.size(); ++i) {
-            FakeChannel *channel = tunnel.channels[i];
             const int headerSize = roles[i] == "control" ? 0 : 4;
-            QTRY_VERIFY(channel->written.size() >= (i == 0 ? 64 : 0) + headerSize);
-            QByteArray bytes = channel->written;
+            QTRY_VERIFY(rig.channel(i)->written.size() >= (i == 0 ? 64 : 0) + headerSize);
+            QByteArray bytes = rig.channel(i)->written;
             if (i == 0) {
                 // Only the first socket carries the device name, NUL padded to 64 bytes.
                 QCOMPARE(bytes.left(9), QByteArray("Pixel Sim"));
@@ -67,25 +61,30 @@ private slots:
             else
                 QVERIFY(bytes.isEmpty());
         }
-        QVERIFY(!tunnel.channels.first()->wasClosed());
+        QVERIFY(!rig.channel(0)->wasClosed());
     }
 
     void opensEachSocketAfterThePreviousWasAccepted()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        tunnel.answers = {FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold};
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001"));
-        server.start();
+        ServerRig rig(serverCommand("video_bit_rate=2000000 max_size=280 max_fps=5 scid=0badcafe"));
+        rig.tunnel.answers = {FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold};
+        rig.server.start();
+        // The start is journalled at once, with its options.
+        const QList<QJsonObject> starts = rig.phone.journal("server_start");
+        QCOMPARE(starts.size(), 1);
+        QCOMPARE(starts[0].value("video_bit_rate").toInt(), 2000000);
+        QCOMPARE(starts[0].value("max_size").toInt(), 280);
+        QCOMPARE(starts[0].value("max_fps").toInt(), 5);
+        QCOMPARE(starts[0].value("scid").toString(), QString("0badcafe"));
         QCoreApplication::processEvents();
-        QCOMPARE(tunnel.names.size(), 1);
-        tunnel.channels[0]->accept();
-        QCOMPARE(tunnel.names.size(), 2);
-        QVERIFY(tunnel.channels[0]->written.isEmpty()); // nothing is sent before all sockets are there
-        tunnel.channels[1]->accept();
-        QCOMPARE(tunnel.names.size(), 3);
-        tunnel.channels[2]->accept();
-        QCOMPARE(tunnel.channels[0]->written.left(9), QByteArray("Pixel Sim"));
+        QCOMPARE(rig.tunnel.names.size(), 1);
+        rig.channel(0)->accept();
+        QCOMPARE(rig.tunnel.names.size(), 2);
+        QVERIFY(rig.channel(0)->written.isEmpty()); // nothing is sent before all sockets are there
+        rig.channel(1)->accept();
+        QCOMPARE(rig.tunnel.names.size(), 3);
+        rig.channel(2)->accept();
+        QCOMPARE(rig.channel(0)->written.left(9), QByteArray("Pixel Sim"));
     }
 
     void failsWhenTheTunnelRefuses_data()
@@ -103,75 +102,41 @@ private slots:
     {
         QFETCH(QList<FakeTunnel::Answer>, answers);
         QFETCH(int, openedBeforeFailure);
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        tunnel.answers = answers;
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001"));
-        QSignalSpy output(&server, &SimServer::output);
-        QSignalSpy finished(&server, &SimServer::finished);
-        server.start();
-        QTRY_COMPARE(finished.size(), 1);
-        QCOMPARE(finished.first().first().toInt(), 1);
-        QVERIFY(outputText(output).contains("Connection refused"));
+        ServerRig rig(serverCommand("scid=00000001"));
+        rig.tunnel.answers = answers;
+        rig.server.start();
+        verifyFailed(rig, "Connection refused");
         for (int i = 0; i < openedBeforeFailure; ++i)
-            QVERIFY(tunnel.channels[i]->wasClosed());
-        QCOMPARE(phone.journal("server_stop").size(), 1);
-        QCOMPARE(phone.journal("server_stop").first().value("exitCode").toInt(), 1);
+            QVERIFY(rig.channel(i)->wasClosed());
+        QCOMPARE(rig.phone.journal("server_stop").size(), 1);
+        QCOMPARE(rig.phone.journal("server_stop").first().value("exitCode").toInt(), 1);
     }
 
-    void failsWithoutTheServerFile()
+    void failsBeforeAnySocket_data()
     {
-        TestPhone phone(false);
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001"));
-        QSignalSpy output(&server, &SimServer::output);
-        QSignalSpy finished(&server, &SimServer::finished);
-        server.start();
-        QTRY_COMPARE(finished.size(), 1);
-        QCOMPARE(finished.first().first().toInt(), 1);
-        QVERIFY(outputText(output).contains("java.lang.ClassNotFoundException: com.genymobile.scrcpy.Server"));
-        QVERIFY(tunnel.names.isEmpty());
-        QVERIFY(phone.journal("server_start").isEmpty());
-    }
-
-    void failsOnBadArguments_data()
-    {
+        QTest::addColumn<bool>("serverPushed");
         QTest::addColumn<QString>("command");
         QTest::addColumn<QString>("message");
-        QTest::newRow("version") << serverCommand("scid=00000001", "3.2")
+        QTest::newRow("no server file") << false << serverCommand("scid=00000001")
+                                        << "java.lang.ClassNotFoundException: com.genymobile.scrcpy.Server";
+        QTest::newRow("version") << true << serverCommand("scid=00000001", "3.2")
                                  << "[server] ERROR: The server version (3.3.1) does not match the client (3.2)";
-        QTest::newRow("unknown option") << serverCommand("scid=00000001 tunnel_mode=x") << "Unknown server option: tunnel_mode";
-        QTest::newRow("nothing enabled") << serverCommand("video=false audio=false control=false") << "At least one";
+        QTest::newRow("unknown option") << true << serverCommand("scid=00000001 tunnel_mode=x")
+                                        << "Unknown server option: tunnel_mode";
+        QTest::newRow("nothing enabled") << true << serverCommand("video=false audio=false control=false") << "At least one";
     }
 
-    void failsOnBadArguments()
+    void failsBeforeAnySocket()
     {
+        QFETCH(bool, serverPushed);
         QFETCH(QString, command);
         QFETCH(QString, message);
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), command);
-        QSignalSpy output(&server, &SimServer::output);
-        QSignalSpy finished(&server, &SimServer::finished);
-        server.start();
-        QTRY_COMPARE(finished.size(), 1);
-        QCOMPARE(finished.first().first().toInt(), 1);
-        QVERIFY2(outputText(output).contains(message), qPrintable(outputText(output)));
-        QVERIFY(tunnel.names.isEmpty());
-    }
-
-    void journalsTheStartWithItsOptions()
-    {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("video_bit_rate=2000000 max_size=280 max_fps=5 scid=0badcafe"));
-        server.start();
-        const QList<QJsonObject> starts = phone.journal("server_start");
-        QCOMPARE(starts.size(), 1);
-        QCOMPARE(starts[0].value("video_bit_rate").toInt(), 2000000);
-        QCOMPARE(starts[0].value("max_size").toInt(), 280);
-        QCOMPARE(starts[0].value("max_fps").toInt(), 5);
-        QCOMPARE(starts[0].value("scid").toString(), QString("0badcafe"));
+        ServerRig rig(command, serverPushed);
+        rig.server.start();
+        verifyFailed(rig, message);
+        QVERIFY(rig.tunnel.names.isEmpty());
+        if (!serverPushed)
+            QVERIFY(rig.phone.journal("server_start").isEmpty());
     }
 
     void killEndsLikeAKilledProcess_data()
@@ -184,64 +149,50 @@ private slots:
     void killEndsLikeAKilledProcess()
     {
         QFETCH(bool, byAdmin);
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 max_size=160"));
-        QSignalSpy finished(&server, &SimServer::finished);
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 3);
-        QTRY_VERIFY(tunnel.channels[2]->isOpen());
+        ServerRig rig(serverCommand("scid=00000001 max_size=160"));
+        QVERIFY(rig.startAndOpen(3));
         if (byAdmin)
-            emit phone.phone->killServerRequested();
+            emit rig.phone.phone->killServerRequested();
         else
-            server.kill();
-        for (FakeChannel *channel : std::as_const(tunnel.channels))
+            rig.server.kill();
+        for (FakeChannel *channel : std::as_const(rig.tunnel.channels))
             QVERIFY(channel->wasClosed());
-        QTRY_COMPARE(finished.size(), 1);
-        QCOMPARE(finished.first().first().toInt(), 137);
-        const QList<QJsonObject> stops = phone.journal("server_stop");
+        QTRY_COMPARE(rig.finished.size(), 1);
+        QCOMPARE(rig.finished.first().first().toInt(), 137);
+        const QList<QJsonObject> stops = rig.phone.journal("server_stop");
         QCOMPARE(stops.size(), 1);
         QCOMPARE(stops[0].value("reason").toString(), QString("killed"));
     }
 
     void endsWhenThePcClosesTheVideoSocket()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 max_size=160"));
-        QSignalSpy finished(&server, &SimServer::finished);
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 3);
-        QTRY_VERIFY(tunnel.channels[2]->isOpen());
-        tunnel.channels[0]->close();
-        QTRY_COMPARE(finished.size(), 1);
-        QCOMPARE(finished.first().first().toInt(), 0);
-        QVERIFY(tunnel.channels[1]->wasClosed());
-        QVERIFY(tunnel.channels[2]->wasClosed());
+        ServerRig rig(serverCommand("scid=00000001 max_size=160"));
+        QVERIFY(rig.startAndOpen(3));
+        rig.channel(0)->close();
+        QTRY_COMPARE(rig.finished.size(), 1);
+        QCOMPARE(rig.finished.first().first().toInt(), 0);
+        QVERIFY(rig.channel(1)->wasClosed());
+        QVERIFY(rig.channel(2)->wasClosed());
     }
 
     void controlMessagesReachThePhone()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 max_size=160 audio=false"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 2);
-        FakeChannel *control = tunnel.channels[1];
-        QTRY_VERIFY(control->isOpen());
-        QSignalSpy rotation(phone.phone.get(), &Phone::rotationChanged);
+        ServerRig rig(serverCommand("scid=00000001 max_size=160 audio=false"));
+        QVERIFY(rig.startAndOpen(2));
+        FakeChannel *control = rig.channel(1);
+        QSignalSpy rotation(rig.phone.phone.get(), &Phone::rotationChanged);
         // Set clipboard "hi" with paste and sequence 5, then a touch split across two writes, then rotate.
         const QByteArray bytes = hex("09 0000000000000005 01 00000002 6869")
                                  + hex("02 00 FFFFFFFFFFFFFFFE 00000050 000000A0 00A0 0160 FFFF 00000001 00000001")
                                  + hex("0B");
         control->sendFromPc(bytes.left(20));
         control->sendFromPc(bytes.mid(20));
-        QCOMPARE(phone.phone->clipboard(), QString("hi"));
+        QCOMPARE(rig.phone.phone->clipboard(), QString("hi"));
         QCOMPARE(rotation.size(), 1);
-        QCOMPARE(phone.phone->rotation(), 1);
+        QCOMPARE(rig.phone.phone->rotation(), 1);
         // Sequence 5 asked for an acknowledgement.
         QCOMPARE(control->written, hex("01 0000000000000005"));
-        const QList<QJsonObject> lines = phone.journal("control");
+        const QList<QJsonObject> lines = rig.phone.journal("control");
         QCOMPARE(lines.size(), 3);
         QCOMPARE(lines[0].value("type").toString(), QString("SetClipboard"));
         QCOMPARE(lines[0].value("paste").toBool(), true);
@@ -254,15 +205,12 @@ private slots:
 
     void sendsThePhoneClipboardToThePc()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 video=false audio=false"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 1);
-        FakeChannel *control = tunnel.channels[0];
+        ServerRig rig(serverCommand("scid=00000001 video=false audio=false"));
+        QVERIFY(rig.startAndOpen(1));
+        FakeChannel *control = rig.channel(0);
         QTRY_COMPARE(control->written.size(), 64);
         control->written.clear();
-        phone.phone->setClipboard("hello", false);
+        rig.phone.phone->setClipboard("hello", false);
         QCOMPARE(control->written, hex("00 00000005 68656C6C6F"));
         // A text that came from the PC is not echoed back.
         control->written.clear();
@@ -275,22 +223,17 @@ private slots:
 
     void garbageClosesOnlyTheControlSocket()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 max_size=160 audio=false"));
-        QSignalSpy finished(&server, &SimServer::finished);
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 2);
-        QTRY_VERIFY(tunnel.channels[1]->isOpen());
-        tunnel.channels[1]->sendFromPc(hex("0B 63 64 65"));
-        QVERIFY(tunnel.channels[1]->wasClosed());
-        QCOMPARE(phone.journal("control").size(), 1);
-        const QList<QJsonObject> errors = phone.journal("error");
+        ServerRig rig(serverCommand("scid=00000001 max_size=160 audio=false"));
+        QVERIFY(rig.startAndOpen(2));
+        rig.channel(1)->sendFromPc(hex("0B 63 64 65"));
+        QVERIFY(rig.channel(1)->wasClosed());
+        QCOMPARE(rig.phone.journal("control").size(), 1);
+        const QList<QJsonObject> errors = rig.phone.journal("error");
         QCOMPARE(errors.size(), 1);
         QCOMPARE(errors[0].value("source").toString(), QString("control"));
         QTest::qWait(50);
-        QVERIFY(finished.isEmpty());
-        QVERIFY(tunnel.channels[0]->isOpen());
+        QVERIFY(rig.finished.isEmpty());
+        QVERIFY(rig.channel(0)->isOpen());
     }
 };
 

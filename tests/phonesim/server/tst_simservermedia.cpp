@@ -21,7 +21,7 @@ private slots:
 private:
     static QByteArray hex(const char *text) { return QByteArray::fromHex(text); }
 
-    static MediaStream video(FakeChannel *channel) { return MediaStream::parse(channel->written, true, true); }
+    static MediaStream video(const ServerRig &rig) { return MediaStream::parse(rig.channel(0)->written, true, true); }
 
     static int nalType(const QByteArray &annexB, int startCodeAt)
     {
@@ -29,31 +29,15 @@ private:
     }
 
 private slots:
-    void videoDecodesAtTheScaledSize_data()
+    void videoDecodesAndRotationRestartsItAtTheNewSize()
     {
-        QTest::addColumn<QSize>("screen");
-        QTest::addColumn<int>("maxSize");
-        QTest::addColumn<QSize>("expected");
-        QTest::newRow("1080x2400 in 800") << QSize(1080, 2400) << 800 << QSize(360, 800);
-        QTest::newRow("720x1280 in 280") << QSize(720, 1280) << 280 << QSize(160, 280);
-    }
-
-    void videoDecodesAtTheScaledSize()
-    {
-        QFETCH(QSize, screen);
-        QFETCH(int, maxSize);
-        QFETCH(QSize, expected);
-        TestPhone phone(true, screen);
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(),
-                         serverCommand(QString("scid=00000001 audio=false control=false max_size=%1").arg(maxSize)));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 1);
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 3);
-        const MediaStream stream = video(tunnel.channels[0]);
+        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=800"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(video(rig).packets.size() >= 3);
+        const MediaStream stream = video(rig);
         QCOMPARE(stream.name, QByteArray("Pixel Sim"));
         QCOMPARE(stream.codec, QByteArray("h264"));
-        QCOMPARE(QSize(int(stream.width), int(stream.height)), expected);
+        QCOMPARE(QSize(int(stream.width), int(stream.height)), QSize(360, 800));
         // The configuration packet comes first and holds SPS then PPS in Annex B form.
         const MediaPacket &config = stream.packets[0];
         QVERIFY(config.config());
@@ -73,24 +57,45 @@ private slots:
         QCOMPARE(decoder.errors, 0);
         QVERIFY(decoder.frames.size() >= 2);
         for (const TestDecoder::Frame &frame : std::as_const(decoder.frames))
-            QCOMPARE(frame.size, expected);
+            QCOMPARE(frame.size, QSize(360, 800));
+
+        rig.channel(1)->sendFromPc(hex("0B")); // rotate
+        QCOMPARE(rig.phone.phone->rotation(), 1);
+        auto configIndexes = [&] {
+            QList<int> indexes;
+            const MediaStream stream = video(rig);
+            for (int i = 0; i < stream.packets.size(); ++i) {
+                if (stream.packets[i].config())
+                    indexes << i;
+            }
+            return indexes;
+        };
+        QTRY_COMPARE(configIndexes().size(), 2);
+        const int configIndex = configIndexes().last();
+        QTRY_VERIFY(video(rig).packets.size() > configIndex + 1);
+        const MediaStream afterRotate = video(rig);
+        QVERIFY(afterRotate.packets[configIndex + 1].keyFrame());
+        // The stream header is not repeated: the size change shows only in the bitstream.
+        QCOMPARE(QSize(int(afterRotate.width), int(afterRotate.height)), QSize(360, 800));
+        TestDecoder whole("h264");
+        for (const MediaPacket &packet : afterRotate.packets)
+            whole.decode(packet);
+        QCOMPARE(whole.errors, 0);
+        QCOMPARE(whole.frames.first().size, QSize(360, 800));
+        QCOMPARE(whole.frames.last().size, QSize(800, 360));
     }
 
     void cornersShowThePhoneColourAndTouchesShowADot()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false max_size=400"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 2);
-        QTRY_VERIFY(tunnel.channels[1]->isOpen());
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 2); // a picture before the touch
+        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=400"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(video(rig).packets.size() >= 2); // a picture before the touch
         // A finger held down in the middle of the screen (the PC's frame is 180x400).
-        tunnel.channels[1]->sendFromPc(hex("02 00 0000000000000000 0000005A 000000C8 00B4 0190 FFFF 00000001 00000001"));
-        const int packetsAtTouch = video(tunnel.channels[0]).packets.size();
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= packetsAtTouch + 2);
+        rig.channel(1)->sendFromPc(hex("02 00 0000000000000000 0000005A 000000C8 00B4 0190 FFFF 00000001 00000001"));
+        const int packetsAtTouch = video(rig).packets.size();
+        QTRY_VERIFY(video(rig).packets.size() >= packetsAtTouch + 2);
         TestDecoder decoder("h264");
-        for (const MediaPacket &packet : video(tunnel.channels[0]).packets)
+        for (const MediaPacket &packet : video(rig).packets)
             decoder.decode(packet);
         const QImage first = decoder.frames.first().luma;
         const QImage last = decoder.frames.last().luma;
@@ -102,68 +107,27 @@ private slots:
         QVERIFY(qGray(last.pixel(last.width() / 2, last.height() / 2)) > 200);
     }
 
-    void rotationRestartsTheStreamAtTheNewSize()
-    {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false max_size=800"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 2);
-        QTRY_VERIFY(tunnel.channels[1]->isOpen());
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 2);
-        tunnel.channels[1]->sendFromPc(hex("0B")); // rotate
-        QCOMPARE(phone.phone->rotation(), 1);
-        auto configIndexes = [&] {
-            QList<int> indexes;
-            const MediaStream stream = video(tunnel.channels[0]);
-            for (int i = 0; i < stream.packets.size(); ++i) {
-                if (stream.packets[i].config())
-                    indexes << i;
-            }
-            return indexes;
-        };
-        QTRY_COMPARE(configIndexes().size(), 2);
-        const int configIndex = configIndexes().last();
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() > configIndex + 1);
-        const MediaStream afterRotate = video(tunnel.channels[0]);
-        QVERIFY(afterRotate.packets[configIndex + 1].keyFrame());
-        // The stream header is not repeated: the size change shows only in the bitstream.
-        QCOMPARE(QSize(int(afterRotate.width), int(afterRotate.height)), QSize(360, 800));
-        TestDecoder decoder("h264");
-        for (const MediaPacket &packet : afterRotate.packets)
-            decoder.decode(packet);
-        QCOMPARE(decoder.frames.first().size, QSize(360, 800));
-        QCOMPARE(decoder.frames.last().size, QSize(800, 360));
-    }
-
     void resetVideoSendsConfigAndKeyFrame()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false max_size=160"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 2);
-        QTRY_VERIFY(tunnel.channels[1]->isOpen());
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= 3);
-        const int before = video(tunnel.channels[0]).packets.size();
-        tunnel.channels[1]->sendFromPc(hex("11"));
+        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=160"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(video(rig).packets.size() >= 3);
+        const int before = video(rig).packets.size();
+        rig.channel(1)->sendFromPc(hex("11"));
         // Pictures of the replaced encoder still on their way are dropped: the configuration
         // comes right after what had arrived, then a key frame.
-        QTRY_VERIFY(video(tunnel.channels[0]).packets.size() >= before + 2);
-        const MediaStream stream = video(tunnel.channels[0]);
+        QTRY_VERIFY(video(rig).packets.size() >= before + 2);
+        const MediaStream stream = video(rig);
         QVERIFY(stream.packets[before].config());
         QVERIFY(stream.packets[before + 1].keyFrame());
     }
 
     void audioDecodesAsOpusStereo()
     {
-        TestPhone phone;
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 video=false control=false audio=true"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 1);
-        QTRY_VERIFY(MediaStream::parse(tunnel.channels[0]->written, true, false).packets.size() >= 6);
-        const MediaStream stream = MediaStream::parse(tunnel.channels[0]->written, true, false);
+        ServerRig rig(serverCommand("scid=00000001 video=false control=false audio=true"));
+        QVERIFY(rig.startAndOpen(1));
+        QTRY_VERIFY(MediaStream::parse(rig.channel(0)->written, true, false).packets.size() >= 6);
+        const MediaStream stream = MediaStream::parse(rig.channel(0)->written, true, false);
         QCOMPARE(stream.codec, QByteArray("opus"));
         QVERIFY(stream.packets[0].config());
         QVERIFY(stream.packets[0].payload.startsWith("OpusHead"));
@@ -204,13 +168,10 @@ private slots:
         out.write(file);
         out.close();
 
-        TestPhone phone(true, QSize(1080, 2400), path);
-        FakeTunnel tunnel(phone.phone.get());
-        SimServer server(phone.phone.get(), serverCommand("scid=00000001 audio=false control=false max_size=800"));
-        server.start();
-        QTRY_COMPARE(tunnel.channels.size(), 1);
-        QTRY_VERIFY_WITH_TIMEOUT(video(tunnel.channels[0]).packets.size() >= 8, 10000);
-        const MediaStream stream = video(tunnel.channels[0]);
+        ServerRig rig(serverCommand("scid=00000001 audio=false control=false max_size=800"), true, QSize(1080, 2400), path);
+        QVERIFY(rig.startAndOpen(1));
+        QTRY_VERIFY_WITH_TIMEOUT(video(rig).packets.size() >= 8, 10000);
+        const MediaStream stream = video(rig);
         QCOMPARE(QSize(int(stream.width), int(stream.height)), QSize(64, 48));
         QVERIFY(stream.packets[0].config());
         QCOMPARE(nalType(stream.packets[0].payload, 0), 7);
