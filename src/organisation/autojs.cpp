@@ -115,20 +115,23 @@ void Autojs::sendData(const QJsonObject &data)
 void Autojs::handleReadyRead()
 {
     m_receiveBuffer.append(m_socket->readAll());
-    quint32 type = 0;
-    QByteArray body;
-    switch (AutojsProtocol::takeReply(m_receiveBuffer, &type, &body)) {
-    case AutojsProtocol::Take::Incomplete:
-        return;
-    case AutojsProtocol::Take::Garbage:
-        m_receiveBuffer.clear();
-        return;
-    case AutojsProtocol::Take::Message:
-        break;
+    // Several replies may arrive in one read; each is handled before waiting for more.
+    for (;;) {
+        quint32 type = 0;
+        QByteArray body;
+        switch (AutojsProtocol::takeReply(m_receiveBuffer, &type, &body)) {
+        case AutojsProtocol::Take::Incomplete:
+            return;
+        case AutojsProtocol::Take::Garbage:
+            m_receiveBuffer.clear();
+            return;
+        case AutojsProtocol::Take::Message:
+            break;
+        }
+        if (type != AutojsProtocol::TypeJson)
+            continue;
+        const QJsonDocument document = QJsonDocument::fromJson(body);
+        if (document.isObject())
+            emit messageReceived(document.object());
     }
-    if (type != AutojsProtocol::TypeJson)
-        return;
-    const QJsonDocument document = QJsonDocument::fromJson(body);
-    if (document.isObject())
-        emit messageReceived(document.object());
 }
