@@ -88,13 +88,18 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
     return true;
 }
 
-void DeviceGroup::insertDevice(Device *device)
+void DeviceGroup::appendRow(Device *device)
 {
     beginInsertRows(QModelIndex(), m_devices.size(), m_devices.size());
     device->setParent(this);
     device->setDeviceGroup(this);
     m_devices.append(device);
     endInsertRows();
+}
+
+void DeviceGroup::insertDevice(Device *device)
+{
+    appendRow(device);
     applySettingsToDevice(device, QRandomGenerator::global()->generate());
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
@@ -105,11 +110,7 @@ void DeviceGroup::appendDevice(Device *device)
 {
     if (!device || m_devices.contains(device))
         return;
-    beginInsertRows(QModelIndex(), m_devices.size(), m_devices.size());
-    device->setParent(this);
-    device->setDeviceGroup(this);
-    m_devices.append(device);
-    endInsertRows();
+    appendRow(device);
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
 }
@@ -188,10 +189,7 @@ void DeviceGroup::moveDevicesToGroup(const QStringList &serials, DeviceGroup *ta
     announceIndexes();
 
     for (Device *device : std::as_const(moving)) {
-        targetGroup->beginInsertRows(QModelIndex(), targetGroup->m_devices.size(), targetGroup->m_devices.size());
-        device->setParent(targetGroup);
-        targetGroup->m_devices.append(device);
-        targetGroup->endInsertRows();
+        targetGroup->appendRow(device);
         targetGroup->applySettingsToDevice(device, QRandomGenerator::global()->generate());
         emit targetGroup->deviceAddedIntoGroup(device);
     }

@@ -152,6 +152,7 @@ private:
     // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
     // `random` (ignored when the delay setting is below one second).
     void applySettingsToDevice(Device *device, quint32 random) const;
+    void appendRow(Device *device);
     void insertDevice(Device *device);
     void takeRow(Device *device);
     void dropHost();
