@@ -252,6 +252,67 @@ private slots:
         QVERIFY(output.endsWith("\n"));
     }
 
+    void audioSwitchTakesEffectAtTheNextStart()
+    {
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = makeDevice(group, phone, {720, 1600});
+        QVERIFY(device);
+        QSignalSpy messages(device, &Device::deviceMessage);
+        QSignalSpy audio(device, &Device::isAudioEnabledChanged);
+        device->setEnableAudio(true);
+        QCOMPARE(messages.value(0), (QVariantList{"Audio Enabled, Need Reconnect", "info", 3000}));
+        QCOMPARE(audio.count(), 1);
+        QVERIFY(device->isAudioEnabled());
+        device->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(!phone->journal("server_start").isEmpty(), 15000);
+        QCOMPARE(phone->journal("server_start").first().value("audio").toBool(), true);
+        device->setEnableAudio(false);
+        QCOMPARE(messages.value(1), (QVariantList{"Audio Disabled, Need Reconnect", "info", 3000}));
+        // The running session keeps its streams until it is started again.
+        QVERIFY(device->running());
+        device->stopScrcpySession();
+    }
+
+    void wifiSwitchAndDisconnect()
+    {
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *usbDevice = makeDevice(group, phone, {1080, 2400});
+        QVERIFY(usbDevice);
+        QSignalSpy address(usbDevice, &Device::ipAddressChanged);
+        usbDevice->refreshAddressAndDetails();
+        QTRY_COMPARE_WITH_TIMEOUT(address.count(), 1, 15000);
+
+        QSignalSpy messages(usbDevice, &Device::deviceMessage);
+        usbDevice->setWiFiConnection();
+        QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 20000);
+        QCOMPARE(messages.at(0), (QVariantList{"WiFi connection enabled", "success", 3000}));
+        const QString wifiSerial = phone->wifiAddress() + ":5555";
+        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(wifiSerial), 10000);
+        QCOMPARE(group.deviceCount(), 1);
+
+        // Back to USB mode: the phone restarts its adb side as a real one does.
+        QVERIFY(usbDevice->setUSBConnection());
+        QTRY_VERIFY(!phone->journal("usb").isEmpty());
+
+        // The phone over Wi-Fi is a device of its own (adb reconnects it after the restart); disconnecting it takes it out of the group.
+        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(wifiSerial) || m_fixture->adb().listed(wifiSerial, "offline"), 10000);
+        auto *wifiDevice = new Device(nullptr, &group, wifiSerial);
+        group.appendDevice(wifiDevice);
+        QSignalSpy removed(&group, &DeviceGroup::deviceRemovedFromGroup);
+        QVERIFY(wifiDevice->disconnectWiFi());
+        QCOMPARE(removed.count(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->adb().listed(wifiSerial), 10000);
+        QCOMPARE(group.deviceCount(), 1);
+
+        // A phone that adb does not know cannot switch.
+        Device unknown(nullptr, &group, "127.0.0.1:1");
+        QSignalSpy failed(&unknown, &Device::deviceMessage);
+        unknown.setWiFiConnection();
+        QCOMPARE(failed.value(0), (QVariantList{"Failed to tcpip", "error", 3000}));
+
+    }
 };
 
 QTEST_MAIN(TestDeviceSession)
