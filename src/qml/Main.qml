@@ -131,6 +131,12 @@ ApplicationWindow {
         objectName: "adbRestartDialog"
         groupManager: groupManager
     }
-    AboutDialog { id: aboutDialog }
-    AppSettingsDialog { id: appSettingsDialog }
+    AboutDialog {
+        id: aboutDialog
+        objectName: "aboutDialog"
+    }
+    AppSettingsDialog {
+        id: appSettingsDialog
+        objectName: "appSettingsDialog"
+    }
 }

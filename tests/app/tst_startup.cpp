@@ -40,14 +40,21 @@ private:
     template<typename T = QObject>
     T *find(const char *name) const { return window()->findChild<T *>(name); }
 
+    QQuickItem *menuItem(const char *menuButton, int index) const
+    {
+        QObject *menu = find(menuButton)->property("menu").value<QObject *>();
+        QQuickItem *item = nullptr;
+        QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem *, item), Q_ARG(int, index));
+        return item;
+    }
+
     QStringList menuEntries(const char *menuButton) const
     {
         QObject *menu = find(menuButton)->property("menu").value<QObject *>();
         QStringList texts;
         const int count = menu->property("count").toInt();
         for (int i = 0; i < count; ++i) {
-            QQuickItem *item = nullptr;
-            QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem *, item), Q_ARG(int, i));
+            QQuickItem *item = menuItem(menuButton, i);
             texts << item->property("text").toString() + (item->property("enabled").toBool() ? "" : " (disabled)");
         }
         return texts;
@@ -103,6 +110,33 @@ private slots:
         const QPointF inGrid = grid->mapToScene(QPointF(20, 20));
         QCOMPARE(QColor(shot.pixel(inGrid.toPoint())), QColor("#0A0A0A"));
         QVERIFY(find<QQuickItem>("deviceList")->width() >= 200);
+    }
+
+    void menuEntriesOpenTheirDialogs_data()
+    {
+        QTest::addColumn<QByteArray>("menu");
+        QTest::addColumn<int>("entry");
+        QTest::addColumn<QByteArray>("dialog");
+        QTest::newRow("Scan Devices") << QByteArray("devicesMenu") << 0 << QByteArray("scanDialog");
+        QTest::newRow("Manage Device Groups") << QByteArray("devicesMenu") << 1 << QByteArray("groupManagerDialog");
+        QTest::newRow("Restart ADB Server") << QByteArray("devicesMenu") << 2 << QByteArray("adbRestartDialog");
+        QTest::newRow("About APP") << QByteArray("settingsMenu") << 0 << QByteArray("aboutDialog");
+        QTest::newRow("APP Settings") << QByteArray("settingsMenu") << 1 << QByteArray("appSettingsDialog");
+    }
+
+    void menuEntriesOpenTheirDialogs()
+    {
+        QFETCH(QByteArray, menu);
+        QFETCH(int, entry);
+        QFETCH(QByteArray, dialog);
+        QObject *popup = find(dialog.constData());
+        QVERIFY(popup);
+        QVERIFY(!popup->property("opened").toBool());
+        QVERIFY(QMetaObject::invokeMethod(menuItem(menu.constData(), entry), "triggered"));
+        QTRY_VERIFY(popup->property("opened").toBool());
+        QMetaObject::invokeMethod(popup, "close");
+        QTRY_VERIFY(!popup->property("visible").toBool());
+        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
     }
 
     void quittingKillsTheAdbServerOnce()
