@@ -6,6 +6,7 @@
 #include "controller.h"
 #include "devicegroup.h"
 #include "devicesettings.h"
+#include "keymappingprofile.h"
 #include "scrcpyserver.h"
 #include "serverparams.h"
 #include "videodecoder.h"
@@ -441,6 +442,21 @@ QString Device::executeADBCommand(const QString &input)
             output += "\n";
     }
     return output;
+}
+
+KeyMappingProfile *Device::currentKeyMappingProfile() const
+{
+    return m_keyMappingProfile;
+}
+
+void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
+{
+    if (profile == m_keyMappingProfile)
+        return;
+    m_keyMappingProfile = profile;
+    emit currentKeyMappingProfileChanged();
+    emit deviceMessage(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"), "info",
+                       2000);
 }
 
 void Device::refreshAddressAndDetails()
