@@ -252,6 +252,7 @@ Dialog {
             KVButton {
                 objectName: "scanAddButton"
                 text: qsTr("Add to Group")
+                enabled: dialog.canAdd
                 textColor: dialog.canAdd ? ColorManager.textGreen : ColorManager.textGray
                 onClicked: dialog.addToGroup()
             }

@@ -97,7 +97,7 @@ private slots:
         QCOMPARE(find<QQuickItem>("headerBar")->height(), 44.0);
         QCOMPARE(find("devicesMenu")->property("text").toString(), QString("Devices"));
         QCOMPARE(menuEntries("devicesMenu"), (QStringList{"Scan Devices", "Manage Device Groups", "Restart ADB Server"}));
-        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases (disabled)", "Key Mapping (disabled)"}));
+        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases", "Key Mapping"}));
         QCOMPARE(menuEntries("settingsMenu"), (QStringList{"About APP", "APP Settings"}));
     }
 
@@ -120,6 +120,8 @@ private slots:
         QTest::newRow("Scan Devices") << QByteArray("devicesMenu") << 0 << QByteArray("scanDialog");
         QTest::newRow("Manage Device Groups") << QByteArray("devicesMenu") << 1 << QByteArray("groupManagerDialog");
         QTest::newRow("Restart ADB Server") << QByteArray("devicesMenu") << 2 << QByteArray("adbRestartDialog");
+        QTest::newRow("Common Phrases") << QByteArray("toolsMenu") << 0 << QByteArray("commonPhrasesDialog");
+        QTest::newRow("Key Mapping") << QByteArray("toolsMenu") << 1 << QByteArray("keyMappingDialog");
         QTest::newRow("About APP") << QByteArray("settingsMenu") << 0 << QByteArray("aboutDialog");
         QTest::newRow("APP Settings") << QByteArray("settingsMenu") << 1 << QByteArray("appSettingsDialog");
     }
