@@ -453,7 +453,16 @@ void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
 {
     if (profile == m_keyMappingProfile)
         return;
+    if (m_keyMappingProfile)
+        disconnect(m_keyMappingProfile, &QObject::destroyed, this, nullptr);
     m_keyMappingProfile = profile;
+    // A profile deleted in the editor turns this phone's mapping off, visibly.
+    if (profile)
+        connect(profile, &QObject::destroyed, this, [this] {
+            m_keyMappingProfile = nullptr;
+            emit currentKeyMappingProfileChanged();
+            emit deviceMessage(tr("KeyMapping Disabled"), "info", 2000);
+        });
     emit currentKeyMappingProfileChanged();
     emit deviceMessage(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"), "info",
                        2000);
