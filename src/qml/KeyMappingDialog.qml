@@ -39,8 +39,8 @@ Dialog {
     title: qsTr("Key Mapping Settings")
     modal: true
     anchors.centerIn: Overlay.overlay
-    width: 1000
-    height: 660
+    width: 1200
+    height: 600
     padding: 14
 
     onAboutToShow: {
@@ -312,9 +312,9 @@ Dialog {
             }
         }
 
-        // The editor and the live picture.
+        // The editor.
         ColumnLayout {
-            Layout.preferredWidth: 440
+            Layout.preferredWidth: 360
             Layout.fillHeight: true
             spacing: 8
 
@@ -493,13 +493,18 @@ Dialog {
                 }
             }
 
-            // Where a click places the point being edited.
+            Item { Layout.fillHeight: true }
+        }
+
+        // The live picture: a click places the point being edited.
+        ColumnLayout {
+            Layout.fillHeight: true
             Rectangle {
                 id: picture
                 objectName: "mappingPicture"
-                Layout.alignment: Qt.AlignHCenter
-                Layout.preferredHeight: 400
-                Layout.preferredWidth: Math.round(400 / Theme.phoneAspect)
+                Layout.alignment: Qt.AlignTop
+                Layout.preferredHeight: 480
+                Layout.preferredWidth: Math.round(480 / Theme.phoneAspect)
                 color: ColorManager.backgroundPureBlack
                 border.color: ColorManager.borderDarkGray
 
