@@ -81,6 +81,10 @@ shell ps</translation>
         <source>Visit our website for more information and instructions.</source>
         <translation>访问我们的网站以获取更多信息和使用说明。</translation>
     </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
 </context>
 <context>
     <name>AppSettingsDialog</name>

@@ -81,6 +81,10 @@ shell ps</translation>
         <source>Visit our website for more information and instructions.</source>
         <translation>造訪我們的網站以取得更多資訊與使用說明。</translation>
     </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
 </context>
 <context>
     <name>AppSettingsDialog</name>

@@ -2,6 +2,8 @@
 
 #include "adbclient.h"
 #include "appconfig.h"
+#include "commonphrase.h"
+#include "phrasecategory.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -54,6 +56,8 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     engine.addImportPath(QStringLiteral("qrc:/"));
     qRegisterMetaType<QList<ADBDeviceInfo>>("QList<ADBDeviceInfo>");
     qRegisterMetaType<QList<DeviceInfo>>("QList<DeviceInfo>");
+    qRegisterMetaType<QList<CommonPhrase *>>("QList<CommonPhrase*>");
+    qRegisterMetaType<QList<PhraseCategory *>>("QList<PhraseCategory*>");
     installTranslation(AppConfig::instance()->getLocale());
 
     QObject::connect(

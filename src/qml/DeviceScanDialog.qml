@@ -210,6 +210,7 @@ Dialog {
                         Layout.fillHeight: true
                         KVCheckBox {
                             anchors.verticalCenter: parent.verticalCenter
+                            Accessible.name: row.serial
                             checked: dialog.isChecked(row.serial)
                             onClicked: dialog.toggle(row.serial)
                         }

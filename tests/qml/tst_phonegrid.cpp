@@ -123,6 +123,8 @@ private slots:
         Device::setStepDelay(100);
 
         previousHandler = qInstallMessageHandler(collectWarnings);
+        // As with a screen reader running: controls name themselves from the start.
+        QAccessible::setActive(true);
         AppStartup::configureApplication();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
@@ -268,24 +270,47 @@ private slots:
     void everyButtonHasAnAccessibleName()
     {
         // Screen readers and UI automation read what a button does, never a bare glyph.
-        QAccessible::setActive(true);
-        QList<QQuickItem *> buttons;
-        std::function<void(QQuickItem *)> collect = [&](QQuickItem *item) {
-            if (item->inherits("QQuickAbstractButton"))
-                buttons << item;
-            for (QQuickItem *child : item->childItems())
-                collect(child);
+        const auto buttons = [this] {
+            QList<QQuickItem *> found;
+            std::function<void(QQuickItem *)> collect = [&](QQuickItem *item) {
+                // What is hidden is not read out.
+                if (!item->isVisible())
+                    return;
+                if (item->inherits("QQuickAbstractButton"))
+                    found << item;
+                for (QQuickItem *child : item->childItems())
+                    collect(child);
+            };
+            collect(window()->contentItem());
+            return found;
         };
-        collect(window()->contentItem());
+        const auto checkNames = [](const QList<QQuickItem *> &found) {
+            for (QQuickItem *button : found) {
+                QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button);
+                QVERIFY2(accessible, qPrintable(button->property("text").toString()));
+                const QString name = accessible->text(QAccessible::Name);
+                const bool worded = std::any_of(name.cbegin(), name.cend(), [](QChar c) { return c.isLetter(); });
+                QVERIFY2(worded, qPrintable(QString("%1 \"%2\" (%3)")
+                                                .arg(button->objectName(), name, button->property("text").toString())));
+            }
+        };
         // Three running phones with their header and their 24 control buttons each, and the bars.
-        QVERIFY2(buttons.size() > 3 * 27, qPrintable(QString::number(buttons.size())));
-        for (QQuickItem *button : buttons) {
-            QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button);
-            QVERIFY(accessible);
-            const QString name = accessible->text(QAccessible::Name);
-            const bool worded = std::any_of(name.cbegin(), name.cend(), [](QChar c) { return c.isLetter(); });
-            QVERIFY2(worded, qPrintable(QString("%1 \"%2\" (%3)")
-                                            .arg(button->objectName(), name, button->property("text").toString())));
+        const QList<QQuickItem *> inWindow = buttons();
+        QVERIFY2(inWindow.size() > 3 * 27, qPrintable(QString::number(inWindow.size())));
+        checkNames(inWindow);
+
+        // And in every dialog of the menus, each while it is open.
+        for (const char *name : {"groupManagerDialog", "adbRestartDialog", "aboutDialog", "appSettingsDialog",
+                                 "commonPhrasesDialog", "keyMappingDialog"}) {
+            QObject *dialog = window()->findChild<QObject *>(name);
+            QVERIFY2(dialog, name);
+            QMetaObject::invokeMethod(dialog, "open");
+            QTRY_VERIFY(dialog->property("opened").toBool());
+            const QList<QQuickItem *> withDialog = buttons();
+            QVERIFY2(withDialog.size() > inWindow.size(), name);
+            checkNames(withDialog);
+            QMetaObject::invokeMethod(dialog, "close");
+            QTRY_VERIFY(!dialog->property("visible").toBool());
         }
     }
 
