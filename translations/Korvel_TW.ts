@@ -1146,6 +1146,10 @@ shell ps</translation>
         <source>Start a phone of the current group to see its screen here.</source>
         <translation>啟動目前群組中的一台手機即可在此看到其螢幕。</translation>
     </message>
+    <message>
+        <source>A profile with this name already exists.</source>
+        <translation>已存在同名方案。</translation>
+    </message>
 </context>
 <context>
     <name>Main</name>

@@ -211,8 +211,11 @@ Dialog {
                     enabled: profileNameField.text.trim().length > 0
                     onClicked: {
                         const name = profileNameField.text.trim()
-                        if (!KeyMapping.addProfile(name))
+                        if (!KeyMapping.addProfile(name)) {
+                            dialog.problem = qsTr("A profile with this name already exists.")
                             return
+                        }
+                        dialog.problem = ""
                         profileCombo.currentIndex = KeyMapping.profileNames.indexOf(name)
                         dialog.creating = false
                     }
@@ -220,8 +223,18 @@ Dialog {
                 KVButton {
                     text: qsTr("Cancel")
                     textColor: ColorManager.textWhite
-                    onClicked: dialog.creating = false
+                    onClicked: {
+                        dialog.creating = false
+                        dialog.problem = ""
+                    }
                 }
+            }
+            Text {
+                objectName: "createProblemText"
+                visible: dialog.creating && dialog.problem.length > 0
+                text: dialog.problem
+                color: ColorManager.textRed
+                font.pixelSize: Theme.fontSmall
             }
 
             // The mapping table.

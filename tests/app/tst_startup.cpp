@@ -66,6 +66,14 @@ private slots:
         qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
         previousHandler = qInstallMessageHandler(collectWarnings);
         AppStartup::configureApplication();
+        // A damaged phrase file, as a crash or another program may leave it.
+        const QString phrases = AppConfig::instance()->getCommonPhraseSavePath();
+        QDir(phrases).removeRecursively();
+        QVERIFY(QDir().mkpath(phrases));
+        QFile damaged(phrases + "/common_phrases.json");
+        QVERIFY(damaged.open(QIODevice::WriteOnly));
+        damaged.write("{\"categories\": [");
+        damaged.close();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
     }
@@ -89,6 +97,24 @@ private slots:
         QCOMPARE(window()->size(), QSize(1480, 800));
         QTest::qWait(200);
         QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
+    }
+
+    void damagedPhraseFileIsReportedAndKept()
+    {
+        // The user is told where the file went; it is kept as it was and nothing is written over it.
+        auto *alert = find("fileAlert");
+        QTRY_VERIFY(alert->property("opened").toBool());
+        const QString message = alert->property("message").toString();
+        const QString folder = AppConfig::instance()->getCommonPhraseSavePath();
+        const QStringList kept = QDir(folder).entryList({"common_phrases.json.corrupt-*"}, QDir::Files);
+        QCOMPARE(kept.size(), 1);
+        QVERIFY2(message.contains(kept.first()), qPrintable(message));
+        QFile file(folder + "/" + kept.first());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("{\"categories\": ["));
+        QVERIFY(!QFile::exists(folder + "/common_phrases.json"));
+        QMetaObject::invokeMethod(alert, "close");
+        QTRY_VERIFY(!alert->property("visible").toBool());
     }
 
     void headerAndMenus()

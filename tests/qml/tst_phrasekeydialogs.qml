@@ -100,6 +100,12 @@ TestCase {
         mouseClick(findChild(dialog, "createProfileButton"))
         verify(KeyMapping.hasProfile("Harvest"))
         compare(findChild(dialog, "profileCombo").currentText, "Harvest")
+        // A second profile of the same name is refused with a reason.
+        mouseClick(findChild(dialog, "newProfileButton"))
+        findChild(dialog, "profileNameField").text = "Harvest"
+        mouseClick(findChild(dialog, "createProfileButton"))
+        verify(findChild(dialog, "createProblemText").visible)
+        compare(KeyMapping.profileNames.filter(name => name === "Harvest").length, 1)
 
         mouseClick(findChild(dialog, "addMappingButton"))
         const keyField = findChild(dialog, "keyField")
