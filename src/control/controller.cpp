@@ -19,8 +19,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 #include <limits>
+#include <utility>
 
 namespace {
 
