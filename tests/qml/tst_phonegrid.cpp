@@ -1,7 +1,9 @@
 #include "appstartup.h"
+#include "commonphrasemanager.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "keymapping.h"
 #include "phonefixture.h"
 
 #include <QAccessible>
@@ -76,6 +78,23 @@ private:
                 return qobject_cast<QQuickWindow *>(w);
         }
         return nullptr;
+    }
+
+    // The first visible item that matches, anywhere in the window or under `under`.
+    QQuickItem *visibleItem(const std::function<bool(QQuickItem *)> &wanted, QQuickItem *under = nullptr) const
+    {
+        std::function<QQuickItem *(QQuickItem *)> search = [&](QQuickItem *at) -> QQuickItem * {
+            if (!at->isVisible())
+                return nullptr;
+            if (wanted(at))
+                return at;
+            for (QQuickItem *child : at->childItems()) {
+                if (QQuickItem *found = search(child))
+                    return found;
+            }
+            return nullptr;
+        };
+        return search(under ? under : window()->contentItem());
     }
 
     DeviceGroupManager *manager() const { return window()->findChild<DeviceGroupManager *>("deviceGroupManager"); }
@@ -265,6 +284,45 @@ private slots:
         QCOMPARE(controls(target, "SetClipboard").first().value("text").toString(), QString("你好"));
         QCOMPARE(controls(target, "SetClipboard").first().value("paste").toBool(), true);
         QCOMPARE(controls(target, "InjectKeycode").size(), 2);
+    }
+
+    void phraseAndProfileChosenOnTheCellAct()
+    {
+        Device *device = group()->devices().at(0);
+        const QString serial = device->adbConnectionSerial();
+        PhoneSimProcess *target = phone(serial);
+        CommonPhraseManager *phrases = CommonPhraseManager::instance();
+        phrases->addCategory("Farm");
+        const QString category = phrases->getCategoriesList().last()->id();
+        phrases->addPhrase("收菜 ok", category);
+        phrases->setCurrentCategoryId(category);
+        const int before = controls(target, "SetClipboard").size();
+
+        // The phrase chosen in the cell's list is pasted on that phone only.
+        QMetaObject::invokeMethod(visibleItem([&](QQuickItem *i) { return i->property("tip") == "Select Phrase"; },
+                                              item("deviceView_" + serial)),
+                                  "clicked");
+        QQuickItem *phrase = nullptr;
+        QTRY_VERIFY((phrase = visibleItem([](QQuickItem *i) { return i->property("text") == "收菜 ok"; })));
+        click(phrase);
+        QTRY_COMPARE_WITH_TIMEOUT(controls(target, "SetClipboard").size(), before + 1, 5000);
+        QCOMPARE(controls(target, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));
+        QCOMPARE(controls(target, "SetClipboard").last().value("paste").toBool(), true);
+        for (Device *other : group()->devices().mid(1))
+            QVERIFY(controls(phone(other->adbConnectionSerial()), "SetClipboard").isEmpty());
+
+        // The profile picker switches the phone's key mapping, and its button says which.
+        QVERIFY(KeyMapping::instance()->addProfile("Cell"));
+        QMetaObject::invokeMethod(visibleItem([&](QQuickItem *i) { return i->property("tip") == "Key Mapping"; },
+                                              item("deviceView_" + serial)),
+                                  "clicked");
+        QQuickItem *profile = nullptr;
+        QTRY_VERIFY((profile = visibleItem([](QQuickItem *i) { return i->property("text") == "Cell"; })));
+        click(profile);
+        QVERIFY(device->currentKeyMappingProfile());
+        QCOMPARE(device->currentKeyMappingProfile()->name(), QString("Cell"));
+        QVERIFY(visibleItem([](QQuickItem *i) { return i->property("tip") == "KeyMapping: Cell"; }));
+        device->setCurrentKeyMappingProfile(nullptr);
     }
 
     void everyButtonHasAnAccessibleName()
