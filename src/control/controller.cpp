@@ -357,7 +357,8 @@ bool Controller::handleKeyMapping(int eventType, int key, int modifiers)
             if (tap == 0)
                 mappedTouch(id, InputMapping::MousePress, point);
             else
-                QTimer::singleShot(downAt, this, [this, id, point] { mappedTouch(id, InputMapping::MousePress, point); });
+                QTimer::singleShot(downAt, this,
+                                   [this, id, point] { mappedTouch(id, InputMapping::MousePress, point); });
             QTimer::singleShot(downAt + kTapDownMs, this,
                                [this, id, point] { mappedTouch(id, InputMapping::MouseRelease, point); });
         }

@@ -192,7 +192,8 @@ void CommonPhraseManager::loadData()
     const bool readable = JsonFile::readObject(path, &root);
     const QJsonValue categories = root.value("categories");
     const QJsonValue phrases = root.value("phrases");
-    const bool shaped = (categories.isUndefined() || categories.isArray()) && (phrases.isUndefined() || phrases.isArray());
+    const bool shaped =
+        (categories.isUndefined() || categories.isArray()) && (phrases.isUndefined() || phrases.isArray());
     clear();
     if (!readable || !shaped) {
         const QString kept = JsonFile::keepAside(path);

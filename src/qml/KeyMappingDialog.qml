@@ -93,14 +93,16 @@ Dialog {
             }
             data = { x: pointX, y: pointY, count: count }
         } else {
-            if (!inUnit(startX) || !inUnit(startY) || !inUnit(endX) || !inUnit(endY) || duration < 50 || duration > 2000) {
+            if (!inUnit(startX) || !inUnit(startY) || !inUnit(endX) || !inUnit(endY)
+                    || duration < 50 || duration > 2000) {
                 problem = qsTr("Values out of range.")
                 return
             }
             data = { startX: startX, startY: startY, endX: endX, endY: endY, duration: duration }
         }
-        const saved = editIndex >= 0 ? profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
-                                     : profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
+        const saved = editIndex >= 0
+                ? profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
+                : profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
         if (!saved) {
             problem = qsTr("This key is already mapped in this profile.")
             return
@@ -183,7 +185,8 @@ Dialog {
                     enabled: dialog.profile !== null
                     onClicked: {
                         const name = profileCombo.currentText
-                        confirmDelete.ask(qsTr("Are you sure you want to delete profile") + " \"" + name + "\"?", () => {
+                        const question = qsTr("Are you sure you want to delete profile") + " \"" + name + "\"?"
+                        confirmDelete.ask(question, () => {
                             KeyMapping.removeProfile(name)
                             profileCombo.currentIndex = KeyMapping.profileNames.length > 0 ? 0 : -1
                             dialog.editing = false
