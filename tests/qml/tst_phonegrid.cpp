@@ -312,6 +312,7 @@ private slots:
             QVERIFY(controls(phone(other->adbConnectionSerial()), "SetClipboard").isEmpty());
 
         // The profile picker switches the phone's key mapping, and its button says which.
+        KeyMapping::instance()->removeProfile("Cell");
         QVERIFY(KeyMapping::instance()->addProfile("Cell"));
         QMetaObject::invokeMethod(visibleItem([&](QQuickItem *i) { return i->property("tip") == "Key Mapping"; },
                                               item("deviceView_" + serial)),
@@ -323,6 +324,9 @@ private slots:
         QCOMPARE(device->currentKeyMappingProfile()->name(), QString("Cell"));
         QVERIFY(visibleItem([](QQuickItem *i) { return i->property("tip") == "KeyMapping: Cell"; }));
         device->setCurrentKeyMappingProfile(nullptr);
+        // The test's own data leaves the files as they were.
+        KeyMapping::instance()->removeProfile("Cell");
+        phrases->removeCategory(category);
     }
 
     void everyButtonHasAnAccessibleName()

@@ -14,6 +14,13 @@ TestCase {
 
     function init() {
         failOnWarning(/.*/)
+        // What an earlier, interrupted run left in the files.
+        for (const name of ["Harvest", "Picker"])
+            KeyMapping.removeProfile(name)
+        for (const category of CommonPhraseManager.getCategoriesList()) {
+            if (category.name === "Farm chat" || category.name === "Replies")
+                CommonPhraseManager.removeCategory(category.id)
+        }
     }
 
     Component { id: phrasesComponent; CommonPhrasesDialog {} }
