@@ -81,6 +81,10 @@ shell ps</translation>
         <source>Visit our website for more information and instructions.</source>
         <translation>造訪我們的網站以取得更多資訊與使用說明。</translation>
     </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
 </context>
 <context>
     <name>AppSettingsDialog</name>
@@ -185,6 +189,92 @@ shell ps</translation>
     <message>
         <source>Click To Start</source>
         <translation>點擊啟動</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+</context>
+<context>
+    <name>CommonPhraseManager</name>
+    <message>
+        <source>%1 is damaged and could not be moved aside; phrases will not be saved.</source>
+        <translation>%1 已損壞且無法移開；常用語將不會儲存。</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; it was kept as %2 and phrases start empty.</source>
+        <translation>%1 已損壞；已保留為 %2，常用語從空白開始。</translation>
+    </message>
+</context>
+<context>
+    <name>CommonPhrasesDialog</name>
+    <message>
+        <source>Common Phrases Manager</source>
+        <translation>常用語管理</translation>
+    </message>
+    <message>
+        <source>Category:</source>
+        <translation>分類：</translation>
+    </message>
+    <message>
+        <source>Enter category name...</source>
+        <translation>輸入分類名稱...</translation>
+    </message>
+    <message>
+        <source>New Category</source>
+        <translation>新增分類</translation>
+    </message>
+    <message>
+        <source>Update</source>
+        <translation>更新</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編輯</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete category?</source>
+        <translation>確定要刪除該分類嗎？</translation>
+    </message>
+    <message>
+        <source>Phrases:</source>
+        <translation>常用語：</translation>
+    </message>
+    <message>
+        <source>Enter phrase text...</source>
+        <translation>輸入常用語內容...</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>說明</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete the phrase?</source>
+        <translation>確定要刪除該常用語嗎？</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
     </message>
 </context>
 <context>
@@ -399,6 +489,14 @@ shell ps</translation>
         <source>Uploading File</source>
         <translation>正在上傳檔案</translation>
     </message>
+    <message>
+        <source>KeyMapping Profile: %1</source>
+        <translation>按鍵映射方案：%1</translation>
+    </message>
+    <message>
+        <source>KeyMapping Disabled</source>
+        <translation>按鍵映射已停用</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroupManager</name>
@@ -571,6 +669,26 @@ shell ps</translation>
         <source>connection type</source>
         <translation>連線類型</translation>
     </message>
+    <message>
+        <source>Collapse</source>
+        <translation>收合</translation>
+    </message>
+    <message>
+        <source>Expand</source>
+        <translation>展開</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+    <message>
+        <source>Remove Device</source>
+        <translation>移除裝置</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -699,6 +817,18 @@ shell ps</translation>
         <source>On Big Screen</source>
         <translation>正在大螢幕顯示</translation>
     </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+    <message>
+        <source>Remove Device</source>
+        <translation>移除裝置</translation>
+    </message>
 </context>
 <context>
     <name>FilePicker</name>
@@ -798,6 +928,230 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>KVConfirm</name>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMapProfilePicker</name>
+    <message>
+        <source>Select KeyMapping Profile</source>
+        <translation>選擇按鍵映射方案</translation>
+    </message>
+    <message>
+        <source>No KeyMap</source>
+        <translation>不使用按鍵映射</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMapping</name>
+    <message>
+        <source>%1 is damaged and could not be moved aside; key mappings will not be saved.</source>
+        <translation>%1 已損壞且無法移開；按鍵映射將不會儲存。</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; it was kept as %2 and key mappings start empty.</source>
+        <translation>%1 已損壞；已保留為 %2，按鍵映射從空白開始。</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingDialog</name>
+    <message>
+        <source>Key Mapping Settings</source>
+        <translation>按鍵映射設定</translation>
+    </message>
+    <message>
+        <source>Press a key...</source>
+        <translation>請按一個鍵...</translation>
+    </message>
+    <message>
+        <source>Values out of range.</source>
+        <translation>數值超出範圍。</translation>
+    </message>
+    <message>
+        <source>This key is already mapped in this profile.</source>
+        <translation>此按鍵在該方案中已有映射。</translation>
+    </message>
+    <message>
+        <source>Mapping Profile:</source>
+        <translation>映射方案：</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>Delete Profile</source>
+        <translation>刪除方案</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete profile</source>
+        <translation>確定要刪除方案</translation>
+    </message>
+    <message>
+        <source>Create New Profile</source>
+        <translation>新增方案</translation>
+    </message>
+    <message>
+        <source>Profile Name:</source>
+        <translation>方案名稱：</translation>
+    </message>
+    <message>
+        <source>Enter profile name...</source>
+        <translation>輸入方案名稱...</translation>
+    </message>
+    <message>
+        <source>Create</source>
+        <translation>建立</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Key</source>
+        <translation>按鍵</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>類型</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>次數</translation>
+    </message>
+    <message>
+        <source>Duration(ms)</source>
+        <translation>時長(毫秒)</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Touch</source>
+        <translation>點擊</translation>
+    </message>
+    <message>
+        <source>Swipe</source>
+        <translation>滑動</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編輯</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>Add New Mapping</source>
+        <translation>新增映射</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+    <message>
+        <source>Add New Key Mapping</source>
+        <translation>新增按鍵映射</translation>
+    </message>
+    <message>
+        <source>Edit Key Mapping</source>
+        <translation>編輯按鍵映射</translation>
+    </message>
+    <message>
+        <source>Edit Swipe Mapping</source>
+        <translation>編輯滑動映射</translation>
+    </message>
+    <message>
+        <source>Key:</source>
+        <translation>按鍵：</translation>
+    </message>
+    <message>
+        <source>Type:</source>
+        <translation>類型：</translation>
+    </message>
+    <message>
+        <source>X:</source>
+        <translation>X：</translation>
+    </message>
+    <message>
+        <source>Y:</source>
+        <translation>Y：</translation>
+    </message>
+    <message>
+        <source>Count:</source>
+        <translation>次數：</translation>
+    </message>
+    <message>
+        <source>(1-10)</source>
+        <translation>(1-10)</translation>
+    </message>
+    <message>
+        <source>Start X:</source>
+        <translation>起點 X：</translation>
+    </message>
+    <message>
+        <source>Start Y:</source>
+        <translation>起點 Y：</translation>
+    </message>
+    <message>
+        <source>End X:</source>
+        <translation>終點 X：</translation>
+    </message>
+    <message>
+        <source>End Y:</source>
+        <translation>終點 Y：</translation>
+    </message>
+    <message>
+        <source>Duration(ms):</source>
+        <translation>時長(毫秒)：</translation>
+    </message>
+    <message>
+        <source>Duration:</source>
+        <translation>時長：</translation>
+    </message>
+    <message>
+        <source>(50-2000ms)</source>
+        <translation>(50-2000毫秒)</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>起點</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>終點</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>儲存</translation>
+    </message>
+    <message>
+        <source>Phone:</source>
+        <translation>手機：</translation>
+    </message>
+    <message>
+        <source>Start a phone of the current group to see its screen here.</source>
+        <translation>啟動目前群組中的一台手機即可在此看到其螢幕。</translation>
+    </message>
+    <message>
+        <source>A profile with this name already exists.</source>
+        <translation>已存在同名方案。</translation>
+    </message>
+</context>
+<context>
     <name>Main</name>
     <message>
         <source>Phone Farms</source>
@@ -850,6 +1204,17 @@ shell ps</translation>
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此群組沒有裝置，點擊掃描</translation>
+    </message>
+    <message>
+        <source>Damaged file</source>
+        <translation>檔案已損壞</translation>
+    </message>
+</context>
+<context>
+    <name>MessageStrip</name>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
     </message>
 </context>
 <context>
@@ -941,6 +1306,17 @@ shell ps</translation>
     <message>
         <source>Settings</source>
         <translation>設定</translation>
+    </message>
+</context>
+<context>
+    <name>PhraseSelectionDialog</name>
+    <message>
+        <source>Select Phrase</source>
+        <translation>選擇常用語</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
     </message>
 </context>
 <context>

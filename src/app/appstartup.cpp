@@ -3,6 +3,8 @@
 #include "adbclient.h"
 #include "appconfig.h"
 #include "devicetracker.h"
+#include "commonphrase.h"
+#include "phrasecategory.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -55,6 +57,8 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     engine.addImportPath(QStringLiteral("qrc:/"));
     qRegisterMetaType<QList<ADBDeviceInfo>>("QList<ADBDeviceInfo>");
     qRegisterMetaType<QList<DeviceInfo>>("QList<DeviceInfo>");
+    qRegisterMetaType<QList<CommonPhrase *>>("QList<CommonPhrase*>");
+    qRegisterMetaType<QList<PhraseCategory *>>("QList<PhraseCategory*>");
     installTranslation(AppConfig::instance()->getLocale());
 
     QObject::connect(

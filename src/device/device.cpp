@@ -9,6 +9,7 @@
 #include "devicesettings.h"
 #include "framehandoff.h"
 #include "mediapipeline.h"
+#include "keymappingprofile.h"
 #include "scrcpyserver.h"
 #include "screenshotwriter.h"
 #include "serverparams.h"
@@ -496,6 +497,30 @@ QString Device::executeADBCommand(const QString &input)
             output += "\n";
     }
     return output;
+}
+
+KeyMappingProfile *Device::currentKeyMappingProfile() const
+{
+    return m_keyMappingProfile;
+}
+
+void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
+{
+    if (profile == m_keyMappingProfile)
+        return;
+    if (m_keyMappingProfile)
+        disconnect(m_keyMappingProfile, &QObject::destroyed, this, nullptr);
+    m_keyMappingProfile = profile;
+    // A profile deleted in the editor turns this phone's mapping off, visibly.
+    if (profile)
+        connect(profile, &QObject::destroyed, this, [this] {
+            m_keyMappingProfile = nullptr;
+            emit currentKeyMappingProfileChanged();
+            emit deviceMessage(tr("KeyMapping Disabled"), "info", 2000);
+        });
+    emit currentKeyMappingProfileChanged();
+    emit deviceMessage(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"), "info",
+                       2000);
 }
 
 void Device::refreshAddressAndDetails()

@@ -17,6 +17,7 @@ class Controller;
 class DeviceGroup;
 class FrameHandoff;
 class MediaPipeline;
+class KeyMappingProfile;
 class PacketSink;
 class ScrcpyServer;
 class ScreenshotWriter;
@@ -33,6 +34,7 @@ class Device : public QObject
     Q_MOC_INCLUDE("controller.h")
     Q_MOC_INCLUDE("autojs.h")
     Q_MOC_INCLUDE("framehandoff.h")
+    Q_MOC_INCLUDE("keymappingprofile.h")
     Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
     Q_PROPERTY(int indexInGroup READ indexInGroup NOTIFY indexInGroupChanged)
@@ -51,6 +53,8 @@ class Device : public QObject
     Q_PROPERTY(FrameHandoff *videoFrames READ videoFrames CONSTANT)
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
     Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
+    Q_PROPERTY(KeyMappingProfile *currentKeyMappingProfile READ currentKeyMappingProfile
+                   WRITE setCurrentKeyMappingProfile NOTIFY currentKeyMappingProfileChanged)
 
 public:
     enum ConnectionType { WiFi = 0, USB = 1 };
@@ -85,6 +89,7 @@ public:
     QString nickName() const;
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
+    KeyMappingProfile *currentKeyMappingProfile() const;
     ScrcpyServer *server() const { return m_server; }
     // Sinks placed first, in the order added, in every video demuxer created from now on: they see
     // each packet before the decoder, on the session's media thread (statistics, benchmarks). Not
@@ -115,6 +120,7 @@ signals:
     void ipAddressChanged();
     void isHostDeviceChanged();
     void isAudioEnabledChanged();
+    void currentKeyMappingProfileChanged();
     void connectionTypeChanged();
     void deviceMessage(const QString &message, const QString &type, int timeout);
 
@@ -158,6 +164,7 @@ public:
     Q_INVOKABLE void showTaskList();
     Q_INVOKABLE void home();
     Q_INVOKABLE QString executeADBCommand(const QString &input);
+    Q_INVOKABLE void setCurrentKeyMappingProfile(KeyMappingProfile *profile);
 
     // Tears the session down and starts it again after the step delay.
     void restartSession();
@@ -197,4 +204,6 @@ private:
     bool m_screenshotWaitsForPicture = false;
     bool m_switchingConnection = false;
     std::shared_ptr<ScreenshotWriter> m_screenshotWriter;
+    // Not owned: a profile deleted by its owner turns the mapping off.
+    QPointer<KeyMappingProfile> m_keyMappingProfile;
 };

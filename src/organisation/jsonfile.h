@@ -10,4 +10,9 @@ namespace JsonFile {
 QJsonObject read(const QString &path);
 // Creates the folder when missing. Returns false when the file could not be written.
 bool write(const QString &path, const QJsonObject &object);
+// False when the file cannot be opened or its text is not a JSON object.
+bool readObject(const QString &path, QJsonObject *object);
+// Renames a damaged file to "<name>.corrupt-<yyyyMMdd-hhmmss>" so that nothing is saved over it;
+// returns the new path, or an empty string when the file could not be moved.
+QString keepAside(const QString &path);
 }

@@ -68,9 +68,8 @@ ApplicationWindow {
             MenuButton {
                 objectName: "toolsMenu"
                 text: qsTr("Tools")
-                // These open dialogs that arrive with phrases and key mapping.
-                MenuItem { text: qsTr("Common Phrases"); enabled: false }
-                MenuItem { text: qsTr("Key Mapping"); enabled: false }
+                MenuItem { text: qsTr("Common Phrases"); onTriggered: commonPhrasesDialog.open() }
+                MenuItem { text: qsTr("Key Mapping"); onTriggered: keyMappingDialog.open() }
             }
             MenuButton {
                 objectName: "settingsMenu"
@@ -138,5 +137,33 @@ ApplicationWindow {
     AppSettingsDialog {
         id: appSettingsDialog
         objectName: "appSettingsDialog"
+    }
+    CommonPhrasesDialog {
+        id: commonPhrasesDialog
+        objectName: "commonPhrasesDialog"
+    }
+    KeyMappingDialog {
+        id: keyMappingDialog
+        objectName: "keyMappingDialog"
+        group: window.currentGroup
+    }
+
+    // A damaged phrase or key-mapping file was moved aside at start; the user is told where.
+    KVAlert {
+        id: fileAlert
+        objectName: "fileAlert"
+        property var pending: []
+        function showNext() {
+            if (pending.length > 0 && !visible)
+                show(qsTr("Damaged file"), pending.shift())
+        }
+        onClosed: showNext()
+    }
+    Component.onCompleted: {
+        for (const problem of [KeyMapping.fileProblem, CommonPhraseManager.fileProblem]) {
+            if (problem.length > 0)
+                fileAlert.pending.push(problem)
+        }
+        fileAlert.showNext()
     }
 }

@@ -32,4 +32,10 @@ list(APPEND KORVEL_QML_FILES
     src/qml/ADBRestartDialog.qml
     src/qml/AboutDialog.qml
     src/qml/AppSettingsDialog.qml
+    src/qml/KVConfirm.qml
+    src/qml/CustomCircleCursor.qml
+    src/qml/CommonPhrasesDialog.qml
+    src/qml/PhraseSelectionDialog.qml
+    src/qml/KeyMappingDialog.qml
+    src/qml/KeyMapProfilePicker.qml
 )

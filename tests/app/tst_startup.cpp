@@ -66,6 +66,14 @@ private slots:
         qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
         previousHandler = qInstallMessageHandler(collectWarnings);
         AppStartup::configureApplication();
+        // A damaged phrase file, as a crash or another program may leave it.
+        const QString phrases = AppConfig::instance()->getCommonPhraseSavePath();
+        QDir(phrases).removeRecursively();
+        QVERIFY(QDir().mkpath(phrases));
+        QFile damaged(phrases + "/common_phrases.json");
+        QVERIFY(damaged.open(QIODevice::WriteOnly));
+        damaged.write("{\"categories\": [");
+        damaged.close();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
     }
@@ -91,13 +99,31 @@ private slots:
         QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
     }
 
+    void damagedPhraseFileIsReportedAndKept()
+    {
+        // The user is told where the file went; it is kept as it was and nothing is written over it.
+        auto *alert = find("fileAlert");
+        QTRY_VERIFY(alert->property("opened").toBool());
+        const QString message = alert->property("message").toString();
+        const QString folder = AppConfig::instance()->getCommonPhraseSavePath();
+        const QStringList kept = QDir(folder).entryList({"common_phrases.json.corrupt-*"}, QDir::Files);
+        QCOMPARE(kept.size(), 1);
+        QVERIFY2(message.contains(kept.first()), qPrintable(message));
+        QFile file(folder + "/" + kept.first());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("{\"categories\": ["));
+        QVERIFY(!QFile::exists(folder + "/common_phrases.json"));
+        QMetaObject::invokeMethod(alert, "close");
+        QTRY_VERIFY(!alert->property("visible").toBool());
+    }
+
     void headerAndMenus()
     {
         QCOMPARE(find("headerTitle")->property("text").toString(), QString("Korvel Multi-Phones Control"));
         QCOMPARE(find<QQuickItem>("headerBar")->height(), 44.0);
         QCOMPARE(find("devicesMenu")->property("text").toString(), QString("Devices"));
         QCOMPARE(menuEntries("devicesMenu"), (QStringList{"Scan Devices", "Manage Device Groups", "Restart ADB Server"}));
-        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases (disabled)", "Key Mapping (disabled)"}));
+        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases", "Key Mapping"}));
         QCOMPARE(menuEntries("settingsMenu"), (QStringList{"About APP", "APP Settings"}));
     }
 
@@ -120,6 +146,8 @@ private slots:
         QTest::newRow("Scan Devices") << QByteArray("devicesMenu") << 0 << QByteArray("scanDialog");
         QTest::newRow("Manage Device Groups") << QByteArray("devicesMenu") << 1 << QByteArray("groupManagerDialog");
         QTest::newRow("Restart ADB Server") << QByteArray("devicesMenu") << 2 << QByteArray("adbRestartDialog");
+        QTest::newRow("Common Phrases") << QByteArray("toolsMenu") << 0 << QByteArray("commonPhrasesDialog");
+        QTest::newRow("Key Mapping") << QByteArray("toolsMenu") << 1 << QByteArray("keyMappingDialog");
         QTest::newRow("About APP") << QByteArray("settingsMenu") << 0 << QByteArray("aboutDialog");
         QTest::newRow("APP Settings") << QByteArray("settingsMenu") << 1 << QByteArray("appSettingsDialog");
     }

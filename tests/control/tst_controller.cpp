@@ -112,7 +112,7 @@ void TestController::slotsKeepTheirOrder()
         "actionSwipeLeft", "actionSwipeRight", "actionReboot", "actionShutdown", "actionSleep", "actionWakeUp",
         "actionVolumeUp", "actionVolumeDown", "actionCopy", "actionPaste", "actionCut", "actionRotateScreen",
         "installApk", "uploadFile", "actionInputText", "handleMouseEvent", "processMouseEvent", "handleKeyEvent",
-        "handleKeyMapping", "send", "groupSend", "setClickDelayMilliSeconds", "setWallpaper", "resetVideo"};
+        "handleKeyMapping", "releaseKeyMappings", "handleWheelEvent", "handleInputMethodText", "send", "groupSend", "setClickDelayMilliSeconds", "setWallpaper", "resetVideo"};
     const QMetaObject &meta = Controller::staticMetaObject;
     QStringList names;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
