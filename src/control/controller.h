@@ -1,10 +1,12 @@
 #pragma once
 
+#include "adbtask.h"
 #include "controlmsg.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QPointF>
+#include <QSet>
 #include <QSize>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
@@ -24,6 +26,7 @@ class Controller : public QObject
 public:
     // The parent is normally the session's Device; the socket belongs to the session.
     explicit Controller(QObject *parent = nullptr, QIODevice *socket = nullptr);
+    ~Controller() override;
 
     int clickDelayMilliSeconds() const { return m_clickDelayMilliSeconds; }
 
@@ -69,11 +72,12 @@ private:
     void swipe(const QPointF &end, int steps);
     QSize showSize() const;
     QSize frameSize() const;
-    void runInBackground(std::function<bool()> task, const QString &successText, const QString &failureText,
-                         int failureTimeout);
+    void runInBackground(const QList<AdbTask::Step> &steps, const QString &successText,
+                         const QString &failureText, int failureTimeout);
     void report(const QString &message, const QString &type, int timeout);
 
     QPointer<QIODevice> m_socket;
     int m_clickDelayMilliSeconds = 0;
     QPointer<Device> m_device;
+    QSet<AdbTask *> m_tasks;
 };
