@@ -299,7 +299,7 @@ GroupOperation *DeviceGroup::runAutojs(const QString &autojsPath)
 {
     GroupOperation *operation = beginOperation();
     operation->startDeviceCalls(tr("Run AutoJS"), m_devices,
-                                [autojsPath](Device *device) { device->runAutojs(autojsPath); });
+                                [autojsPath](Device *device) { device->runAutojs(autojsPath); }, true);
     return operation;
 }
 

@@ -128,10 +128,12 @@ void GroupOperation::startAdb(const QString &title, const QList<Device *> &devic
     changed(-1, {});
 }
 
-void GroupOperation::startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call)
+void GroupOperation::startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call,
+                                      bool infoIsDone)
 {
     m_steps = nullptr;
     m_call = call;
+    m_infoIsDone = infoIsDone;
     setRows(title, devices);
     for (int i = 0; i < m_rows.size(); ++i)
         launch(i);
@@ -188,11 +190,12 @@ void GroupOperation::launchDeviceCall(int index)
     // The phone's next success or error message is its answer.
     row.answer = connect(device, &Device::deviceMessage, this,
                          [this, device](const QString &message, const QString &type, int) {
-                             if (type != "success" && type != "error")
+                             const bool answer = type == "success" || type == "error" || (m_infoIsDone && type == "info");
+                             if (!answer)
                                  return;
                              for (int i = 0; i < m_rows.size(); ++i) {
                                  if (m_rows.at(i).device == device && m_rows.at(i).state == Running)
-                                     end(i, type == "success" ? Done : Failed, message, true);
+                                     end(i, type == "error" ? Failed : Done, message, true);
                              }
                          });
     row.deadline = new QTimer(this);

@@ -53,8 +53,10 @@ public:
     // adb steps on every phone, on the adb work pool.
     void startAdb(const QString &title, const QList<Device *> &devices, const StepsFor &steps);
     // A session call on every phone whose answer is the phone's next status message (screenshots,
-    // AutoJS runs); rows without an answer in time end as timed out.
-    void startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call);
+    // AutoJS runs): "success" is done, "error" failed, and "info" done when infoIsDone (an AutoJS
+    // run reports its start that way). Rows without an answer in time end as timed out.
+    void startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call,
+                          bool infoIsDone = false);
     static void setDeviceCallTimeout(int milliseconds);
 
     // The phone's dialog: a free-form command on the given devices.
@@ -112,6 +114,7 @@ private:
     QList<Row> m_rows;
     StepsFor m_steps;
     DeviceCall m_call;
+    bool m_infoIsDone = false;
     QTimer m_ticker;
     bool m_wasRunning = false;
 };

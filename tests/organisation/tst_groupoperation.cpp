@@ -203,6 +203,25 @@ private slots:
         QVERIFY(!QFile::exists(m_slow->sandboxPath("/sdcard/Download/big.bin")));
     }
 
+    void sessionCallsAnswerPerPhone()
+    {
+        const QString script = writeFile("hello.js", "toast('hello');");
+        DeviceGroup group;
+        fill(group, {m_good[0], m_good[1]});
+        GroupOperation *run = group.runAutojs(script);
+        QTRY_VERIFY_WITH_TIMEOUT(!run->running(), 15000);
+        for (int row = 0; row < 2; ++row) {
+            QCOMPARE(run->state(row), GroupOperation::Done);
+            QCOMPARE(run->output(row), QString("AutoJS script started"));
+            QTRY_VERIFY_WITH_TIMEOUT(!m_good[row]->journal("autojs").isEmpty(), 5000);
+        }
+        // Without a mirroring session there is no picture to save: every phone says so at once.
+        GroupOperation *shots = group.screenshotAllDevices();
+        QVERIFY(!shots->running());
+        QCOMPARE(shots->summary(), QString("2 failed"));
+        QCOMPARE(shots->output(1), QString("Not Connected"));
+    }
+
     void logcatStreamsUntilCancelled()
     {
         DeviceGroup group;
