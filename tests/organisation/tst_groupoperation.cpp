@@ -135,6 +135,23 @@ private slots:
         QCOMPARE(m_refusing->journal("install").size(), 2);
     }
 
+    void typedInstallStreamsThePackage()
+    {
+        // "install" typed in the command dialog: adb streams the package to the package manager.
+        const QByteArray apk = apkBytes(300000);
+        const QString path = writeFile("typed.apk", apk);
+        DeviceGroup group;
+        fill(group, {m_good[1], m_refusing});
+        GroupOperation *operation = group.executeADBCommand("install -r " + path);
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
+        QCOMPARE(operation->state(0), GroupOperation::Done);
+        QCOMPARE(operation->state(1), GroupOperation::Failed);
+        QVERIFY2(operation->output(1).startsWith("Failure [INSTALL_FAILED_OLDER_SDK"), qPrintable(operation->output(1)));
+        const QJsonObject streamed = m_good[1]->journal("install").last();
+        QCOMPARE(streamed.value("path").toString(), QString("(streamed)"));
+        QCOMPARE(streamed.value("sha256").toString().toUtf8(), sha256(apk));
+    }
+
     void awkwardNamesArriveIntact_data()
     {
         QTest::addColumn<QString>("name");
