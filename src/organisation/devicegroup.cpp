@@ -10,6 +10,7 @@
 
 #include <QFutureWatcher>
 #include <QPointer>
+#include <QQmlEngine>
 #include <QRandomGenerator>
 #include <QTimer>
 #include <QtConcurrent>
@@ -268,6 +269,8 @@ GroupOperation *DeviceGroup::beginOperation()
             previous->deleteLater();
     }
     m_operation = new GroupOperation(this);
+    // Handed to QML as a return value: the group keeps it, not the script's garbage collector.
+    QQmlEngine::setObjectOwnership(m_operation, QQmlEngine::CppOwnership);
     emit operationChanged();
     return m_operation;
 }
