@@ -199,6 +199,10 @@ shell ps</translation>
         <source>Save</source>
         <translation>保存</translation>
     </message>
+    <message>
+        <source>adb processes at once</source>
+        <translation>同时运行的 adb 进程数</translation>
+    </message>
 </context>
 <context>
     <name>Autojs</name>

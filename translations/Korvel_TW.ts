@@ -199,6 +199,10 @@ shell ps</translation>
         <source>Save</source>
         <translation>儲存</translation>
     </message>
+    <message>
+        <source>adb processes at once</source>
+        <translation>同時執行的 adb 行程數</translation>
+    </message>
 </context>
 <context>
     <name>Autojs</name>

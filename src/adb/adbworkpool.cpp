@@ -1,6 +1,7 @@
 #include "adbworkpool.h"
 
 #include "adbtask.h"
+#include "appconfig.h"
 
 #include <QCoreApplication>
 
@@ -10,6 +11,13 @@ AdbWorkPool *AdbWorkPool::instance()
         auto *created = new AdbWorkPool;
         // Ends with the application, before Qt's own objects go.
         QObject::connect(qApp, &QObject::destroyed, [created] { delete created; });
+        // The user's bound, from the application settings; changes apply to work not yet started.
+        AppConfig *config = AppConfig::instance();
+        created->setMaxRunning(config->getAppSetting(settingKey, QString::number(defaultMaxRunning)).toInt());
+        QObject::connect(config, &AppConfig::appSettingChanged, created, [created](const QString &key, const QString &value) {
+            if (key == settingKey)
+                created->setMaxRunning(value.toInt());
+        });
         return created;
     }();
     return pool;
@@ -42,7 +50,7 @@ AdbWorkPool::~AdbWorkPool()
 
 void AdbWorkPool::setMaxRunning(int count)
 {
-    m_maxRunning = qMax(1, count);
+    m_maxRunning = count > 0 ? count : defaultMaxRunning;
     QMetaObject::invokeMethod(m_context, [this] { startQueued(); }, Qt::QueuedConnection);
 }
 

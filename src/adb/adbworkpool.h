@@ -17,11 +17,14 @@ class AdbWorkPool : public QObject
     Q_OBJECT
 public:
     static constexpr int defaultMaxRunning = 8;
+    // The application setting that holds the bound.
+    static constexpr const char *settingKey = "adbMaxProcesses";
 
     static AdbWorkPool *instance();
     ~AdbWorkPool() override;
 
     int maxRunning() const { return m_maxRunning; }
+    // Zero or less restores the default.
     void setMaxRunning(int count);
     // Tasks handed over and not finished yet, queued or running.
     int activeCount() const { return m_active; }

@@ -1,4 +1,5 @@
 #include "adbworkpool.h"
+#include "appconfig.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "groupoperation.h"
@@ -96,7 +97,7 @@ private slots:
 
     void cleanupTestCase() { m_fixture.reset(); }
 
-    void cleanup() { AdbWorkPool::instance()->setMaxRunning(AdbWorkPool::defaultMaxRunning); }
+    void cleanup() { AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "8"); }
 
     void installReportsEveryPhone()
     {
@@ -196,7 +197,9 @@ private slots:
     {
         // 65536 bytes a second: this upload would take half a minute.
         const QString path = writeFile("big.bin", QByteArray(2 * 1024 * 1024, 'x'));
-        AdbWorkPool::instance()->setMaxRunning(1);
+        // One adb process at a time, as the user can set it: the second phone waits its turn.
+        QCOMPARE(AdbWorkPool::instance()->maxRunning(), 8);
+        AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "1");
         DeviceGroup group;
         fill(group, {m_slow, m_good[1]});
         GroupOperation *operation = group.uploadFile(path);
