@@ -57,13 +57,16 @@ void AdbTask::cancel()
 {
     if (m_finished || m_cancelled)
         return;
+    // Only the clean-up is left: the verdict is already known and stands.
+    if (m_started && m_next > 0 && m_steps.at(m_next - 1).cleanup)
+        return;
     m_cancelled = true;
     m_result = {AdbResult::Status::Cancelled, tr("Cancelled"), {}};
     if (!m_started) {
         finish();
         return;
     }
-    if (m_job && !m_steps.at(m_next - 1).cleanup)
+    if (m_job)
         m_job->cancel();
 }
 

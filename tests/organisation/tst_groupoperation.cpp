@@ -242,11 +242,28 @@ private slots:
         QCOMPARE(shots->output(1), QString("Not Connected"));
     }
 
-    void logcatStreamsUntilCancelled()
+    void failedPushStopsTheInstall()
     {
         DeviceGroup group;
-        fill(group, {m_good[2]});
-        GroupOperation *operation = group.executeADBCommand("logcat");
+        fill(group, {m_good[0]});
+        const int installs = m_good[0]->journal("install").size();
+        GroupOperation *operation = group.installApk(m_files.filePath("never written.apk"));
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
+        QCOMPARE(operation->state(0), GroupOperation::Failed);
+        QVERIFY2(operation->output(0).contains("No such file or directory"), qPrintable(operation->output(0)));
+        // The package manager was never asked; the clean-up still ran.
+        QCOMPARE(m_good[0]->journal("install").size(), installs);
+        QVERIFY(m_good[0]->journal("shell").last().value("command").toString().startsWith("rm -f /data/local/tmp/korvel-"));
+    }
+
+    void logcatStreamsUntilCancelled()
+    {
+        // The phone's own command dialog: one row, run through the same table.
+        Device device(nullptr, nullptr, m_good[2]->serial());
+        GroupOperation own;
+        GroupOperation *operation = &own;
+        operation->runCommand({QVariant::fromValue<QObject *>(&device)}, "logcat");
+        QCOMPARE(operation->rowCount(), 1);
         QTRY_VERIFY_WITH_TIMEOUT(operation->output(0).count("log line") >= 3, 10000);
         QCOMPARE(operation->state(0), GroupOperation::Running);
         operation->cancel();
