@@ -195,6 +195,7 @@ Item {
 
     ADBCommandDialog {
         id: adbCommandDialog
+        objectName: "groupAdbCommandDialog"
         deviceGroup: root.group
     }
 
