@@ -256,6 +256,16 @@ private slots:
         QVERIFY(m_good[0]->journal("shell").last().value("command").toString().startsWith("rm -f /data/local/tmp/korvel-"));
     }
 
+    void bareShellEndsAtOnce()
+    {
+        // An interactive shell reads commands from adb's input; it gets none and ends.
+        DeviceGroup group;
+        fill(group, {m_good[0], m_good[1]});
+        GroupOperation *operation = group.executeADBCommand("shell");
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 5000);
+        QCOMPARE(operation->summary(), QString("2 done"));
+    }
+
     void logcatStreamsUntilCancelled()
     {
         // The phone's own command dialog: one row, run through the same table.
