@@ -1,3 +1,4 @@
+#include "adbjob.h"
 #include "adbworkpool.h"
 #include "appconfig.h"
 #include "device.h"
@@ -97,7 +98,11 @@ private slots:
 
     void cleanupTestCase() { m_fixture.reset(); }
 
-    void cleanup() { AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "8"); }
+    void cleanup()
+    {
+        AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "8");
+        AdbJob::setTimeouts(30000, 300000);
+    }
 
     void installReportsEveryPhone()
     {
@@ -256,6 +261,20 @@ private slots:
         QVERIFY(m_good[0]->journal("shell").last().value("command").toString().startsWith("rm -f /data/local/tmp/korvel-"));
     }
 
+    void silentTransferTimesOut()
+    {
+        // A push says nothing until it ends; past the transfer time-out it is given up.
+        AdbJob::setTimeouts(30000, 1000);
+        const QString path = writeFile("slow.bin", QByteArray(1024 * 1024, 'y'));
+        DeviceGroup group;
+        fill(group, {m_slow});
+        GroupOperation *operation = group.uploadFile(path);
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
+        QCOMPARE(operation->state(0), GroupOperation::TimedOut);
+        QCOMPARE(operation->summary(), QString("1 timed out"));
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+    }
+
     void bareShellEndsAtOnce()
     {
         // An interactive shell reads commands from adb's input; it gets none and ends.
@@ -272,9 +291,11 @@ private slots:
         Device device(nullptr, nullptr, m_good[2]->serial());
         GroupOperation own;
         GroupOperation *operation = &own;
+        // Silence for a third of a second would end it; the lines keep it going far longer.
+        AdbJob::setTimeouts(300, 300000);
         operation->runCommand({QVariant::fromValue<QObject *>(&device)}, "logcat");
         QCOMPARE(operation->rowCount(), 1);
-        QTRY_VERIFY_WITH_TIMEOUT(operation->output(0).count("log line") >= 3, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(operation->output(0).count("log line") >= 30, 10000);
         QCOMPARE(operation->state(0), GroupOperation::Running);
         operation->cancel();
         QTRY_COMPARE_WITH_TIMEOUT(operation->state(0), GroupOperation::Cancelled, 1000);
