@@ -114,7 +114,8 @@ void AdbTask::finish()
         return;
     m_finished = true;
     AdbResult result = m_result;
-    if (!m_commandOutput.isEmpty() && !m_cancelled)
+    // A time-out keeps its reason: what the lines printed has already streamed out.
+    if (!m_commandOutput.isEmpty() && !m_cancelled && result.status != AdbResult::Status::TimedOut)
         result.text = m_commandOutput;
     emit finished(result);
 }
