@@ -245,6 +245,23 @@ private slots:
         QVERIFY(!shots->running());
         QCOMPARE(shots->summary(), QString("2 failed"));
         QCOMPARE(shots->output(1), QString("Not Connected"));
+
+        // Mirrored phones save their pictures, each answering for itself.
+        QTemporaryDir pictures;
+        AppConfig::instance()->setScreenshotSavePath(pictures.path());
+        for (Device *device : group.devices())
+            device->startScrcpySession();
+        for (Device *device : group.devices())
+            QTRY_VERIFY_WITH_TIMEOUT(device->frameSize().isValid(), 15000);
+        shots = group.screenshotAllDevices();
+        QTRY_VERIFY_WITH_TIMEOUT(!shots->running(), 15000);
+        QCOMPARE(shots->summary(), QString("2 done"));
+        QCOMPARE(shots->output(0), QString("Screenshot Saved"));
+        QCOMPARE(QDir(pictures.path()).entryList({"*.jpg"}).size(), 2);
+        for (Device *device : group.devices())
+            device->stopScrcpySession();
+        for (Device *device : group.devices())
+            QTRY_VERIFY_WITH_TIMEOUT(!device->running(), 15000);
     }
 
     void failedPushStopsTheInstall()
