@@ -87,6 +87,45 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>AdbJob</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message numerus="yes">
+        <source>No answer for %n second(s)</source>
+        <translation>
+            <numerusform>%n 秒无响应</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Failed to start adb: %1</source>
+        <translation>无法启动 adb：%1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbResult</name>
+    <message>
+        <source>adb ended abnormally</source>
+        <translation>adb 异常退出</translation>
+    </message>
+    <message>
+        <source>The package manager gave no answer</source>
+        <translation>包管理器没有应答</translation>
+    </message>
+    <message>
+        <source>adb exited with code %1</source>
+        <translation>adb 退出，代码 %1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbTask</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
+</context>
+<context>
     <name>AppSettingsDialog</name>
     <message>
         <source>Application Settings</source>
@@ -163,6 +202,10 @@ shell ps</translation>
     <message>
         <source>Save</source>
         <translation>保存</translation>
+    </message>
+    <message>
+        <source>adb processes at once</source>
+        <translation>同时运行的 adb 进程数</translation>
     </message>
 </context>
 <context>
@@ -496,6 +539,29 @@ shell ps</translation>
     <message>
         <source>KeyMapping Disabled</source>
         <translation>按键映射已禁用</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroup</name>
+    <message>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安装 APK</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上传文件</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>运行 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
     </message>
 </context>
 <context>
@@ -839,6 +905,67 @@ shell ps</translation>
     <message>
         <source>All files (*.*)</source>
         <translation>所有文件 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperation</name>
+    <message>
+        <source>queued</source>
+        <translation>排队中</translation>
+    </message>
+    <message>
+        <source>running</source>
+        <translation>运行中</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message>
+        <source>timed out</source>
+        <translation>超时</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
+    <message>
+        <source>The phone has left the group</source>
+        <translation>手机已离开分组</translation>
+    </message>
+    <message>
+        <source>The phone did not answer</source>
+        <translation>手机没有应答</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationDialog</name>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationView</name>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Retry failed</source>
+        <translation>重试失败项</translation>
+    </message>
+    <message>
+        <source>Copy report</source>
+        <translation>复制报告</translation>
     </message>
 </context>
 <context>

@@ -87,6 +87,45 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>AdbJob</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message numerus="yes">
+        <source>No answer for %n second(s)</source>
+        <translation>
+            <numerusform>%n 秒無回應</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Failed to start adb: %1</source>
+        <translation>無法啟動 adb：%1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbResult</name>
+    <message>
+        <source>adb ended abnormally</source>
+        <translation>adb 異常結束</translation>
+    </message>
+    <message>
+        <source>The package manager gave no answer</source>
+        <translation>套件管理器沒有回應</translation>
+    </message>
+    <message>
+        <source>adb exited with code %1</source>
+        <translation>adb 結束，代碼 %1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbTask</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
+</context>
+<context>
     <name>AppSettingsDialog</name>
     <message>
         <source>Application Settings</source>
@@ -163,6 +202,10 @@ shell ps</translation>
     <message>
         <source>Save</source>
         <translation>儲存</translation>
+    </message>
+    <message>
+        <source>adb processes at once</source>
+        <translation>同時執行的 adb 行程數</translation>
     </message>
 </context>
 <context>
@@ -496,6 +539,29 @@ shell ps</translation>
     <message>
         <source>KeyMapping Disabled</source>
         <translation>按鍵映射已停用</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroup</name>
+    <message>
+        <source>Screenshot</source>
+        <translation>截圖</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安裝 APK</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上傳檔案</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>執行 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
     </message>
 </context>
 <context>
@@ -839,6 +905,67 @@ shell ps</translation>
     <message>
         <source>All files (*.*)</source>
         <translation>所有檔案 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperation</name>
+    <message>
+        <source>queued</source>
+        <translation>排隊中</translation>
+    </message>
+    <message>
+        <source>running</source>
+        <translation>執行中</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失敗</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message>
+        <source>timed out</source>
+        <translation>逾時</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
+    <message>
+        <source>The phone has left the group</source>
+        <translation>手機已離開群組</translation>
+    </message>
+    <message>
+        <source>The phone did not answer</source>
+        <translation>手機沒有回應</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationDialog</name>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationView</name>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Retry failed</source>
+        <translation>重試失敗項目</translation>
+    </message>
+    <message>
+        <source>Copy report</source>
+        <translation>複製報告</translation>
     </message>
 </context>
 <context>

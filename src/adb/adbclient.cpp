@@ -1,5 +1,7 @@
 #include "adbclient.h"
 
+#include "adbresult.h"
+#include "adbtask.h"
 #include "appconfig.h"
 #include "devicesettings.h"
 
@@ -120,15 +122,24 @@ bool AdbClient::push(const QString &serial, const QString &localPath, const QStr
 {
     if (!QFileInfo::exists(localPath))
         return false;
-    return succeeded({"-s", serial, "push", localPath, remotePath});
+    // Judged by adb's exit status: a path may well contain the word "error".
+    return !run({"-s", serial, "push", localPath, remotePath}).startsWith(QLatin1String("[error]"));
 }
 
 bool AdbClient::installApk(const QString &serial, const QString &localPath)
 {
-    // The install runs whatever the push gave: the phone's own answer says what went wrong.
-    push(serial, localPath, "/data/local/tmp/");
-    const QString remote = "/data/local/tmp/" + QFileInfo(localPath).fileName();
-    return !shellResult(serial, {"pm install -r " + remote}).contains("error");
+    if (!QFileInfo::exists(localPath))
+        return false;
+    const QList<AdbTask::Step> steps = AdbTask::installSteps(serial, localPath);
+    bool installed = false;
+    if (!run(steps.at(0).args).startsWith(QLatin1String("[error]"))) {
+        const QString answer = run(steps.at(1).args);
+        const bool failed = answer.startsWith(QLatin1String("[error]"));
+        installed = AdbResult::classify(AdbResult::Kind::Install, failed ? 1 : 0, false, answer.toUtf8(), {}).ok();
+    }
+    // The temporary copy never stays on the phone, whatever happened.
+    run(steps.at(2).args);
+    return installed;
 }
 
 bool AdbClient::forward(const QString &serial, quint16 localPort, quint16 remotePort)

@@ -2,6 +2,7 @@
 
 #include "adbclient.h"
 #include "adbpool.h"
+#include "adbworkpool.h"
 #include "controlmsgencoder.h"
 #include "device.h"
 #include "inputmapping.h"
@@ -10,13 +11,11 @@
 #include <QAbstractSocket>
 #include <QDir>
 #include <QFont>
-#include <QFutureWatcher>
 #include <QImage>
 #include <QPainter>
 #include <QPen>
 #include <QStandardPaths>
 #include <QTimer>
-#include <QtConcurrent>
 
 #include <algorithm>
 #include <cmath>
@@ -30,7 +29,6 @@ int swipeIntervalMs = 10;
 constexpr qint64 kMousePointerId = -2;
 constexpr int kUploadTimeoutMs = 5000;
 constexpr int kLongInfoTimeoutMs = 100000;
-const QString kUploadFolder = "/sdcard/Download/";
 
 // Android key codes of the action buttons.
 enum ActionKey : qint32 {
@@ -60,6 +58,16 @@ qint32 toDevicePixel(double value)
 }
 
 } // namespace
+
+Controller::~Controller()
+{
+    // Work still under way goes with the session; its adb processes are killed.
+    for (AdbTask *task : std::as_const(m_tasks)) {
+        task->disconnect(this);
+        AdbWorkPool::cancel(task);
+        task->deleteLater();
+    }
+}
 
 Controller::Controller(QObject *parent, QIODevice *socket)
     : QObject(parent)
@@ -178,20 +186,21 @@ void Controller::actionRotateScreen()
     send(msg);
 }
 
-void Controller::runInBackground(std::function<bool()> task, const QString &successText,
+void Controller::runInBackground(const QList<AdbTask::Step> &steps, const QString &successText,
                                  const QString &failureText, int failureTimeout)
 {
-    // The watcher is a child: a controller that ends first takes the report with it.
-    auto *watcher = new QFutureWatcher<bool>(this);
-    connect(watcher, &QFutureWatcher<bool>::finished, this, [this, watcher, successText, failureText, failureTimeout] {
-        const bool ok = watcher->result();
-        watcher->deleteLater();
-        if (ok)
-            report(successText, "success", 2000);
-        else
-            report(failureText, "error", failureTimeout);
-    });
-    watcher->setFuture(QtConcurrent::run(std::move(task)));
+    auto *task = new AdbTask(steps);
+    m_tasks.insert(task);
+    connect(task, &AdbTask::finished, this,
+            [this, task, successText, failureText, failureTimeout](const AdbResult &result) {
+                m_tasks.remove(task);
+                task->deleteLater();
+                if (result.ok())
+                    report(successText, "success", 2000);
+                else
+                    report(failureText + ": " + result.text, "error", failureTimeout);
+            });
+    AdbWorkPool::instance()->submit(task);
 }
 
 void Controller::installApk(const QString &apkPath)
@@ -199,8 +208,7 @@ void Controller::installApk(const QString &apkPath)
     if (!m_device)
         return;
     report(tr("Installing APK"), "info", kLongInfoTimeoutMs);
-    const QString serial = m_device->adbConnectionSerial();
-    runInBackground([serial, apkPath] { return AdbClient::installApk(serial, apkPath); }, tr("APK installed"),
+    runInBackground(AdbTask::installSteps(m_device->adbConnectionSerial(), apkPath), tr("APK installed"),
                     tr("APK installation failed"), kLongInfoTimeoutMs);
 }
 
@@ -208,9 +216,8 @@ void Controller::uploadFile(const QString &filePath)
 {
     if (!m_device)
         return;
-    const QString serial = m_device->adbConnectionSerial();
-    runInBackground([serial, filePath] { return AdbClient::push(serial, filePath, kUploadFolder); },
-                    tr("File uploaded"), tr("File upload failed"), kUploadTimeoutMs);
+    runInBackground(AdbTask::uploadSteps(m_device->adbConnectionSerial(), filePath), tr("File uploaded"),
+                    tr("File upload failed"), kUploadTimeoutMs);
 }
 
 void Controller::actionInputText(const QString &text)

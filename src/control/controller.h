@@ -1,11 +1,13 @@
 #pragma once
 
+#include "adbtask.h"
 #include "controlmsg.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QList>
 #include <QPointF>
+#include <QSet>
 #include <QSize>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
@@ -25,6 +27,7 @@ class Controller : public QObject
 public:
     // The parent is normally the session's Device; the socket belongs to the session.
     explicit Controller(QObject *parent = nullptr, QIODevice *socket = nullptr);
+    ~Controller() override;
 
     int clickDelayMilliSeconds() const { return m_clickDelayMilliSeconds; }
 
@@ -90,8 +93,8 @@ private:
     void swipe(const QPointF &end, int steps);
     QSize showSize() const;
     QSize frameSize() const;
-    void runInBackground(std::function<bool()> task, const QString &successText, const QString &failureText,
-                         int failureTimeout);
+    void runInBackground(const QList<AdbTask::Step> &steps, const QString &successText,
+                         const QString &failureText, int failureTimeout);
     void report(const QString &message, const QString &type, int timeout);
 
     QPointer<QIODevice> m_socket;
@@ -99,4 +102,5 @@ private:
     QPointer<Device> m_device;
     QList<HeldMapping> m_heldMappings;
     int m_nextMappingPointerId = 0;
+    QSet<AdbTask *> m_tasks;
 };

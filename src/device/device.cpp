@@ -305,10 +305,13 @@ void Device::applyDecodingDemand()
 {
     if (!m_media || !m_hasPicture)
         return;
-    const bool watched = m_frames->isWatched();
-    m_media->setDecodingPaused(!watched);
+    const bool paused = !m_frames->isWatched();
+    if (paused == m_decodingPaused)
+        return;
+    m_decodingPaused = paused;
+    m_media->setDecodingPaused(paused);
     // The picture kept while paused is old: ask for a key frame so that it is current at once.
-    if (watched && m_controller)
+    if (!paused && m_controller)
         m_controller->resetVideo();
 }
 

@@ -200,6 +200,7 @@ private:
     QList<PacketSink *> m_videoPacketProbes;
     bool m_starting = false;
     bool m_hasPicture = false;
+    bool m_decodingPaused = false;
     bool m_isScreenShotting = false;
     bool m_screenshotWaitsForPicture = false;
     bool m_switchingConnection = false;

@@ -1,13 +1,16 @@
 #include "devicegroup.h"
 
+#include "adbtask.h"
 #include "autojs.h"
 #include "controller.h"
 #include "device.h"
+#include "groupoperation.h"
 #include "groupreplay.h"
 #include "serverparams.h"
 
 #include <QFutureWatcher>
 #include <QPointer>
+#include <QQmlEngine>
 #include <QRandomGenerator>
 #include <QTimer>
 #include <QtConcurrent>
@@ -16,8 +19,6 @@
 
 namespace {
 DeviceGroup::StaggerIntervals stagger;
-
-const QString kDashLine = QStringLiteral("--------------------------------\n");
 }
 
 void DeviceGroup::setStaggerIntervals(const StaggerIntervals &intervals)
@@ -257,28 +258,52 @@ void DeviceGroup::stopAllDevices()
     }
 }
 
-void DeviceGroup::screenshotAllDevices()
+GroupOperation *DeviceGroup::beginOperation()
 {
-    for (Device *device : std::as_const(m_devices))
-        device->takeScreenshot();
+    // An earlier operation runs on to its end and then goes; the dialog shows the newest.
+    if (m_operation) {
+        GroupOperation *previous = m_operation;
+        if (previous->running())
+            connect(previous, &GroupOperation::finished, previous, &QObject::deleteLater);
+        else
+            previous->deleteLater();
+    }
+    m_operation = new GroupOperation(this);
+    // Handed to QML as a return value: the group keeps it, not the script's garbage collector.
+    QQmlEngine::setObjectOwnership(m_operation, QQmlEngine::CppOwnership);
+    emit operationChanged();
+    return m_operation;
 }
 
-void DeviceGroup::installApk(const QString &apkPath)
+GroupOperation *DeviceGroup::screenshotAllDevices()
 {
-    for (Device *device : std::as_const(m_devices))
-        device->installAPK(apkPath);
+    GroupOperation *operation = beginOperation();
+    operation->startDeviceCalls(tr("Screenshot"), m_devices, [](Device *device) { device->takeScreenshot(); });
+    return operation;
 }
 
-void DeviceGroup::uploadFile(const QString &filePath)
+GroupOperation *DeviceGroup::installApk(const QString &apkPath)
 {
-    for (Device *device : std::as_const(m_devices))
-        device->uploadFile(filePath);
+    GroupOperation *operation = beginOperation();
+    operation->startAdb(tr("Install APK"), m_devices,
+                        [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
+    return operation;
 }
 
-void DeviceGroup::runAutojs(const QString &autojsPath)
+GroupOperation *DeviceGroup::uploadFile(const QString &filePath)
 {
-    for (Device *device : std::as_const(m_devices))
-        device->runAutojs(autojsPath);
+    GroupOperation *operation = beginOperation();
+    operation->startAdb(tr("Upload File"), m_devices,
+                        [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
+    return operation;
+}
+
+GroupOperation *DeviceGroup::runAutojs(const QString &autojsPath)
+{
+    GroupOperation *operation = beginOperation();
+    operation->startDeviceCalls(tr("Run AutoJS"), m_devices,
+                                [autojsPath](Device *device) { device->runAutojs(autojsPath); }, true);
+    return operation;
 }
 
 void DeviceGroup::stopAllAutojs()
@@ -289,19 +314,12 @@ void DeviceGroup::stopAllAutojs()
     }
 }
 
-QString DeviceGroup::executeADBCommand(const QString &input)
+GroupOperation *DeviceGroup::executeADBCommand(const QString &input)
 {
-    QString report;
-    // A copy: a device may leave the group while adb blocks.
-    const QList<QPointer<Device>> devices(m_devices.cbegin(), m_devices.cend());
-    for (int i = 0; i < devices.size(); ++i) {
-        report += QStringLiteral("Device %1:\n").arg(i + 1);
-        report += kDashLine;
-        if (devices.at(i))
-            report += devices.at(i)->executeADBCommand(input);
-        report += "\n\n";
-    }
-    return report;
+    GroupOperation *operation = beginOperation();
+    operation->startAdb(tr("ADB Command"), m_devices,
+                        [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
+    return operation;
 }
 
 void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const

@@ -29,6 +29,8 @@ list(APPEND KORVEL_QML_FILES
     src/qml/DeviceRenameDialog.qml
     src/qml/DeviceInfoDialog.qml
     src/qml/ADBCommandDialog.qml
+    src/qml/GroupOperationView.qml
+    src/qml/GroupOperationDialog.qml
     src/qml/ADBRestartDialog.qml
     src/qml/AboutDialog.qml
     src/qml/AppSettingsDialog.qml

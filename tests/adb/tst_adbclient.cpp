@@ -141,25 +141,38 @@ private slots:
         QVERIFY(m_adb.calls().isEmpty());
     }
 
-    void installPushesThenInstalls()
+    void installUsesATemporaryNameAndRemovesIt_data()
     {
-        QTemporaryFile apk(QDir::tempPath() + "/korvel_XXXXXX.apk");
-        QVERIFY(apk.open());
-        const QString name = QFileInfo(apk.fileName()).fileName();
-        m_adb.addRule("-s S1 shell pm install*", 0, "Success\\n");
-        QVERIFY(AdbClient::installApk("S1", apk.fileName()));
-        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"-s", "S1", "push", apk.fileName(), "/data/local/tmp/"},
-                                             Args{"-s", "S1", "shell", "pm install -r /data/local/tmp/" + name}}));
+        QTest::addColumn<int>("pushExit");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("installed");
+        QTest::addColumn<int>("calls");
+        QTest::newRow("installed") << 0 << "Success\\n" << true << 3;
+        QTest::newRow("refused") << 0 << "Failure [INSTALL_FAILED_OLDER_SDK]\\n" << false << 3;
+        QTest::newRow("failed push installs nothing") << 1 << "Success\\n" << false << 2;
     }
 
-    void installRunsEvenWhenPushFailsAndFailsOnError()
+    void installUsesATemporaryNameAndRemovesIt()
     {
-        m_adb.addRule("-s S1 push*", 1, {}, "no space left");
-        m_adb.addRule("-s S1 shell pm install*", 1, {}, "Error: file not found");
-        QTemporaryFile apk;
+        QFETCH(int, pushExit);
+        QFETCH(QString, answer);
+        QFETCH(bool, installed);
+        QFETCH(int, calls);
+        QTemporaryFile apk(QDir::tempPath() + "/My App (1);reboot_XXXXXX.apk");
         QVERIFY(apk.open());
-        QVERIFY(!AdbClient::installApk("S1", apk.fileName()));
-        QCOMPARE(m_adb.calls().size(), 2);
+        m_adb.addRule("-s S1 push*", pushExit, {}, pushExit ? "adb: error: no space left\\n" : "");
+        m_adb.addRule("-s S1 shell pm install*", 0, answer);
+        QCOMPARE(AdbClient::installApk("S1", apk.fileName()), installed);
+
+        const QList<Args> made = m_adb.calls();
+        QCOMPARE(made.size(), calls);
+        const QString remote = made.at(0).last();
+        QVERIFY2(QRegularExpression("^/data/local/tmp/korvel-[0-9a-f-]{36}\\.apk$").match(remote).hasMatch(),
+                 qPrintable(remote));
+        QCOMPARE(made.at(0), (Args{"-s", "S1", "push", apk.fileName(), remote}));
+        if (calls == 3)
+            QCOMPARE(made.at(1), (Args{"-s", "S1", "shell", "pm", "install", "-r", remote}));
+        QCOMPARE(made.last(), (Args{"-s", "S1", "shell", "rm", "-f", remote}));
     }
 
     void shutdownChoosesEmulatorOrReboot_data()

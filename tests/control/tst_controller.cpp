@@ -264,8 +264,9 @@ void TestController::failedUploadIsReported()
     QSignalSpy messages(&session.device, &Device::deviceMessage);
     session.controller->uploadFile(file.fileName());
     QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 10000);
-    QCOMPARE(messages[0], (QVariantList{"File upload failed", "error", 5000}));
-    QCOMPARE(m_adb.calls().value(0), (QStringList{"-s", "S1", "push", file.fileName(), "/sdcard/Download/"}));
+    QCOMPARE(messages[0], (QVariantList{"File upload failed: remote couldn't create file", "error", 5000}));
+    QCOMPARE(m_adb.calls().value(0), (QStringList{"-s", "S1", "push", file.fileName(),
+                                                  "/sdcard/Download/" + QFileInfo(file.fileName()).fileName()}));
 }
 
 void TestController::wallpaperCarriesTheNickname()

@@ -1,6 +1,7 @@
 #include "adbclient.h"
 #include "device.h"
 #include "devicegroup.h"
+#include "groupoperation.h"
 #include "fakeadb.h"
 #include "serverparams.h"
 
@@ -371,14 +372,16 @@ private slots:
         m_adb.addRule("-s B shell ls", 1, "", "error: device offline\\n");
         m_adb.addRule("-s B shell pwd", 0, "/sdcard");
         DeviceGroup group;
-        QCOMPARE(group.executeADBCommand("shell ls"), QString());
+        QCOMPARE(group.executeADBCommand("shell ls")->report(), QString());
         fill(group, {"A", "B"});
 
         const QString dashes(32, '-');
         const QString expected = "Device 1:\n" + dashes + "\n" + "a.txt\nb.txt\n/\n" + "\n\n"
-            + "Device 2:\n" + dashes + "\n"
-            + "[error] adb command failed (exit code 1): error: device offline\n/sdcard\n" + "\n\n";
-        QCOMPARE(group.executeADBCommand("shell ls\n\n  shell pwd  "), expected);
+            + "Device 2:\n" + dashes + "\n" + "error: device offline\n/sdcard\n" + "[failed]\n" + "\n\n";
+        GroupOperation *operation = group.executeADBCommand("shell ls\n\n  shell pwd  ");
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
+        QCOMPARE(operation->report(), expected);
+        QCOMPARE(operation->summary(), QString("1 done, 1 failed"));
     }
 
     void loadingSettingsAnnouncesButSavesNothing()

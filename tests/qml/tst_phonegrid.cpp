@@ -199,6 +199,21 @@ private slots:
         }
     }
 
+    void groupCommandShowsARowPerPhone()
+    {
+        QObject *dialog = window()->findChild<QObject *>("groupAdbCommandDialog");
+        QVERIFY(dialog);
+        QMetaObject::invokeMethod(dialog, "open");
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        item("adbCommandInput")->setProperty("text", "shell echo rack");
+        click(item("adbCommandExecute"));
+        QTRY_COMPARE_WITH_TIMEOUT(item("operationSummary")->property("text").toString(), QString("3 done"), 15000);
+        QCOMPARE(item("operationRows")->property("count").toInt(), 3);
+        QVERIFY(!item("operationCancel")->isEnabled());
+        QMetaObject::invokeMethod(dialog, "close");
+        QTRY_VERIFY(!dialog->property("visible").toBool());
+    }
+
     void startAllShowsEveryPhoneLive()
     {
         click(item("startAllButton"));

@@ -25,6 +25,8 @@ struct PhoneProfile
     QString dataDir;          // journal, sandbox and control files live here
     QString streamFile;       // optional pre-encoded H.264 played instead of the test pattern
     bool animate = false;     // keep the test pattern moving so frames flow at max fps
+    QString failInstall;      // when set, the package manager refuses every install with this code
+    int slowSyncBytesPerSecond = 0;   // when above 0, pushes arrive no faster than this
 };
 
 // The state of one simulated phone shared by the adb daemon and the simulated server.
