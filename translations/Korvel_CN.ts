@@ -540,6 +540,26 @@ shell ps</translation>
         <source>KeyMapping Disabled</source>
         <translation>按键映射已禁用</translation>
     </message>
+    <message>
+        <source>Failed to start: %1</source>
+        <translation>启动失败：%1</translation>
+    </message>
+    <message>
+        <source>The phone&apos;s server stopped: %1</source>
+        <translation>手机端服务已停止：%1</translation>
+    </message>
+    <message>
+        <source>Failed to disconnect WiFi</source>
+        <translation>断开 WiFi 失败</translation>
+    </message>
+    <message>
+        <source>USB connection enabled</source>
+        <translation>已切换到 USB 连接</translation>
+    </message>
+    <message>
+        <source>Failed to switch to USB</source>
+        <translation>切换到 USB 失败</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroup</name>
@@ -894,6 +914,10 @@ shell ps</translation>
     <message>
         <source>Remove Device</source>
         <translation>移除设备</translation>
+    </message>
+    <message>
+        <source>Starting…</source>
+        <translation>正在启动…</translation>
     </message>
 </context>
 <context>
@@ -1444,6 +1468,13 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>ScrcpyServer</name>
+    <message>
+        <source>Cannot listen for the phone&apos;s connections: %1</source>
+        <translation>无法监听手机的连接：%1</translation>
     </message>
 </context>
 <context>

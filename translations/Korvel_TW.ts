@@ -540,6 +540,26 @@ shell ps</translation>
         <source>KeyMapping Disabled</source>
         <translation>按鍵映射已停用</translation>
     </message>
+    <message>
+        <source>Failed to start: %1</source>
+        <translation>啟動失敗：%1</translation>
+    </message>
+    <message>
+        <source>The phone&apos;s server stopped: %1</source>
+        <translation>手機端服務已停止：%1</translation>
+    </message>
+    <message>
+        <source>Failed to disconnect WiFi</source>
+        <translation>中斷 WiFi 失敗</translation>
+    </message>
+    <message>
+        <source>USB connection enabled</source>
+        <translation>已切換到 USB 連線</translation>
+    </message>
+    <message>
+        <source>Failed to switch to USB</source>
+        <translation>切換到 USB 失敗</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroup</name>
@@ -894,6 +914,10 @@ shell ps</translation>
     <message>
         <source>Remove Device</source>
         <translation>移除裝置</translation>
+    </message>
+    <message>
+        <source>Starting…</source>
+        <translation>正在啟動…</translation>
     </message>
 </context>
 <context>
@@ -1444,6 +1468,13 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>ScrcpyServer</name>
+    <message>
+        <source>Cannot listen for the phone&apos;s connections: %1</source>
+        <translation>無法監聽手機的連線：%1</translation>
     </message>
 </context>
 <context>
