@@ -236,15 +236,11 @@ void DeviceGroup::replayHostMessage(const ControlMsg &msg)
 
 void DeviceGroup::startAllDevices()
 {
-    int scheduled = 0;
+    // All at once: the adb pool lets only a few launches talk to adb at the same time, so a
+    // hundred phones neither flood the adb server nor wait for a fixed stagger.
     for (Device *device : std::as_const(m_devices)) {
-        if (device->running())
-            continue;
-        QTimer::singleShot(scheduled * stagger.startMs, this, [guard = QPointer<Device>(device)] {
-            if (guard)
-                guard->startScrcpySession();
-        });
-        ++scheduled;
+        if (!device->running())
+            device->startScrcpySession();
     }
 }
 

@@ -52,7 +52,6 @@ public:
     struct StaggerIntervals
     {
         int addMs = 200;
-        int startMs = 200;
         int stopMs = 300;
         int clearMs = 500;
     };

@@ -77,13 +77,13 @@ private slots:
 
     void init()
     {
-        DeviceGroup::setStaggerIntervals({0, 0, 0, 0});
+        DeviceGroup::setStaggerIntervals({0, 0, 0});
         m_adb.clear();
     }
 
     void addDevicesInsertsRowsOneByOneAtTheAddInterval()
     {
-        DeviceGroup::setStaggerIntervals({40, 0, 0, 0});
+        DeviceGroup::setStaggerIntervals({40, 0, 0});
         DeviceGroup group;
         QElapsedTimer clock;
         QList<qint64> insertedAt;
@@ -126,7 +126,7 @@ private slots:
 
     void groupEndingBeforePendingInsertionsTakesTheDevicesAlong()
     {
-        DeviceGroup::setStaggerIntervals({10000, 0, 0, 0});
+        DeviceGroup::setStaggerIntervals({10000, 0, 0});
         QPointer<Device> pending;
         {
             DeviceGroup group;
@@ -267,7 +267,7 @@ private slots:
 
     void clearDevicesRemovesEveryPhoneAtTheClearInterval()
     {
-        DeviceGroup::setStaggerIntervals({0, 0, 0, 30});
+        DeviceGroup::setStaggerIntervals({0, 0, 30});
         DeviceGroup group;
         fill(group, {"A", "B", "C"});
         group.startGroupControl();
@@ -299,25 +299,16 @@ private slots:
         QCOMPARE(more.count(), 0);
     }
 
-    void startAllStartsOnlyStoppedPhonesAtTheStartInterval()
+    void startAllStartsEveryStoppedPhone()
     {
-        DeviceGroup::setStaggerIntervals({0, 30, 0, 0});
         DeviceGroup group;
         fill(group, {"A", "B", "C"});
-        QElapsedTimer clock;
         QStringList order;
-        QList<qint64> at;
-        for (Device *device : group.devices()) {
-            connect(device, &Device::scrcpyError, this, [&, device] {
-                order << device->adbConnectionSerial();
-                at << clock.elapsed();
-            });
-        }
-        clock.start();
+        for (Device *device : group.devices())
+            connect(device, &Device::scrcpyError, this, [&, device] { order << device->adbConnectionSerial(); });
         group.startAllDevices();
         QTRY_COMPARE(order.size(), 3);
         QCOMPARE(order, (QStringList{"A", "B", "C"}));
-        QVERIFY(at.at(1) >= 28 && at.at(2) >= 58);
         // Failed starts for want of the server file leave the phones in their group.
         QCOMPARE(group.deviceCount(), 3);
     }

@@ -80,7 +80,7 @@ private slots:
     void initTestCase()
     {
         AdbClient::setProgram(m_adb.program());
-        DeviceGroup::setStaggerIntervals({0, 0, 0, 0});
+        DeviceGroup::setStaggerIntervals({0, 0, 0});
     }
 
     void init()

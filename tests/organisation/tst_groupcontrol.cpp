@@ -46,7 +46,7 @@ private slots:
         m_fixture = std::make_unique<PhoneFixture>(15401);
         for (const QSize &size : m_sizes)
             QVERIFY2(m_fixture->addPhone(size), qPrintable(m_fixture->error()));
-        DeviceGroup::setStaggerIntervals({20, 20, 30, 50});
+        DeviceGroup::setStaggerIntervals({20, 30, 50});
     }
 
     void cleanupTestCase()
@@ -77,9 +77,7 @@ private slots:
             QCOMPARE(device(row)->serverParamsSmallView()->maxSize(), 0);
         }
 
-        QSignalSpy started(device(3), &Device::runningChanged);
         m_group->startAllDevices();
-        QVERIFY(!device(3)->running());
         for (int row = 0; row < 4; ++row) {
             QTRY_VERIFY_WITH_TIMEOUT(device(row)->running(), 20000);
             QTRY_VERIFY_WITH_TIMEOUT(device(row)->controller() != nullptr, 20000);

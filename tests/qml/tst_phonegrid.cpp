@@ -138,7 +138,7 @@ private slots:
         }
         // Start from the one default group, as on a first run.
         QFile::remove(DeviceGroupManager::filePath());
-        DeviceGroup::setStaggerIntervals({20, 20, 30, 50});
+        DeviceGroup::setStaggerIntervals({20, 30, 50});
         Device::setStepDelay(100);
 
         previousHandler = qInstallMessageHandler(collectWarnings);
