@@ -791,6 +791,21 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>JsonFile</name>
+    <message>
+        <source>%1 could not be read and could not be moved aside. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>无法读取 %1，也无法将其移到一旁。Korvel 不会覆盖它；更改只保留到 Korvel 关闭。</translation>
+    </message>
+    <message>
+        <source>%1 could not be read. It was kept as %2 and Korvel started without it.</source>
+        <translation>无法读取 %1。它已保留为 %2，Korvel 在没有它的情况下启动。</translation>
+    </message>
+    <message>
+        <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
+        <translation>无法保存 %1。更改只保留到 Korvel 关闭。</translation>
+    </message>
+</context>
+<context>
     <name>KVAlert</name>
     <message>
         <source>Alert</source>
@@ -850,6 +865,10 @@ shell ps</translation>
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此分组没有设备，点击扫描</translation>
+    </message>
+    <message>
+        <source>Data Files</source>
+        <translation>数据文件</translation>
     </message>
 </context>
 <context>

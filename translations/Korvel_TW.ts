@@ -791,6 +791,21 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>JsonFile</name>
+    <message>
+        <source>%1 could not be read and could not be moved aside. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>無法讀取 %1，也無法將其移到一旁。Korvel 不會覆寫它；變更只保留到 Korvel 關閉。</translation>
+    </message>
+    <message>
+        <source>%1 could not be read. It was kept as %2 and Korvel started without it.</source>
+        <translation>無法讀取 %1。它已保留為 %2，Korvel 在沒有它的情況下啟動。</translation>
+    </message>
+    <message>
+        <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
+        <translation>無法儲存 %1。變更只保留到 Korvel 關閉。</translation>
+    </message>
+</context>
+<context>
     <name>KVAlert</name>
     <message>
         <source>Alert</source>
@@ -850,6 +865,10 @@ shell ps</translation>
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此群組沒有裝置，點擊掃描</translation>
+    </message>
+    <message>
+        <source>Data Files</source>
+        <translation>資料檔案</translation>
     </message>
 </context>
 <context>

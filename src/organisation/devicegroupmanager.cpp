@@ -25,6 +25,11 @@ DeviceGroupManager::DeviceGroupManager(QObject *parent)
     m_currentSelectedGroup = m_deviceGroups.first();
     emit currentSelectedGroupChanged();
     connect(m_scanWatcher, &QFutureWatcher<ScanResult>::finished, this, &DeviceGroupManager::finishScan);
+    // The remembered phones that are attached now come back without waiting for a scan.
+    const bool remembersPhones = std::any_of(m_deviceGroups.cbegin(), m_deviceGroups.cend(),
+                                             [](const DeviceGroup *group) { return !group->memberSerials().isEmpty(); });
+    if (remembersPhones)
+        scanDevices();
 }
 
 DeviceGroupManager::~DeviceGroupManager()
@@ -51,8 +56,11 @@ int DeviceGroupManager::totalDeviceCount() const
 
 void DeviceGroupManager::load()
 {
-    const QJsonArray groups = JsonFile::read(filePath()).value("device_groups").toArray();
-    for (const QJsonValue &value : groups) {
+    const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_groups", QJsonValue::Array);
+    m_saveBlocked = loaded.blocked;
+    m_fileMessage = loaded.message;
+    QSet<QString> claimed;
+    for (const QJsonValue &value : loaded.object.value("device_groups").toArray()) {
         const QJsonObject element = value.toObject();
         const QString name = element.value("name").toString();
         if (name.isEmpty())
@@ -61,17 +69,53 @@ void DeviceGroupManager::load()
         group->renameTo(name);
         if (element.contains("settings"))
             group->loadSettings(element.value("settings").toObject());
+        QStringList serials;
+        for (const QJsonValue &serial : element.value("devices").toArray()) {
+            const QString text = serial.toString();
+            if (!text.isEmpty() && !claimed.contains(text)) {
+                claimed.insert(text);
+                serials.append(text);
+            }
+        }
+        group->setMemberSerials(serials);
         adopt(group);
     }
 }
 
-void DeviceGroupManager::save() const
+void DeviceGroupManager::save()
 {
+    if (m_saveBlocked)
+        return;
     QJsonArray groups;
-    for (const DeviceGroup *group : m_deviceGroups)
-        groups.append(QJsonObject{{"name", group->name()}, {"settings", group->settingsToJson()}});
-    // A failed write leaves the previous file in place; there is nobody to tell.
-    JsonFile::write(filePath(), QJsonObject{{"device_groups", groups}});
+    for (const DeviceGroup *group : std::as_const(m_deviceGroups)) {
+        groups.append(QJsonObject{{"name", group->name()},
+                                  {"settings", group->settingsToJson()},
+                                  {"devices", QJsonArray::fromStringList(group->memberSerials())}});
+    }
+    // A failed write leaves the previous file in place and the groups in memory.
+    const QString notSaved = JsonFile::notSavedMessage(filePath());
+    if (!JsonFile::write(filePath(), QJsonObject{{"device_groups", groups}}))
+        setFileMessage(notSaved);
+    else if (m_fileMessage == notSaved)
+        setFileMessage({});
+}
+
+void DeviceGroupManager::setFileMessage(const QString &message)
+{
+    if (message == m_fileMessage)
+        return;
+    m_fileMessage = message;
+    emit fileMessageChanged();
+}
+
+void DeviceGroupManager::claimMembers(DeviceGroup *owner)
+{
+    for (DeviceGroup *group : std::as_const(m_deviceGroups)) {
+        if (group == owner)
+            continue;
+        for (const QString &serial : owner->memberSerials())
+            group->forgetMember(serial);
+    }
 }
 
 void DeviceGroupManager::adopt(DeviceGroup *group)
@@ -83,6 +127,13 @@ void DeviceGroupManager::adopt(DeviceGroup *group)
         emit deviceGroupsChanged();
     });
     connect(group, &DeviceGroup::settingsChanged, this, &DeviceGroupManager::save);
+    connect(group, &DeviceGroup::membersChanged, this, [this, group] {
+        // A removed group is no longer saved and claims nothing.
+        if (!m_deviceGroups.contains(group))
+            return;
+        claimMembers(group);
+        save();
+    });
     m_deviceGroups.append(group);
 }
 
@@ -159,12 +210,33 @@ void DeviceGroupManager::refreshFromAdb()
     refreshAvailableDevices(AdbClient::devices());
 }
 
+void DeviceGroupManager::placeKnownDevices(const QList<ADBDeviceInfo> &listed)
+{
+    const auto heldAnywhere = [this](const QString &serial) {
+        return std::any_of(m_deviceGroups.cbegin(), m_deviceGroups.cend(),
+                           [&serial](const DeviceGroup *group) { return group->holdsSerial(serial); });
+    };
+    for (DeviceGroup *group : std::as_const(m_deviceGroups)) {
+        QList<ADBDeviceInfo> returning;
+        for (const QString &serial : group->memberSerials()) {
+            const auto info = std::find_if(listed.cbegin(), listed.cend(),
+                                           [&serial](const ADBDeviceInfo &each) { return each.adb_serial == serial; });
+            if (info != listed.cend() && !heldAnywhere(serial))
+                returning.append(*info);
+        }
+        group->addDevices(returning);
+    }
+}
+
 void DeviceGroupManager::refreshAvailableDevices(const QList<ADBDeviceInfo> &listed)
 {
+    placeKnownDevices(listed);
     QSet<QString> grouped;
     for (const DeviceGroup *group : std::as_const(m_deviceGroups)) {
         for (const Device *device : group->devices())
             grouped.insert(device->adbConnectionSerial());
+        for (const QString &serial : group->memberSerials())
+            grouped.insert(serial);
     }
     QList<ADBDeviceInfo> available;
     for (const ADBDeviceInfo &info : listed) {

@@ -25,6 +25,7 @@ class DeviceGroupManager : public QObject
     Q_PROPERTY(DeviceGroup *currentSelectedGroup READ currentSelectedGroup WRITE setCurrentSelectedGroup
                    NOTIFY currentSelectedGroupChanged)
     Q_PROPERTY(int totalDeviceCount READ totalDeviceCount)
+    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     explicit DeviceGroupManager(QObject *parent = nullptr);
@@ -35,6 +36,8 @@ public:
     QList<DeviceGroup *> deviceGroups() const { return m_deviceGroups; }
     DeviceGroup *currentSelectedGroup() const { return m_currentSelectedGroup; }
     int totalDeviceCount() const;
+    // What went wrong with device_groups.json, for the user; empty when nothing did.
+    QString fileMessage() const { return m_fileMessage; }
 
     // The full path of device_groups.json in the folder chosen in the settings.
     static QString filePath();
@@ -48,12 +51,16 @@ public:
     Q_INVOKABLE void clearAvailableDevices();
     Q_INVOKABLE bool restartADBServer();
 
+    // Puts every listed phone that a group remembers back into that group, at its position.
+    void placeKnownDevices(const QList<ADBDeviceInfo> &listed);
+
 signals:
     void currentSelectedGroupChanged();
     void isScanningChanged();
     void availableDeviceInfosChanged();
     void deviceGroupsChanged();
     void scanError(const QString &message);
+    void fileMessageChanged();
 
 private:
     struct ScanResult
@@ -64,8 +71,11 @@ private:
     static ScanResult listDevices();
 
     void load();
-    void save() const;
+    void save();
+    void setFileMessage(const QString &message);
     void adopt(DeviceGroup *group);
+    // A serial belongs to one group: the one that took it last.
+    void claimMembers(DeviceGroup *owner);
     void refreshAvailableDevices(const QList<ADBDeviceInfo> &listed);
     void refreshFromAdb();
     void finishScan();
@@ -75,4 +85,7 @@ private:
     bool m_isScanning = false;
     QList<ADBDeviceInfo> m_availableDeviceInfos;
     QFutureWatcher<ScanResult> *m_scanWatcher;
+    QString m_fileMessage;
+    // The file could be neither read nor moved aside: it is never replaced.
+    bool m_saveBlocked = false;
 };

@@ -139,4 +139,24 @@ ApplicationWindow {
         id: appSettingsDialog
         objectName: "appSettingsDialog"
     }
+
+    // A data file that could not be read or saved is named to the user, never lost in silence.
+    KVAlert {
+        id: fileAlert
+        objectName: "fileAlert"
+        function report(messages) {
+            const text = messages.filter(message => message !== "").join("\n\n")
+            if (text !== "")
+                show(qsTr("Data Files"), text)
+        }
+    }
+    Connections {
+        target: groupManager
+        function onFileMessageChanged() { fileAlert.report([groupManager.fileMessage]) }
+    }
+    Connections {
+        target: DeviceSettings
+        function onFileMessageChanged() { fileAlert.report([DeviceSettings.fileMessage]) }
+    }
+    Component.onCompleted: fileAlert.report([groupManager.fileMessage, DeviceSettings.fileMessage])
 }
