@@ -7,6 +7,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
+#include <QTcpServer>
 #include <QtTest>
 
 Q_IMPORT_QML_PLUGIN(KorvelPlugin)
@@ -64,6 +65,12 @@ private slots:
     void initTestCase()
     {
         qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
+        // No adb server answers on this port, so the one Korvel's adb calls would start is its own.
+        {
+            QTcpServer probe;
+            QVERIFY(probe.listen(QHostAddress::LocalHost));
+            qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(probe.serverPort()));
+        }
         previousHandler = qInstallMessageHandler(collectWarnings);
         AppStartup::configureApplication();
         m_engine = new QQmlApplicationEngine;
