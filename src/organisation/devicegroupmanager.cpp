@@ -59,27 +59,38 @@ void DeviceGroupManager::load()
     const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_groups", QJsonValue::Array);
     m_saveBlocked = loaded.blocked;
     m_fileMessage = loaded.message;
-    QSet<QString> claimed;
-    for (const QJsonValue &value : loaded.object.value("device_groups").toArray()) {
-        const QJsonObject element = value.toObject();
-        const QString name = element.value("name").toString();
-        if (name.isEmpty())
-            continue;
+    for (const StoredGroup &stored : storedGroups(loaded.object)) {
         auto *group = new DeviceGroup(this);
-        group->renameTo(name);
-        if (element.contains("settings"))
-            group->loadSettings(element.value("settings").toObject());
-        QStringList serials;
+        group->renameTo(stored.name);
+        if (stored.hasSettings)
+            group->loadSettings(stored.settings);
+        group->setMemberSerials(stored.devices);
+        adopt(group);
+    }
+}
+
+QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJsonObject &file)
+{
+    QList<StoredGroup> groups;
+    QSet<QString> claimed;
+    for (const QJsonValue &value : file.value("device_groups").toArray()) {
+        const QJsonObject element = value.toObject();
+        StoredGroup group;
+        group.name = element.value("name").toString();
+        if (group.name.isEmpty())
+            continue;
+        group.hasSettings = element.contains("settings");
+        group.settings = element.value("settings").toObject();
         for (const QJsonValue &serial : element.value("devices").toArray()) {
             const QString text = serial.toString();
             if (!text.isEmpty() && !claimed.contains(text)) {
                 claimed.insert(text);
-                serials.append(text);
+                group.devices.append(text);
             }
         }
-        group->setMemberSerials(serials);
-        adopt(group);
+        groups.append(group);
     }
+    return groups;
 }
 
 void DeviceGroupManager::save()

@@ -3,9 +3,11 @@
 #include "adbdeviceinfo.h"
 
 #include <QFutureWatcher>
+#include <QJsonObject>
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
 class Device;
@@ -41,6 +43,17 @@ public:
 
     // The full path of device_groups.json in the folder chosen in the settings.
     static QString filePath();
+
+    // One group as device_groups.json holds it.
+    struct StoredGroup
+    {
+        QString name;
+        bool hasSettings = false;
+        QJsonObject settings;
+        QStringList devices;
+    };
+    // The usable groups of the file's object: named ones, each serial kept by its first group only.
+    static QList<StoredGroup> storedGroups(const QJsonObject &file);
 
     Q_INVOKABLE void handleDeviceAdded(Device *device);
     Q_INVOKABLE void handleDeviceRemoved(Device *device);

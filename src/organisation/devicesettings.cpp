@@ -35,12 +35,19 @@ void DeviceSettings::reload()
     const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_nicknames", QJsonValue::Object);
     m_saveBlocked = loaded.blocked;
     setFileMessage(loaded.message);
-    const QJsonObject members = loaded.object.value("device_nicknames").toObject();
+    m_nicknames = nicknamesFrom(loaded.object);
+}
+
+QMap<QString, QString> DeviceSettings::nicknamesFrom(const QJsonObject &file)
+{
+    QMap<QString, QString> nicknames;
+    const QJsonObject members = file.value("device_nicknames").toObject();
     for (auto it = members.begin(); it != members.end(); ++it) {
         const QString nickname = it.value().toString();
         if (it.value().isString() && !nickname.isEmpty())
-            m_nicknames.insert(it.key(), nickname);
+            nicknames.insert(it.key(), nickname);
     }
+    return nicknames;
 }
 
 void DeviceSettings::save()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -29,6 +30,8 @@ public:
     Q_INVOKABLE void sync();
 
     QString filePath() const;
+    // The nicknames of the file's object: members whose value is a non-empty string.
+    static QMap<QString, QString> nicknamesFrom(const QJsonObject &file);
     // What went wrong with device_nicknames.json, for the user; empty when nothing did.
     QString fileMessage() const { return m_fileMessage; }
     // Reads the file again, dropping what is in memory; the application reads it once at start.

@@ -27,14 +27,8 @@ Loaded load(const QString &path, const QString &key, QJsonValue::Type type)
     QFile file(path);
     bool usable = false;
     if (info.isFile() && file.open(QIODevice::ReadOnly)) {
-        QJsonParseError error{};
-        const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+        usable = parse(file.readAll(), key, type, &loaded.object);
         file.close();
-        const QJsonValue value = document.object().value(key);
-        usable = error.error == QJsonParseError::NoError && document.isObject()
-                 && (value.isUndefined() || value.type() == type);
-        if (usable)
-            loaded.object = document.object();
     }
     if (usable)
         return loaded;
@@ -54,6 +48,19 @@ Loaded load(const QString &path, const QString &key, QJsonValue::Type type)
                              .arg(name, QDir::toNativeSeparators(loaded.keptAs));
     }
     return loaded;
+}
+
+bool parse(const QByteArray &bytes, const QString &key, QJsonValue::Type type, QJsonObject *object)
+{
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        return false;
+    const QJsonValue value = document.object().value(key);
+    if (!value.isUndefined() && value.type() != type)
+        return false;
+    *object = document.object();
+    return true;
 }
 
 QString keepAside(const QString &path)

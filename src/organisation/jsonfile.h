@@ -26,6 +26,8 @@ QJsonObject read(const QString &path);
 // cannot be read, is not a JSON object or holds `key` with another type is kept aside first, so
 // that no later save writes over what the user had.
 Loaded load(const QString &path, const QString &key, QJsonValue::Type type);
+// Whether bytes are a usable data file as load() decides; the object is stored when they are.
+bool parse(const QByteArray &bytes, const QString &key, QJsonValue::Type type, QJsonObject *object);
 // Moves the file to "<name>.corrupt-<yyyyMMdd-hhmmss>" beside it; returns the new path, or an
 // empty string when it could not be moved.
 QString keepAside(const QString &path);
