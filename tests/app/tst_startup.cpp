@@ -73,6 +73,13 @@ private slots:
         }
         previousHandler = qInstallMessageHandler(collectWarnings);
         AppStartup::configureApplication();
+        // A groups file left cut short by hand: the window must say where it went.
+        const QString groups = AppConfig::instance()->getDeviceGroupSavePath() + "/device_groups.json";
+        QVERIFY(QDir().mkpath(QFileInfo(groups).path()));
+        QFile corrupt(groups);
+        QVERIFY(corrupt.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        corrupt.write("{\"device_groups\": [");
+        corrupt.close();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
     }
@@ -96,6 +103,17 @@ private slots:
         QCOMPARE(window()->size(), QSize(1480, 800));
         QTest::qWait(200);
         QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
+    }
+
+    void corruptGroupsFileIsNamedToTheUser()
+    {
+        QObject *alert = find("fileAlert");
+        QTRY_VERIFY(alert->property("opened").toBool());
+        const QString message = alert->property("message").toString();
+        QVERIFY2(message.contains("device_groups.json could not be read") && message.contains("device_groups.json.corrupt-"),
+                 qPrintable(message));
+        QMetaObject::invokeMethod(alert, "close");
+        QTRY_VERIFY(!alert->property("visible").toBool());
     }
 
     void headerAndMenus()
