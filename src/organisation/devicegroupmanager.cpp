@@ -121,10 +121,12 @@ void DeviceGroupManager::setFileMessage(const QString &message)
 
 void DeviceGroupManager::claimMembers(DeviceGroup *owner)
 {
+    // A copy: forgetting in one group lets that group claim in turn.
+    const QStringList serials = owner->memberSerials();
     for (DeviceGroup *group : std::as_const(m_deviceGroups)) {
         if (group == owner)
             continue;
-        for (const QString &serial : owner->memberSerials())
+        for (const QString &serial : serials)
             group->forgetMember(serial);
     }
 }
