@@ -243,17 +243,6 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>CommonPhraseManager</name>
-    <message>
-        <source>%1 is damaged and could not be moved aside; phrases will not be saved.</source>
-        <translation>%1 已损坏且无法移开；常用语将不会保存。</translation>
-    </message>
-    <message>
-        <source>%1 is damaged; it was kept as %2 and phrases start empty.</source>
-        <translation>%1 已损坏；已保留为 %2，常用语从空白开始。</translation>
-    </message>
-</context>
-<context>
     <name>CommonPhrasesDialog</name>
     <message>
         <source>Common Phrases Manager</source>
@@ -1072,6 +1061,21 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>JsonFile</name>
+    <message>
+        <source>%1 could not be read and could not be moved aside. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>无法读取 %1，也无法将其移到一旁。Korvel 不会覆盖它；更改只保留到 Korvel 关闭。</translation>
+    </message>
+    <message>
+        <source>%1 could not be read. It was kept as %2 and Korvel started without it.</source>
+        <translation>无法读取 %1。它已保留为 %2，Korvel 在没有它的情况下启动。</translation>
+    </message>
+    <message>
+        <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
+        <translation>无法保存 %1。更改只保留到 Korvel 关闭。</translation>
+    </message>
+</context>
+<context>
     <name>KVAlert</name>
     <message>
         <source>Alert</source>
@@ -1102,17 +1106,6 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>关闭</translation>
-    </message>
-</context>
-<context>
-    <name>KeyMapping</name>
-    <message>
-        <source>%1 is damaged and could not be moved aside; key mappings will not be saved.</source>
-        <translation>%1 已损坏且无法移开；按键映射将不会保存。</translation>
-    </message>
-    <message>
-        <source>%1 is damaged; it was kept as %2 and key mappings start empty.</source>
-        <translation>%1 已损坏；已保留为 %2，按键映射从空白开始。</translation>
     </message>
 </context>
 <context>
@@ -1357,8 +1350,8 @@ shell ps</translation>
         <translation>此分组没有设备，点击扫描</translation>
     </message>
     <message>
-        <source>Damaged file</source>
-        <translation>文件已损坏</translation>
+        <source>Data Files</source>
+        <translation>数据文件</translation>
     </message>
 </context>
 <context>

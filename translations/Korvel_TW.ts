@@ -243,17 +243,6 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>CommonPhraseManager</name>
-    <message>
-        <source>%1 is damaged and could not be moved aside; phrases will not be saved.</source>
-        <translation>%1 已損壞且無法移開；常用語將不會儲存。</translation>
-    </message>
-    <message>
-        <source>%1 is damaged; it was kept as %2 and phrases start empty.</source>
-        <translation>%1 已損壞；已保留為 %2，常用語從空白開始。</translation>
-    </message>
-</context>
-<context>
     <name>CommonPhrasesDialog</name>
     <message>
         <source>Common Phrases Manager</source>
@@ -1072,6 +1061,21 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>JsonFile</name>
+    <message>
+        <source>%1 could not be read and could not be moved aside. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>無法讀取 %1，也無法將其移到一旁。Korvel 不會覆寫它；變更只保留到 Korvel 關閉。</translation>
+    </message>
+    <message>
+        <source>%1 could not be read. It was kept as %2 and Korvel started without it.</source>
+        <translation>無法讀取 %1。它已保留為 %2，Korvel 在沒有它的情況下啟動。</translation>
+    </message>
+    <message>
+        <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
+        <translation>無法儲存 %1。變更只保留到 Korvel 關閉。</translation>
+    </message>
+</context>
+<context>
     <name>KVAlert</name>
     <message>
         <source>Alert</source>
@@ -1102,17 +1106,6 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>關閉</translation>
-    </message>
-</context>
-<context>
-    <name>KeyMapping</name>
-    <message>
-        <source>%1 is damaged and could not be moved aside; key mappings will not be saved.</source>
-        <translation>%1 已損壞且無法移開；按鍵映射將不會儲存。</translation>
-    </message>
-    <message>
-        <source>%1 is damaged; it was kept as %2 and key mappings start empty.</source>
-        <translation>%1 已損壞；已保留為 %2，按鍵映射從空白開始。</translation>
     </message>
 </context>
 <context>
@@ -1357,8 +1350,8 @@ shell ps</translation>
         <translation>此群組沒有裝置，點擊掃描</translation>
     </message>
     <message>
-        <source>Damaged file</source>
-        <translation>檔案已損壞</translation>
+        <source>Data Files</source>
+        <translation>資料檔案</translation>
     </message>
 </context>
 <context>

@@ -9,6 +9,7 @@
 #include <QMutex>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTcpSocket>
 
 #include <atomic>
 
@@ -19,6 +20,9 @@ constexpr int kTransferSeconds = 300;
 
 std::atomic<int> normalTimeoutMs{kNormalSeconds * 1000};
 std::atomic<int> transferTimeoutMs{kTransferSeconds * 1000};
+
+// Until start-up finds a server of someone else's, the server is the one Korvel's adb calls start.
+std::atomic<bool> serverIsOurs{true};
 
 QMutex programMutex;
 QString programOverride;
@@ -83,7 +87,32 @@ bool AdbClient::startServer() { return succeeded({"start-server"}); }
 
 bool AdbClient::restartServer()
 {
-    return killServer() && startServer();
+    if (!killServer())
+        return false;
+    serverIsOurs = true;
+    return startServer();
+}
+
+bool AdbClient::serverListening()
+{
+    bool valid = false;
+    const uint port = qEnvironmentVariable("ANDROID_ADB_SERVER_PORT").toUInt(&valid);
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, valid && port > 0 && port <= 65535 ? quint16(port) : 5037);
+    // Loopback answers at once, with a connection or a refusal.
+    const bool listening = socket.waitForConnected(1000);
+    socket.abort();
+    return listening;
+}
+
+void AdbClient::noteServerAtStart()
+{
+    serverIsOurs = !serverListening();
+}
+
+bool AdbClient::killOwnServer()
+{
+    return serverIsOurs && killServer();
 }
 
 QList<ADBDeviceInfo> AdbClient::devices()
@@ -100,7 +129,12 @@ bool AdbClient::connect(const QString &serial, const QString &ip, quint16 port)
     return succeeded({"-s", serial, "connect", ip + ":" + QString::number(port)}, "failed");
 }
 
-bool AdbClient::disconnect(const QString &serial) { return succeeded({"-s", serial, "disconnect"}); }
+bool AdbClient::disconnect(const QString &address)
+{
+    // adb ends with status 0 and "disconnected ADDRESS" only when it dropped that connection.
+    const QString result = run({"disconnect", address});
+    return !result.startsWith("[error]") && result.startsWith("disconnected");
+}
 bool AdbClient::usb(const QString &serial) { return succeeded({"-s", serial, "usb"}); }
 
 bool AdbClient::tcpip(const QString &serial, quint16 port)
@@ -221,35 +255,45 @@ DeviceInfo AdbClient::getDeviceInfo(const QString &serial)
     for (const auto &[field, key] : properties)
         *field = shellResult(serial, {"getprop", key});
 
-    const QString size = shellResult(serial, {"wm", "size"}).remove("Physical size: ").trimmed();
+    info.screen_size = parseScreenSize(shellResult(serial, {"wm", "size"}));
+    return info;
+}
+
+QSize AdbClient::parseScreenSize(const QString &text)
+{
+    const QString size = QString(text).remove("Physical size: ").trimmed();
     const QStringList sides = size.split("x");
     const int width = sides.value(0).toInt();
     const int height = sides.size() > 1 ? sides.value(1).toInt() : 0;
-    info.screen_size = QSize(width, height);
-    return info;
+    return QSize(width, height);
+}
+
+QString AdbClient::parseInetAddress(const QString &text, AddressListing listing)
+{
+    static const QRegularExpression ipAddr("inet\\s+(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
+    static const QRegularExpression ifconfig("inet\\s+(?:addr:)?(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
+    const QRegularExpressionMatch match = (listing == AddressListing::Ip ? ipAddr : ifconfig).match(text);
+    return match.hasMatch() ? match.captured(1) : QString();
+}
+
+bool AdbClient::isAddressProperty(const QString &value)
+{
+    static const QRegularExpression whole("^\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}$");
+    return whole.match(value).hasMatch();
 }
 
 QString AdbClient::getWifiIpAddress(const QString &serial)
 {
-    static const QRegularExpression ipAddr("inet\\s+(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
-    static const QRegularExpression ifconfig("inet\\s+(?:addr:)?(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
-    static const QRegularExpression whole("^\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}$");
-
-    auto capture = [](const QString &text, const QRegularExpression &expression) {
-        const QRegularExpressionMatch match = expression.match(text);
-        return match.hasMatch() ? match.captured(1) : QString();
-    };
-
-    QString address = capture(shellResult(serial, {"ip addr show wlan0"}), ipAddr);
+    QString address = parseInetAddress(shellResult(serial, {"ip addr show wlan0"}), AddressListing::Ip);
     if (!address.isEmpty())
         return address;
-    address = capture(shellResult(serial, {"ifconfig wlan0"}), ifconfig);
+    address = parseInetAddress(shellResult(serial, {"ifconfig wlan0"}), AddressListing::Ifconfig);
     if (!address.isEmpty())
         return address;
     const QString property = shellResult(serial, {"getprop", "dhcp.wlan0.ipaddress"});
-    if (whole.match(property).hasMatch())
+    if (isAddressProperty(property))
         return property;
-    return capture(shellResult(serial, {"ip addr show eth0"}), ipAddr);
+    return parseInetAddress(shellResult(serial, {"ip addr show eth0"}), AddressListing::Ip);
 }
 
 bool AdbClient::setWallpaper(const QString &serial, const QString &localImagePath)

@@ -145,12 +145,12 @@ void KeyMapping::clearProfiles()
     }
 }
 
-void KeyMapping::setFileProblem(const QString &problem)
+void KeyMapping::setFileMessage(const QString &problem)
 {
-    if (problem == m_fileProblem)
+    if (problem == m_fileMessage)
         return;
-    m_fileProblem = problem;
-    emit fileProblemChanged();
+    m_fileMessage = problem;
+    emit fileMessageChanged();
 }
 
 bool KeyMapping::loadFromFile()
@@ -159,23 +159,18 @@ bool KeyMapping::loadFromFile()
     if (!QFile::exists(path))
         return false;
     m_saveBlocked = false;
-    setFileProblem(QString());
+    setFileMessage(QString());
 
-    QJsonObject root;
-    const bool readable = JsonFile::readObject(path, &root);
-    const QJsonValue profilesValue = root.value("profiles");
-    if (!readable || (!profilesValue.isUndefined() && !profilesValue.isObject())) {
+    const JsonFile::Loaded loaded = JsonFile::load(path, "profiles", QJsonValue::Object);
+    if (!loaded.message.isEmpty()) {
         clearProfiles();
         emit profilesChanged();
-        const QString kept = JsonFile::keepAside(path);
-        m_saveBlocked = kept.isEmpty();
-        setFileProblem(kept.isEmpty()
-                           ? tr("%1 is damaged and could not be moved aside; key mappings will not be saved.")
-                                 .arg(QDir::toNativeSeparators(path))
-                           : tr("%1 is damaged; it was kept as %2 and key mappings start empty.")
-                                 .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(kept)));
+        m_saveBlocked = loaded.blocked;
+        setFileMessage(loaded.message);
         return false;
     }
+    const QJsonObject root = loaded.object;
+    const QJsonValue profilesValue = root.value("profiles");
 
     clearProfiles();
     const QJsonObject profiles = profilesValue.toObject();

@@ -23,7 +23,7 @@ class KeyMapping : public QObject
                    NOTIFY currentProfileChanged)
     Q_PROPERTY(QVariantList currentMappings READ currentMappings NOTIFY currentMappingsChanged)
     // What went wrong reading the file, for the user; empty when it was read or absent.
-    Q_PROPERTY(QString fileProblem READ fileProblem NOTIFY fileProblemChanged)
+    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     static KeyMapping *instance();
@@ -32,7 +32,7 @@ public:
     QStringList profileNames() const;
     KeyMappingProfile *currentProfile() const { return m_current; }
     QVariantList currentMappings() const;
-    QString fileProblem() const { return m_fileProblem; }
+    QString fileMessage() const { return m_fileMessage; }
 
     Q_INVOKABLE void setCurrentProfile(KeyMappingProfile *profile);
     Q_INVOKABLE bool addProfile(const QString &profileName);
@@ -52,17 +52,17 @@ signals:
     void profilesChanged();
     void currentProfileChanged();
     void currentMappingsChanged();
-    void fileProblemChanged();
+    void fileMessageChanged();
 
 private:
     KeyMapping();
     void clearProfiles();
     KeyMappingProfile *makeProfile(const QString &name);
-    void setFileProblem(const QString &problem);
+    void setFileMessage(const QString &problem);
 
     QList<KeyMappingProfile *> m_profiles;
     QPointer<KeyMappingProfile> m_current;
-    QString m_fileProblem;
+    QString m_fileMessage;
     // Set when a damaged file could not be moved aside: it is never written over.
     bool m_saveBlocked = false;
 };

@@ -172,12 +172,12 @@ void CommonPhraseManager::clear()
     m_categories.clear();
 }
 
-void CommonPhraseManager::setFileProblem(const QString &problem)
+void CommonPhraseManager::setFileMessage(const QString &problem)
 {
-    if (problem == m_fileProblem)
+    if (problem == m_fileMessage)
         return;
-    m_fileProblem = problem;
-    emit fileProblemChanged();
+    m_fileMessage = problem;
+    emit fileMessageChanged();
 }
 
 void CommonPhraseManager::loadData()
@@ -186,25 +186,13 @@ void CommonPhraseManager::loadData()
     if (!QFile::exists(path))
         return;
     m_saveBlocked = false;
-    setFileProblem(QString());
+    setFileMessage(QString());
 
-    QJsonObject root;
-    const bool readable = JsonFile::readObject(path, &root);
-    const QJsonValue categories = root.value("categories");
-    const QJsonValue phrases = root.value("phrases");
-    const bool shaped =
-        (categories.isUndefined() || categories.isArray()) && (phrases.isUndefined() || phrases.isArray());
     clear();
-    if (!readable || !shaped) {
-        const QString kept = JsonFile::keepAside(path);
-        m_saveBlocked = kept.isEmpty();
-        setFileProblem(kept.isEmpty()
-                           ? tr("%1 is damaged and could not be moved aside; phrases will not be saved.")
-                                 .arg(QDir::toNativeSeparators(path))
-                           : tr("%1 is damaged; it was kept as %2 and phrases start empty.")
-                                 .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(kept)));
-        root = QJsonObject();
-    }
+    const JsonFile::Loaded loaded = JsonFile::load(path, "phrases", QJsonValue::Array);
+    m_saveBlocked = loaded.blocked;
+    setFileMessage(loaded.message);
+    const QJsonObject root = loaded.object;
     for (const QJsonValue &value : root.value("categories").toArray()) {
         if (value.isObject())
             m_categories.append(PhraseCategory::fromJson(value.toObject(), this));

@@ -23,7 +23,7 @@ class CommonPhraseManager : public QObject
     Q_PROPERTY(QString currentCategoryId READ currentCategoryId WRITE setCurrentCategoryId
                    NOTIFY currentCategoryIdChanged)
     // What went wrong reading the file, for the user; empty when it was read or absent.
-    Q_PROPERTY(QString fileProblem READ fileProblem NOTIFY fileProblemChanged)
+    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     static CommonPhraseManager *instance();
@@ -33,7 +33,7 @@ public:
     QQmlListProperty<PhraseCategory> categories();
     QString currentCategoryId() const { return m_currentCategoryId; }
     void setCurrentCategoryId(const QString &id);
-    QString fileProblem() const { return m_fileProblem; }
+    QString fileMessage() const { return m_fileMessage; }
     QString filePath() const;
 
     Q_INVOKABLE void addCategory(const QString &name, const QString &description = QString());
@@ -59,17 +59,17 @@ signals:
     void phrasesChanged();
     void categoriesChanged();
     void currentCategoryIdChanged();
-    void fileProblemChanged();
+    void fileMessageChanged();
 
 private:
     CommonPhraseManager();
     void clear();
-    void setFileProblem(const QString &problem);
+    void setFileMessage(const QString &problem);
 
     QList<PhraseCategory *> m_categories;
     QList<CommonPhrase *> m_phrases;
     QString m_currentCategoryId;
-    QString m_fileProblem;
+    QString m_fileMessage;
     // Set when a damaged file could not be moved aside: it is never written over.
     bool m_saveBlocked = false;
 };

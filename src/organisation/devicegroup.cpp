@@ -78,10 +78,13 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
         return false;
     for (int i = 0; i < deviceInfos.size(); ++i) {
         const ADBDeviceInfo &info = deviceInfos.at(i);
+        remember(info.adb_serial);
         // A child of the group from the start, so a group that ends before the insertion takes it along.
         auto *device = new Device(this, this, info.adb_serial);
         device->setConnectionType(info.is_usb_connection ? Device::USB : Device::WiFi);
+        m_arriving.append(device);
         QTimer::singleShot(i * stagger.addMs, this, [this, guard = QPointer<Device>(device)] {
+            m_arriving.removeAll(guard);
             if (guard)
                 insertDevice(guard);
         });
@@ -89,18 +92,30 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
     return true;
 }
 
-void DeviceGroup::appendRow(Device *device)
+void DeviceGroup::placeRow(Device *device)
 {
-    beginInsertRows(QModelIndex(), m_devices.size(), m_devices.size());
+    const int position = m_memberSerials.indexOf(device->adbConnectionSerial());
+    int row = m_devices.size();
+    if (position >= 0) {
+        for (int i = 0; i < m_devices.size(); ++i) {
+            if (m_memberSerials.indexOf(m_devices.at(i)->adbConnectionSerial()) > position) {
+                row = i;
+                break;
+            }
+        }
+    }
+    beginInsertRows(QModelIndex(), row, row);
     device->setParent(this);
     device->setDeviceGroup(this);
-    m_devices.append(device);
+    m_devices.insert(row, device);
     endInsertRows();
+    if (row < m_devices.size() - 1)
+        announceIndexes();
 }
 
 void DeviceGroup::insertDevice(Device *device)
 {
-    appendRow(device);
+    placeRow(device);
     applySettingsToDevice(device, QRandomGenerator::global()->generate());
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
@@ -111,9 +126,36 @@ void DeviceGroup::appendDevice(Device *device)
 {
     if (!device || m_devices.contains(device))
         return;
-    appendRow(device);
+    remember(device->adbConnectionSerial());
+    placeRow(device);
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
+}
+
+void DeviceGroup::remember(const QString &serial)
+{
+    if (serial.isEmpty() || m_memberSerials.contains(serial))
+        return;
+    m_memberSerials.append(serial);
+    emit membersChanged();
+}
+
+void DeviceGroup::setMemberSerials(const QStringList &serials)
+{
+    m_memberSerials = serials;
+}
+
+void DeviceGroup::forgetMember(const QString &serial)
+{
+    if (m_memberSerials.removeAll(serial) > 0)
+        emit membersChanged();
+}
+
+bool DeviceGroup::holdsSerial(const QString &serial) const
+{
+    const auto same = [&serial](const Device *device) { return device && device->adbConnectionSerial() == serial; };
+    return std::any_of(m_devices.cbegin(), m_devices.cend(), same)
+           || std::any_of(m_arriving.cbegin(), m_arriving.cend(), same);
 }
 
 void DeviceGroup::dropHost()
@@ -147,6 +189,7 @@ void DeviceGroup::removeDevice(Device *device)
     if (device == m_hostDevice)
         dropHost();
     takeRow(device);
+    forgetMember(device->adbConnectionSerial());
     emit deviceCountChanged();
     emit deviceRemovedFromGroup(device);
     announceIndexes();
@@ -184,13 +227,15 @@ void DeviceGroup::moveDevicesToGroup(const QStringList &serials, DeviceGroup *ta
             dropHost();
         device->setDeviceGroup(targetGroup);
         takeRow(device);
+        forgetMember(device->adbConnectionSerial());
         emit deviceRemovedFromGroup(device);
     }
     emit deviceCountChanged();
     announceIndexes();
 
     for (Device *device : std::as_const(moving)) {
-        targetGroup->appendRow(device);
+        targetGroup->remember(device->adbConnectionSerial());
+        targetGroup->placeRow(device);
         targetGroup->applySettingsToDevice(device, QRandomGenerator::global()->generate());
         emit targetGroup->deviceAddedIntoGroup(device);
     }

@@ -5,6 +5,7 @@
 #include <QAbstractListModel>
 #include <QJsonObject>
 #include <QList>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -93,6 +94,14 @@ public:
     // Removes the row and deletes the device later; a device not in the group is ignored.
     void removeDevice(Device *device);
 
+    // The serials of the group's phones in position order, attached or not: a phone that comes
+    // back takes its old place. Loading sets them without a signal.
+    const QStringList &memberSerials() const { return m_memberSerials; }
+    void setMemberSerials(const QStringList &serials);
+    void forgetMember(const QString &serial);
+    // Whether a session for the serial is in the group or on its way in.
+    bool holdsSerial(const QString &serial) const;
+
     // The settings record of device_groups.json. Loading stores the values without saving or
     // applying them; a missing key or one of the wrong type takes its default.
     void loadSettings(const QJsonObject &settings);
@@ -153,13 +162,16 @@ signals:
     void orientationChanged();
     void bigViewWidthChanged();
     void settingsChanged();
+    void membersChanged();
 
 private:
     // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
     // `random` (ignored when the delay setting is below one second).
     void applySettingsToDevice(Device *device, quint32 random) const;
-    void appendRow(Device *device);
     GroupOperation *beginOperation();
+    // Inserts the row at the device's remembered position, or last.
+    void placeRow(Device *device);
+    void remember(const QString &serial);
     void insertDevice(Device *device);
     void takeRow(Device *device);
     void dropHost();
@@ -172,6 +184,9 @@ private:
     GroupOperation *m_operation = nullptr;
     QString m_name;
     QList<Device *> m_devices;
+    QStringList m_memberSerials;
+    // Devices made by addDevices and waiting for their staggered insertion.
+    QList<QPointer<Device>> m_arriving;
     bool m_showControlButtons = true;
     int m_maxSize = 720;
     int m_maxFPS = 30;

@@ -148,22 +148,34 @@ ApplicationWindow {
         group: window.currentGroup
     }
 
-    // A damaged phrase or key-mapping file was moved aside at start; the user is told where.
+    // A data file that could not be read or saved is named to the user, never lost in silence.
     KVAlert {
         id: fileAlert
         objectName: "fileAlert"
-        property var pending: []
-        function showNext() {
-            if (pending.length > 0 && !visible)
-                show(qsTr("Damaged file"), pending.shift())
+        function report(messages) {
+            const text = messages.filter(message => message !== "").join("
+
+")
+            if (text !== "")
+                show(qsTr("Data Files"), text)
         }
-        onClosed: showNext()
     }
-    Component.onCompleted: {
-        for (const problem of [KeyMapping.fileProblem, CommonPhraseManager.fileProblem]) {
-            if (problem.length > 0)
-                fileAlert.pending.push(problem)
-        }
-        fileAlert.showNext()
+    Connections {
+        target: groupManager
+        function onFileMessageChanged() { fileAlert.report([groupManager.fileMessage]) }
     }
+    Connections {
+        target: DeviceSettings
+        function onFileMessageChanged() { fileAlert.report([DeviceSettings.fileMessage]) }
+    }
+    Connections {
+        target: KeyMapping
+        function onFileMessageChanged() { fileAlert.report([KeyMapping.fileMessage]) }
+    }
+    Connections {
+        target: CommonPhraseManager
+        function onFileMessageChanged() { fileAlert.report([CommonPhraseManager.fileMessage]) }
+    }
+    Component.onCompleted: fileAlert.report([groupManager.fileMessage, DeviceSettings.fileMessage,
+                                             KeyMapping.fileMessage, CommonPhraseManager.fileMessage])
 }

@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QTemporaryFile>
+#include <QTcpServer>
 #include <QtTest>
 
 using Args = QStringList;
@@ -91,7 +92,7 @@ private slots:
         row("startServer", [] { return AdbClient::startServer(); }, {"start-server"});
         row("devices", [] { return AdbClient::devices().isEmpty(); }, {"devices", "-l"});
         row("connect", [] { return AdbClient::connect("S1", "127.0.0.5", 5555); }, {"-s", "S1", "connect", "127.0.0.5:5555"});
-        row("disconnect", [] { return AdbClient::disconnect("S1"); }, {"-s", "S1", "disconnect"});
+        row("disconnect", [] { return AdbClient::disconnect("127.0.0.1:5555"); }, {"disconnect", "127.0.0.1:5555"});
         row("usb", [] { return AdbClient::usb("S1"); }, {"-s", "S1", "usb"});
         row("tcpip", [] { return AdbClient::tcpip("S1", 5555); }, {"-s", "S1", "tcpip", "5555"});
         row("reboot", [] { return AdbClient::reboot("S1"); }, {"-s", "S1", "reboot"});
@@ -108,6 +109,7 @@ private slots:
     {
         QFETCH(Operation, operation);
         QFETCH(Args, expected);
+        m_adb.addRule("disconnect 127.0.0.1:5555", 0, "disconnected 127.0.0.1:5555");
         QVERIFY(operation());
         QCOMPARE(m_adb.calls(), QList<Args>{expected});
     }
@@ -123,6 +125,55 @@ private slots:
         m_adb.clear();
         m_adb.addRule("-s S1 reboot", 1, {}, "device not found");
         QVERIFY(!AdbClient::reboot("S1"));
+    }
+
+    void disconnectNeedsAdbsOwnAnswer_data()
+    {
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("out");
+        QTest::addColumn<bool>("result");
+        QTest::newRow("dropped") << 0 << "disconnected 127.0.0.1:5555" << true;
+        QTest::newRow("unknown address") << 1 << "error: no such device '127.0.0.1:5555'" << false;
+        QTest::newRow("status 0 without the answer") << 0 << "" << false;
+    }
+
+    void disconnectNeedsAdbsOwnAnswer()
+    {
+        QFETCH(int, exitCode);
+        QFETCH(QString, out);
+        QFETCH(bool, result);
+        m_adb.addRule("disconnect *", exitCode, out);
+        QCOMPARE(AdbClient::disconnect("127.0.0.1:5555"), result);
+    }
+
+    void quitKillsOnlyAServerKorvelStarted_data()
+    {
+        QTest::addColumn<bool>("runningAtStart");
+        QTest::addColumn<bool>("restartedByUser");
+        QTest::addColumn<bool>("killed");
+        QTest::newRow("none at start") << false << false << true;
+        QTest::newRow("the user's own") << true << false << false;
+        QTest::newRow("the user's own, restarted in Korvel") << true << true << true;
+    }
+
+    void quitKillsOnlyAServerKorvelStarted()
+    {
+        QFETCH(bool, runningAtStart);
+        QFETCH(bool, restartedByUser);
+        QFETCH(bool, killed);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(server.serverPort()));
+        if (!runningAtStart)
+            server.close();
+        QCOMPARE(AdbClient::serverListening(), runningAtStart);
+        AdbClient::noteServerAtStart();
+        if (restartedByUser)
+            QVERIFY(AdbClient::restartServer());
+        m_adb.clear();
+        QCOMPARE(AdbClient::killOwnServer(), killed);
+        QCOMPARE(m_adb.calls(), killed ? QList<Args>{Args{"kill-server"}} : QList<Args>{});
+        qunsetenv("ANDROID_ADB_SERVER_PORT");
     }
 
     void restartStopsWhenKillFails()

@@ -7,6 +7,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
+#include <QTcpServer>
 #include <QtTest>
 
 Q_IMPORT_QML_PLUGIN(KorvelPlugin)
@@ -64,6 +65,12 @@ private slots:
     void initTestCase()
     {
         qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
+        // No adb server answers on this port, so the one Korvel's adb calls would start is its own.
+        {
+            QTcpServer probe;
+            QVERIFY(probe.listen(QHostAddress::LocalHost));
+            qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(probe.serverPort()));
+        }
         previousHandler = qInstallMessageHandler(collectWarnings);
         AppStartup::configureApplication();
         // A damaged phrase file, as a crash or another program may leave it.
@@ -74,6 +81,13 @@ private slots:
         QVERIFY(damaged.open(QIODevice::WriteOnly));
         damaged.write("{\"categories\": [");
         damaged.close();
+        // A groups file left cut short by hand: the window must say where it went.
+        const QString groups = AppConfig::instance()->getDeviceGroupSavePath() + "/device_groups.json";
+        QVERIFY(QDir().mkpath(QFileInfo(groups).path()));
+        QFile corrupt(groups);
+        QVERIFY(corrupt.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        corrupt.write("{\"device_groups\": [");
+        corrupt.close();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
     }
@@ -99,12 +113,14 @@ private slots:
         QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
     }
 
-    void damagedPhraseFileIsReportedAndKept()
+    void damagedFilesAreKeptAndNamedToTheUser()
     {
-        // The user is told where the file went; it is kept as it was and nothing is written over it.
+        // The user is told where each file went; it is kept as it was and nothing is written over it.
         auto *alert = find("fileAlert");
         QTRY_VERIFY(alert->property("opened").toBool());
         const QString message = alert->property("message").toString();
+        QVERIFY2(message.contains("device_groups.json could not be read") && message.contains("device_groups.json.corrupt-"),
+                 qPrintable(message));
         const QString folder = AppConfig::instance()->getCommonPhraseSavePath();
         const QStringList kept = QDir(folder).entryList({"common_phrases.json.corrupt-*"}, QDir::Files);
         QCOMPARE(kept.size(), 1);

@@ -101,14 +101,14 @@ void TestKeyMapping::fileContents()
         // Kept byte for byte under a name the user is told.
         QCOMPARE(kept.size(), 1);
         QCOMPARE(readAll(folder.filePath(kept.first())), file);
-        QVERIFY2(mapping->fileProblem().contains(kept.first()), qPrintable(mapping->fileProblem()));
+        QVERIFY2(mapping->fileMessage().contains(kept.first()), qPrintable(mapping->fileMessage()));
         QVERIFY(!QFile::exists(path));
         // Work goes on, and a new file does not touch the kept one.
         QVERIFY(mapping->addProfile("Fresh"));
         QCOMPARE(readAll(folder.filePath(kept.first())), file);
     } else {
         QVERIFY(kept.isEmpty());
-        QVERIFY(mapping->fileProblem().isEmpty());
+        QVERIFY(mapping->fileMessage().isEmpty());
     }
 
     // What is saved reads back the same, in the current form.

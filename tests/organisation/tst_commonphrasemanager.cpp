@@ -86,12 +86,12 @@ void TestCommonPhraseManager::fileContents()
     if (damaged) {
         QCOMPARE(kept.size(), 1);
         QCOMPARE(readAll(folder.filePath(kept.first())), file);
-        QVERIFY2(manager->fileProblem().contains(kept.first()), qPrintable(manager->fileProblem()));
+        QVERIFY2(manager->fileMessage().contains(kept.first()), qPrintable(manager->fileMessage()));
         manager->addCategory("New");
         QCOMPARE(readAll(folder.filePath(kept.first())), file);
     } else {
         QVERIFY(kept.isEmpty());
-        QVERIFY(manager->fileProblem().isEmpty());
+        QVERIFY(manager->fileMessage().isEmpty());
     }
 
     // Every entry has a 36-character id once saved, and the file reads back the same.
