@@ -142,6 +142,7 @@ void Device::startScrcpySession()
         params = m_bigViewParams;
     }
     params->setDeviceSerial(m_adbConnectionSerial);
+    params->renewScid();
     params->setSocketName("scrcpy_" + params->scidText());
 
     m_server = new ScrcpyServer(this, params);

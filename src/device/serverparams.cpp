@@ -4,8 +4,13 @@
 
 ServerParams::ServerParams(QObject *parent)
     : QObject(parent)
-    , m_scid(static_cast<qint32>(QRandomGenerator64::global()->generate64() & 0x7fffffff))
 {
+    renewScid();
+}
+
+void ServerParams::renewScid()
+{
+    m_scid = static_cast<qint32>(QRandomGenerator64::global()->generate64() & 0x7fffffff);
 }
 
 void ServerParams::setDeviceSerial(const QString &serial)

@@ -46,6 +46,9 @@ public:
     void setControl(bool control) { m_control = control; }
     qint32 scid() const { return m_scid; }
     void setScid(qint32 scid) { m_scid = scid; }
+    // A fresh random scid, so that a session's tear-down never touches the next session's server
+    // or tunnel.
+    void renewScid();
     // The scid as the server and the socket name write it: 8 lower-case hexadecimal digits.
     QString scidText() const;
 

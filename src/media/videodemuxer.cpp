@@ -23,6 +23,8 @@ bool startsWithStartCode(const uchar *p)
 
 } // namespace
 
+std::atomic_int VideoDemuxer::s_liveContexts{0};
+
 VideoDemuxer::VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder)
     : m_socket(socket)
     , m_packet(av_packet_alloc())
@@ -156,7 +158,11 @@ bool VideoDemuxer::openCodec()
     AVCodecContext *context = avcodec_alloc_context3(codec);
     if (!context)
         return false;
-    m_codecContext.reset(context, [](AVCodecContext *c) { avcodec_free_context(&c); });
+    ++s_liveContexts;
+    m_codecContext.reset(context, [](AVCodecContext *c) {
+        avcodec_free_context(&c);
+        --s_liveContexts;
+    });
 
     context->flags |= AV_CODEC_FLAG_LOW_DELAY;
     context->width = int(m_width);

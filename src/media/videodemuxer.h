@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <atomic>
 #include <memory>
 
 extern "C" {
@@ -46,6 +47,8 @@ public:
     std::shared_ptr<AVCodecContext> sharedCodecContext() const { return m_codecContext; }
 
     bool isHeaderParsed() const { return m_headerParsed; }
+    // Codec contexts not freed yet, in the whole process, for leak checks.
+    static int liveCodecContexts() { return s_liveContexts.load(); }
     QString deviceName() const { return m_deviceName; }
     QByteArray codecId() const { return m_codecId; }
     quint32 width() const { return m_width; }
@@ -73,6 +76,7 @@ private:
     // Fills m_packet from size payload bytes at data; false if no packet could be allocated.
     bool fillPacket(const char *data, int size);
 
+    static std::atomic_int s_liveContexts;
     QPointer<QIODevice> m_socket;
     bool m_headerParsed = false;
     QByteArray m_buffer;

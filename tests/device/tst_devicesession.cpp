@@ -5,6 +5,8 @@
 #include "devicegroup.h"
 #include "phonefixture.h"
 #include "scrcpyserver.h"
+#include "videodecoder.h"
+#include "videodemuxer.h"
 #include "serverparams.h"
 
 #include <QImageReader>
@@ -45,6 +47,13 @@ private:
         QObject::connect(server, &ScrcpyServer::audioSocketConnected, server, [order] { *order << "audio"; });
         QObject::connect(server, &ScrcpyServer::controlSocketConnected, server, [order] { *order << "control"; });
         return order;
+    }
+
+    static int journalCount(PhoneSimProcess *phone, const QString &kind, const QString &type)
+    {
+        const QList<QJsonObject> lines = phone->journal(kind);
+        return int(std::count_if(lines.cbegin(), lines.cend(),
+                                 [&type](const QJsonObject &line) { return line.value("type").toString() == type; }));
     }
 
 private slots:
@@ -173,6 +182,95 @@ private slots:
         device->startScrcpySession();
         QTRY_COMPARE_WITH_TIMEOUT(phone->journal("server_start").size(), 2, 15000);
         device->stopScrcpySession();
+    }
+
+    void hiddenPhonesPauseDecodingAndShownOnesGetAFreshPicture()
+    {
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = makeDevice(group, phone, {720, 1600}, 400, 30, {"--animate"});
+        QVERIFY(device);
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher();
+        device->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(device->controller() && frames->framesPublished() > 0, 15000);
+        // Positive control: watched, the moving picture keeps coming; time five pictures.
+        QElapsedTimer clock;
+        clock.start();
+        int before = frames->framesPublished();
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() >= before + 5, 10000);
+        const int fivePictures = int(clock.elapsed());
+
+        // Nobody watches: at most the picture in flight is still decoded.
+        frames->removeWatcher();
+        before = frames->framesPublished();
+        QTest::qWaitFor([] { return false; }, 2 * fivePictures);
+        QVERIFY2(frames->framesPublished() <= before + 1, qPrintable(QString::number(frames->framesPublished() - before)));
+
+        // Shown again: the phone is asked for a key frame and a new picture comes at once.
+        const int resetsBefore = journalCount(phone, "control", "ResetVideo");
+        before = frames->framesPublished();
+        frames->addWatcher();
+        QTRY_COMPARE_WITH_TIMEOUT(journalCount(phone, "control", "ResetVideo"), resetsBefore + 1, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > before, 10000);
+        device->stopScrcpySession();
+        frames->removeWatcher();
+    }
+
+    void restartsLeaveNoDecoderBehind()
+    {
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = makeDevice(group, phone, {720, 1600}, 320, 30);
+        QVERIFY(device);
+        const int decoders = VideoDecoder::liveInstances();
+        const int contexts = VideoDemuxer::liveCodecContexts();
+        for (int cycle = 0; cycle < 50; ++cycle) {
+            device->startScrcpySession();
+            QTRY_VERIFY_WITH_TIMEOUT(device->videoFrames()->latest() != nullptr, 15000);
+            QCOMPARE(VideoDecoder::liveInstances(), decoders + 1);
+            device->stopScrcpySession();
+            QCOMPARE(VideoDecoder::liveInstances(), decoders);
+            QCOMPARE(VideoDemuxer::liveCodecContexts(), contexts);
+        }
+    }
+
+    void hungPushNeitherFreezesTheWindowNorOtherPhones()
+    {
+        // The server file creeps to this phone at one byte a second: its launch times out.
+        AdbClient::setTimeouts(30000, 3000);
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *hung = makeDevice(group, phone, {720, 1600}, 320, 30, {"--slow-sync", "1"});
+        QVERIFY(hung);
+        QList<Device *> others;
+        for (int i = 0; i < 3; ++i) {
+            PhoneSimProcess *other = nullptr;
+            others << makeDevice(group, other, {720, 1600}, 320, 30);
+            QVERIFY(others.last());
+        }
+        // A watchdog on the GUI thread: the longest gap between its ticks.
+        QElapsedTimer sinceTick;
+        qint64 longestGap = 0;
+        QTimer watchdog;
+        connect(&watchdog, &QTimer::timeout, this, [&] {
+            longestGap = std::max(longestGap, sinceTick.restart());
+        });
+        sinceTick.start();
+        watchdog.start(10);
+
+        QSignalSpy failed(hung, &Device::scrcpyError);
+        group.startAllDevices();
+        for (Device *device : others)
+            QTRY_VERIFY_WITH_TIMEOUT(device->videoFrames()->latest() != nullptr, 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(failed.count(), 1, 20000);
+        QVERIFY2(failed.at(0).at(0).toString().contains("timed out"), qPrintable(failed.at(0).at(0).toString()));
+        watchdog.stop();
+        QVERIFY2(longestGap < 500, qPrintable(QString("the event loop stalled for %1 ms").arg(longestGap)));
+        QCOMPARE(group.deviceCount(), 4);
+        AdbClient::setTimeouts(30000, 300000);
+        for (Device *device : group.devices())
+            device->stopScrcpySession();
     }
 
     void vanishedPhoneLeavesTheGroup()
