@@ -549,6 +549,10 @@ shell ps</translation>
         <source>Failed to switch to USB</source>
         <translation>切换到 USB 失败</translation>
     </message>
+    <message>
+        <source>Back online, starting again</source>
+        <translation>已重新上线，正在重新启动</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroup</name>
@@ -907,6 +911,14 @@ shell ps</translation>
     <message>
         <source>Starting…</source>
         <translation>正在启动…</translation>
+    </message>
+    <message>
+        <source>Offline</source>
+        <translation>离线</translation>
+    </message>
+    <message>
+        <source>since %1</source>
+        <translation>自 %1 起</translation>
     </message>
 </context>
 <context>

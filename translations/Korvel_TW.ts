@@ -549,6 +549,10 @@ shell ps</translation>
         <source>Failed to switch to USB</source>
         <translation>切換到 USB 失敗</translation>
     </message>
+    <message>
+        <source>Back online, starting again</source>
+        <translation>已重新上線，正在重新啟動</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroup</name>
@@ -907,6 +911,14 @@ shell ps</translation>
     <message>
         <source>Starting…</source>
         <translation>正在啟動…</translation>
+    </message>
+    <message>
+        <source>Offline</source>
+        <translation>離線</translation>
+    </message>
+    <message>
+        <source>since %1</source>
+        <translation>自 %1 起</translation>
     </message>
 </context>
 <context>

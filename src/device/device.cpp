@@ -9,6 +9,7 @@
 #include "devicesettings.h"
 #include "framehandoff.h"
 #include "mediapipeline.h"
+#include "offlinewatch.h"
 #include "keymappingprofile.h"
 #include "scrcpyserver.h"
 #include "screenshotwriter.h"
@@ -41,6 +42,7 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
     , m_smallViewParams(new ServerParams(this))
     , m_bigViewParams(new ServerParams(this))
     , m_frames(new FrameHandoff(this))
+    , m_offlineWatch(new OfflineWatch(adbConnectionSerial, this))
     , m_screenshotWriter(std::make_shared<ScreenshotWriter>())
 {
     m_bigViewParams->setMaxSize(720);
@@ -55,6 +57,7 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
             });
     connect(m_frames, &FrameHandoff::frameAvailable, this, &Device::handleFrameAvailable);
     connect(m_frames, &FrameHandoff::watchedChanged, this, &Device::applyDecodingDemand);
+    connect(m_offlineWatch, &OfflineWatch::listed, this, &Device::handleBackOnline);
 }
 
 Device::~Device()
@@ -204,6 +207,7 @@ void Device::deleteController()
 
 void Device::stopScrcpySession()
 {
+    m_resumeSession = false;
     teardownSession();
 }
 
@@ -232,6 +236,7 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
     if (m_starting && !lastOutput.isEmpty())
         emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), 10000);
     teardownSession();
+    m_resumeSession = true;
     // adb's tracking stream does not report a Wi-Fi phone going offline, so ask once now.
     AdbPool::run(this, [] { return AdbClient::devices(); }, [this](const QList<ADBDeviceInfo> &attached) {
         if (m_server)
@@ -239,9 +244,39 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
         const bool listed = std::any_of(attached.cbegin(), attached.cend(), [this](const ADBDeviceInfo &info) {
             return info.adb_serial == m_adbConnectionSerial;
         });
-        if (!listed)
-            leaveGroup();
+        // Still listed: the server itself ended (killed, or failed), and the phone stays stopped.
+        if (listed) {
+            m_resumeSession = false;
+            return;
+        }
+        setOffline(true);
     });
+}
+
+void Device::setOffline(bool offline)
+{
+    if (offline) {
+        m_offlineWatch->start();
+        if (m_offline)
+            return;
+        m_offlineSince = QDateTime::currentDateTime();
+    } else {
+        m_offlineWatch->stop();
+        if (!m_offline)
+            return;
+    }
+    m_offline = offline;
+    emit offlineChanged();
+}
+
+void Device::handleBackOnline()
+{
+    setOffline(false);
+    if (!m_resumeSession)
+        return;
+    m_resumeSession = false;
+    emit deviceMessage(tr("Back online, starting again"), "info", 2000);
+    startScrcpySession();
 }
 
 void Device::addVideoPacketProbe(PacketSink *probe)

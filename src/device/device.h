@@ -3,6 +3,7 @@
 #include "controlmsg.h"
 #include "deviceinfo.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -17,6 +18,7 @@ class Controller;
 class DeviceGroup;
 class FrameHandoff;
 class MediaPipeline;
+class OfflineWatch;
 class KeyMappingProfile;
 class PacketSink;
 class ScrcpyServer;
@@ -50,6 +52,8 @@ class Device : public QObject
     Q_PROPERTY(bool isScreenShotting READ isScreenShotting NOTIFY isScreenShottingChanged)
     Q_PROPERTY(bool running READ running NOTIFY runningChanged)
     Q_PROPERTY(bool starting READ starting NOTIFY startingChanged)
+    Q_PROPERTY(bool offline READ offline NOTIFY offlineChanged)
+    Q_PROPERTY(QDateTime offlineSince READ offlineSince NOTIFY offlineChanged)
     Q_PROPERTY(FrameHandoff *videoFrames READ videoFrames CONSTANT)
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
     Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
@@ -83,6 +87,9 @@ public:
     bool running() const { return m_server != nullptr; }
     // Between Start and the first picture.
     bool starting() const { return m_starting; }
+    // adb lost the phone; it stays in its group and its session comes back with it.
+    bool offline() const { return m_offline; }
+    QDateTime offlineSince() const { return m_offlineSince; }
     // The session's pictures, for views and screenshots; the same object for the device's life.
     FrameHandoff *videoFrames() const { return m_frames; }
     bool isAudioEnabled() const;
@@ -106,6 +113,7 @@ public:
 signals:
     void runningChanged();
     void startingChanged();
+    void offlineChanged();
     void scrcpyError(const QString &error);
     void controllerChanged();
     void isBigViewChanged();
@@ -176,6 +184,8 @@ private:
     void deleteController();
     void leaveGroup();
     void setStarting(bool starting);
+    void setOffline(bool offline);
+    void handleBackOnline();
     void handleStartFailed(const QString &error);
     void applyDecodingDemand();
     void saveScreenshot();
@@ -199,6 +209,11 @@ private:
     MediaPipeline *m_media = nullptr;
     QList<PacketSink *> m_videoPacketProbes;
     bool m_starting = false;
+    bool m_offline = false;
+    QDateTime m_offlineSince;
+    // The session ended without the user asking: it starts again when the phone is back.
+    bool m_resumeSession = false;
+    OfflineWatch *m_offlineWatch;
     bool m_hasPicture = false;
     bool m_decodingPaused = false;
     bool m_isScreenShotting = false;

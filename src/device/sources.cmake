@@ -2,5 +2,6 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/serverparams.h ${CMAKE_CURRENT_LIST_DIR}/serverparams.cpp
     ${CMAKE_CURRENT_LIST_DIR}/devicemessagereceiver.h ${CMAKE_CURRENT_LIST_DIR}/devicemessagereceiver.cpp
     ${CMAKE_CURRENT_LIST_DIR}/scrcpyserver.h ${CMAKE_CURRENT_LIST_DIR}/scrcpyserver.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/offlinewatch.h ${CMAKE_CURRENT_LIST_DIR}/offlinewatch.cpp
     ${CMAKE_CURRENT_LIST_DIR}/device.h ${CMAKE_CURRENT_LIST_DIR}/device.cpp
 )

@@ -202,10 +202,31 @@ Item {
             enabled: !coordinates.visible
         }
 
+        Column {
+            objectName: "offlineText"
+            anchors.centerIn: parent
+            visible: root.device !== null && root.device.offline && !root.onBigScreen
+            spacing: 2
+            Text {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: qsTr("Offline")
+                color: ColorManager.textRed
+                font.pixelSize: Theme.fontNormal
+                font.bold: true
+            }
+            Text {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: root.device && root.device.offline
+                      ? qsTr("since %1").arg(Qt.formatTime(root.device.offlineSince, "hh:mm:ss")) : ""
+                color: ColorManager.textGray
+                font.pixelSize: Theme.fontSmall
+            }
+        }
+
         MouseArea {
             objectName: "clickToStart"
             anchors.fill: parent
-            visible: root.device !== null && !root.running && !root.onBigScreen
+            visible: root.device !== null && !root.running && !root.onBigScreen && !root.device.offline
             cursorShape: Qt.PointingHandCursor
             onClicked: {
                 if (!root.device.running)

@@ -49,7 +49,7 @@ int runCtl(int argc, char **argv)
     parser.addHelpOption();
     parser.addOption({"port", "adb port of the phone.", "port"});
     parser.addPositionalArgument("ctl", "ctl");
-    parser.addPositionalArgument("command", "clipboard TEXT | kill-server | vanish | rotate | quit");
+    parser.addPositionalArgument("command", "clipboard TEXT | kill-server | vanish | return | rotate | quit");
     parser.addPositionalArgument("arg", "argument of the command", "[arg]");
     parser.process(app);
     QStringList positional = parser.positionalArguments();

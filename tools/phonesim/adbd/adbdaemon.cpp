@@ -34,6 +34,7 @@ AdbDaemon::AdbDaemon(Phone *phone, quint16 port, QObject *parent)
     connect(&m_main, &QTcpServer::newConnection, this, [this] { acceptConnections(&m_main); });
     connect(&m_wifi, &QTcpServer::newConnection, this, [this] { acceptConnections(&m_wifi); });
     connect(phone, &Phone::vanishRequested, this, &AdbDaemon::vanish);
+    connect(phone, &Phone::returnRequested, this, &AdbDaemon::comeBack);
     phone->setReverseOpener([this](const QString &name) { return openReverse(name); });
 }
 
@@ -282,6 +283,18 @@ void AdbDaemon::vanish()
     m_phone->journal().write("vanish");
     m_vanished = true;
     goOffline();
+}
+
+void AdbDaemon::comeBack()
+{
+    if (!m_vanished)
+        return;
+    m_vanished = false;
+    QString error;
+    if (listenMain(&error))
+        m_phone->journal().write("return");
+    else
+        qWarning("phonesim: return: %s", qPrintable(error));
 }
 
 void AdbDaemon::goOffline()

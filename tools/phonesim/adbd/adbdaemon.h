@@ -41,6 +41,7 @@ public:
 
     // The phone drops off adb as if unplugged and stays away.
     void vanish();
+    void comeBack();
 
 signals:
     void wentOffline();

@@ -63,6 +63,10 @@ QString PhoneAdmin::execute(const QString &command, const QString &arg)
         emit m_phone->killServerRequested();
         return "ok";
     }
+    if (command == "return") {
+        emit m_phone->returnRequested();
+        return "ok";
+    }
     if (command == "vanish") {
         emit m_phone->vanishRequested();
         return "ok";
@@ -76,7 +80,7 @@ QString PhoneAdmin::execute(const QString &command, const QString &arg)
         QTimer::singleShot(50, this, &PhoneAdmin::quitRequested);
         return "ok";
     }
-    return QString("error: unknown command '%1' (clipboard TEXT, kill-server, vanish, rotate, quit)").arg(command);
+    return QString("error: unknown command '%1' (clipboard TEXT, kill-server, vanish, return, rotate, quit)").arg(command);
 }
 
 bool PhoneAdmin::send(quint16 port, const QString &command, const QString &arg, QString *answer)

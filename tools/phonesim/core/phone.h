@@ -68,6 +68,8 @@ signals:
     // Admin commands.
     void killServerRequested();
     void vanishRequested();
+    // Back after vanishing, as a phone plugged in again.
+    void returnRequested();
 
 private:
     PhoneProfile m_profile;
