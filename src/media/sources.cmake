@@ -1,5 +1,7 @@
 list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/packetsink.h
+    ${CMAKE_CURRENT_LIST_DIR}/packetframing.h
+    ${CMAKE_CURRENT_LIST_DIR}/packetframing.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.h
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodecoder.h
