@@ -90,6 +90,7 @@ int runPhone(int argc, char **argv)
         {"animate", "Keep the test pattern moving."},
         {"wifi-address", "The phone's own Wi-Fi address, 127.0.0.x.", "address"},
         {"reboot-delay", "Milliseconds a reboot keeps the phone away.", "ms", "2000"},
+        {"audio", "Sound capture: on, disabled (no capture before Android 11) or error (capture fails).", "mode", "on"},
     });
     parser.process(app);
 
@@ -122,6 +123,9 @@ int runPhone(int argc, char **argv)
                           .absolutePath();
     profile.streamFile = parser.value("stream-file");
     profile.animate = parser.isSet("animate");
+    profile.audio = parser.value("audio");
+    if (profile.audio != "on" && profile.audio != "disabled" && profile.audio != "error")
+        return fail("--audio must be on, disabled or error");
     if (!QDir().mkpath(profile.dataDir))
         return fail("cannot create data folder " + profile.dataDir);
 
