@@ -2,12 +2,16 @@
 
 #include "adbclient.h"
 #include "appconfig.h"
+#include "audiodecoder.h"
+#include "audiodemuxer.h"
 #include "autojs.h"
 #include "controller.h"
 #include "devicegroup.h"
 #include "devicesettings.h"
+#include "mediarecorder.h"
 #include "scrcpyserver.h"
 #include "serverparams.h"
+#include "simpleaudioplayer.h"
 #include "videodecoder.h"
 #include "videodemuxer.h"
 
@@ -44,6 +48,12 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
     m_bigViewParams->setBitRate(4000000);
     m_autojs = new Autojs(this);
     connect(m_autojs, &Autojs::runningStatusChanged, this, &Device::isRunningAutojsChanged);
+    m_recorder = new MediaRecorder(this);
+    connect(m_recorder, &MediaRecorder::message, this, &Device::deviceMessage);
+    connect(m_recorder, &MediaRecorder::resetVideoRequested, this, [this] {
+        if (m_controller)
+            m_controller->resetVideo();
+    });
     connect(DeviceSettings::instance(), &DeviceSettings::deviceNicknameChanged, this,
             [this](const QString &serial) {
                 if (serial == m_adbConnectionSerial)
@@ -57,6 +67,9 @@ Device::~Device()
     delete m_server;
     m_server = nullptr;
     delete m_videoDemuxer;
+    delete m_audioDemuxer;
+    // Finishes the file (trailer included) before the device goes, even if the phone vanished.
+    delete m_recorder;
     sws_freeContext(m_rgbScaler);
 }
 
@@ -141,6 +154,7 @@ void Device::startScrcpySession()
     params->setSocketName("scrcpy_" + params->scidText());
 
     m_server = new ScrcpyServer(this, params);
+    m_recorder->setStreams(params->video(), params->audio());
     connect(m_server, &ScrcpyServer::output, this, &Device::handleServerOutput);
     connect(m_server, &ScrcpyServer::stopped, this, &Device::handleServerStopped);
     connect(m_server, &ScrcpyServer::videoSocketConnected, this, &Device::handleVideoSocketConnected);
@@ -149,6 +163,9 @@ void Device::startScrcpySession()
     connect(m_server, &ScrcpyServer::audioSocketDisconnected, this, &Device::handleAudioSocketDisconnected);
     connect(m_server, &ScrcpyServer::controlSocketConnected, this, &Device::handleControlSocketConnected);
     connect(m_server, &ScrcpyServer::controlSocketDisconnected, this, &Device::handleControlSocketDisconnected);
+
+    delete m_audioPlayer;
+    m_audioPlayer = new SimpleAudioPlayer(this);
 
     // The stopped(-1) of a failed start is handled here, not as the end of a running server.
     m_server->blockSignals(true);
@@ -238,7 +255,10 @@ void Device::handleVideoSocketConnected()
     connect(m_videoDecoder, &VideoDecoder::frameDecoded, this, &Device::handleDecodedVideoFrame);
     connect(m_videoDecoder, &VideoDecoder::screenshotFinished, this,
             [this](bool saved) { handleScreenshotFinished(saved); });
-    m_videoDemuxer = new VideoDemuxer(m_server->videoSocket(), nullptr, m_videoDecoder);
+    m_videoDemuxer = new VideoDemuxer(m_server->videoSocket(), m_recorder->videoSink(), m_videoDecoder);
+    m_recorder->setVideoCodecSource([demuxer = QPointer<VideoDemuxer>(m_videoDemuxer)]() -> AVCodecContext * {
+        return demuxer ? demuxer->codecContext() : nullptr;
+    });
     for (int i = 0; i < m_videoPacketProbes.size(); ++i)
         m_videoDemuxer->insertPacketSink(i, m_videoPacketProbes.at(i));
     m_videoDecoder->setDemuxer(m_videoDemuxer);
@@ -251,6 +271,28 @@ void Device::handleVideoSocketDisconnected()
 
 void Device::handleAudioSocketConnected()
 {
+    if (!m_server || !m_server->audioSocket())
+        return;
+    delete m_audioDemuxer;
+    m_audioDecoder = new AudioDecoder(this);
+    connect(m_audioDecoder, &AudioDecoder::frameDecoded, this, &Device::handleDecodedAudioFrame);
+    // Without video the audio socket is the session's first one and carries the device name.
+    ServerParams *params = m_isBigView ? m_bigViewParams : m_smallViewParams;
+    const bool nameFirst = !params->video();
+    m_audioDemuxer = new AudioDemuxer(m_server->audioSocket(), m_recorder->audioSink(), m_audioDecoder, nameFirst);
+    m_audioDecoder->setDemuxer(m_audioDemuxer);
+    m_recorder->setAudioCodecSource([demuxer = QPointer<AudioDemuxer>(m_audioDemuxer)]() -> AVCodecContext * {
+        return demuxer ? demuxer->codecContext() : nullptr;
+    });
+    connect(m_audioDemuxer, &AudioDemuxer::audioUnavailable, this, [this](const QString &message) {
+        // The phone goes on without sound; a recording must not wait for it.
+        m_recorder->setStreams((m_isBigView ? m_bigViewParams : m_smallViewParams)->video(), false);
+        if (m_audioPlayer)
+            m_audioPlayer->stop();
+        emitError(message);
+    });
+    if (m_audioPlayer)
+        m_audioPlayer->start();
 }
 
 void Device::handleAudioSocketDisconnected()
@@ -269,6 +311,28 @@ void Device::handleControlSocketConnected()
 
 void Device::handleControlSocketDisconnected()
 {
+}
+
+void Device::handleDecodedAudioFrame(AVFrame *frame)
+{
+    if (m_audioPlayer)
+        m_audioPlayer->playFrame(frame);
+}
+
+void Device::startRecord()
+{
+    // The recording asks the phone for a fresh key frame through the control channel.
+    if (!m_controller) {
+        emitError(tr("Not Connected"), 2000);
+        return;
+    }
+    m_recorder->setOutput(AppConfig::instance()->getVideoSavePath(), nickName(), m_adbConnectionSerial);
+    m_recorder->start();
+}
+
+void Device::stopRecord()
+{
+    m_recorder->stop();
 }
 
 void Device::handleDecodedVideoFrame(AVFrame *frame)

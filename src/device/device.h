@@ -16,12 +16,16 @@ extern "C" {
 struct SwsContext;
 }
 
+class AudioDecoder;
+class AudioDemuxer;
 class Autojs;
 class Controller;
 class DeviceGroup;
+class MediaRecorder;
 class PacketSink;
 class ScrcpyServer;
 class ServerParams;
+class SimpleAudioPlayer;
 class VideoDecoder;
 class VideoDemuxer;
 
@@ -35,6 +39,7 @@ class Device : public QObject
     Q_MOC_INCLUDE("serverparams.h")
     Q_MOC_INCLUDE("controller.h")
     Q_MOC_INCLUDE("autojs.h")
+    Q_MOC_INCLUDE("mediarecorder.h")
     Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
     Q_PROPERTY(int indexInGroup READ indexInGroup NOTIFY indexInGroupChanged)
@@ -51,6 +56,7 @@ class Device : public QObject
     Q_PROPERTY(bool running READ running NOTIFY runningChanged)
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
     Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
+    Q_PROPERTY(MediaRecorder *videoRecorder READ videoRecorder CONSTANT)
 
 public:
     enum ConnectionType { WiFi = 0, USB = 1 };
@@ -82,6 +88,10 @@ public:
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
     ScrcpyServer *server() const { return m_server; }
+    MediaRecorder *videoRecorder() const { return m_recorder; }
+    // The current session's sound chain; null until its audio socket arrives.
+    AudioDecoder *audioDecoder() const { return m_audioDecoder; }
+    SimpleAudioPlayer *audioPlayer() const { return m_audioPlayer; }
     // Sinks placed first, in the order added, in every video demuxer created from now on: they see
     // each packet before the decoder (statistics, benchmarks). Not owned; they must outlive the
     // device unless they are QObjects.
@@ -121,6 +131,7 @@ public slots:
     void handleServerStopped(int exitCode, QProcess::ExitStatus st);
     void handleMessageSent(const ControlMsg &msg);
     void handleDecodedVideoFrame(AVFrame *frame);
+    void handleDecodedAudioFrame(AVFrame *frame);
     void handleVideoSocketConnected();
     void handleVideoSocketDisconnected();
     void handleAudioSocketConnected();
@@ -140,6 +151,8 @@ public:
     Q_INVOKABLE void setNickName(const QString &nickname);
     Q_INVOKABLE void setIsBigView(bool isBigView);
     Q_INVOKABLE void takeScreenshot();
+    Q_INVOKABLE void startRecord();
+    Q_INVOKABLE void stopRecord();
     Q_INVOKABLE void installAPK(const QString &filePath);
     Q_INVOKABLE void runAutojs(const QString &autojsPath);
     Q_INVOKABLE void stopAutojs();
@@ -189,6 +202,10 @@ private:
     VideoDemuxer *m_videoDemuxer = nullptr;
     VideoDecoder *m_videoDecoder = nullptr;
     QList<PacketSink *> m_videoPacketProbes;
+    AudioDemuxer *m_audioDemuxer = nullptr;
+    AudioDecoder *m_audioDecoder = nullptr;
+    SimpleAudioPlayer *m_audioPlayer = nullptr;
+    MediaRecorder *m_recorder = nullptr;
     bool m_isScreenShotting = false;
     bool m_switchingConnection = false;
     SwsContext *m_rgbScaler = nullptr;
