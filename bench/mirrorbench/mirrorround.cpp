@@ -1,6 +1,8 @@
 #include "mirrorround.h"
 
+#include "audiodecoder.h"
 #include "device.h"
+#include "mediarecorder.h"
 #include "devicegroup.h"
 #include "phonefixture.h"
 #include "phoneprobe.h"
@@ -8,6 +10,7 @@
 #include "yuvfboitem.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
@@ -95,7 +98,7 @@ double MirrorRound::adbServerCpuSeconds()
     return (fields.at(11).toDouble() + fields.at(12).toDouble()) / ticks;
 }
 
-MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs)
+MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs, Options options)
 {
     Result result;
     const auto &phones = m_fixture.phones();
@@ -110,6 +113,7 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
         params->setMaxSize(0);
         params->setMaxFps(0);
         params->setBitRate(4000000);
+        params->setAudio(options.audio);
         device->addVideoPacketProbe(session.probe.get());
         // As the user interface wires it: the device's planes go straight into the view.
         QObject::connect(device, &Device::yuvFrameReady, session.view.get(), &YuvFboItem::present);
@@ -129,8 +133,35 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     if (result.error.isEmpty() && !waitUntil(allShowPictures, 30000 + 2000 * int(sessions.size())))
         result.error = m_stopRequested() ? "stopped" : "not every phone showed a picture within the time limit";
 
+    if (result.error.isEmpty() && options.record) {
+        for (Session &s : sessions)
+            s.device->startRecord();
+        const auto allRecording = [&] {
+            return std::all_of(sessions.begin(), sessions.end(),
+                               [](const Session &s) { return s.device->videoRecorder()->isRecording(); });
+        };
+        if (!waitUntil(allRecording, 10000))
+            result.error = "not every phone started recording";
+    }
+    qint64 audioFramesBefore = 0;
+    auto audioFrames = std::make_shared<qint64>(0);
+    if (result.error.isEmpty() && options.audio) {
+        const auto allHaveSound = [&] {
+            return std::all_of(sessions.begin(), sessions.end(),
+                               [](const Session &s) { return s.device->audioDecoder() != nullptr; });
+        };
+        if (!waitUntil(allHaveSound, 10000))
+            result.error = "not every phone opened its sound";
+        for (Session &s : sessions) {
+            if (AudioDecoder *decoder = s.device->audioDecoder())
+                QObject::connect(decoder, &AudioDecoder::frameDecoded, decoder, [audioFrames] { ++*audioFrames; },
+                                 Qt::DirectConnection);
+        }
+    }
+
     if (result.error.isEmpty()) {
         waitUntil([] { return false; }, warmupMs);
+        audioFramesBefore = *audioFrames;
         for (Session &s : sessions)
             s.probe->startCounting();
         const double adbBefore = adbServerCpuSeconds();
@@ -145,6 +176,7 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
             result.adbCpuSeconds = adbAfter - adbBefore;
         for (Session &s : sessions)
             s.probe->stopCounting();
+        result.audioFrames = *audioFrames - audioFramesBefore;
         if (m_stopRequested())
             result.error = "stopped";
     }
@@ -162,6 +194,23 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     }
     std::sort(result.latenciesNs.begin(), result.latenciesNs.end());
 
+    QStringList recordings;
+    for (Session &s : sessions) {
+        if (s.device && options.record) {
+            recordings << s.device->videoRecorder()->filePath();
+            s.device->stopRecord();
+        }
+    }
+    if (options.record) {
+        waitUntil([&] {
+            return std::none_of(sessions.begin(), sessions.end(),
+                                [](const Session &s) { return s.device && s.device->videoRecorder()->isRecording(); });
+        }, 30000);
+        for (const QString &path : recordings) {
+            result.recordedBytes += QFileInfo(path).size();
+            QFile::remove(path);
+        }
+    }
     for (Session &s : sessions) {
         if (s.device)
             s.device->stopScrcpySession();
