@@ -2,6 +2,7 @@
 
 #include "audiodecoder.h"
 #include "device.h"
+#include "framehandoff.h"
 #include "mediarecorder.h"
 #include "devicegroup.h"
 #include "phonefixture.h"
@@ -17,9 +18,14 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <time.h>
 #include <unistd.h>
+
+extern "C" {
+#include <libavutil/frame.h>
+}
 
 namespace {
 
@@ -33,8 +39,9 @@ double processCpuSeconds()
 struct Session
 {
     std::unique_ptr<PhoneProbe> probe = std::make_unique<PhoneProbe>();
-    std::unique_ptr<YuvFboItem> view = std::make_unique<YuvFboItem>();
     std::unique_ptr<Device> device;
+    int publishedAtStart = 0;
+    int decoded = 0;
 };
 
 } // namespace
@@ -115,10 +122,15 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
         params->setBitRate(4000000);
         params->setAudio(options.audio);
         device->addVideoPacketProbe(session.probe.get());
-        // As the user interface wires it: the device's planes go straight into the view.
-        QObject::connect(device, &Device::yuvFrameReady, session.view.get(), &YuvFboItem::present);
+        // Watched as by a view on screen, so that every picture is decoded; the GUI thread sees
+        // each hand-off as a view does.
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher();
         PhoneProbe *probe = session.probe.get();
-        QObject::connect(device, &Device::yuvFrameReady, device, [probe] { probe->framePresented(); });
+        QObject::connect(frames, &FrameHandoff::frameAvailable, device, [probe, frames] {
+            if (const FrameHandoff::Frame frame = frames->latest())
+                probe->framePresented(frame->pts);
+        });
         device->startScrcpySession();
         if (!device->running()) {
             result.error = "session did not start on " + phones[i]->serial();
@@ -144,7 +156,8 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
             result.error = "not every phone started recording";
     }
     qint64 audioFramesBefore = 0;
-    auto audioFrames = std::make_shared<qint64>(0);
+    // Counted on the sessions' media threads.
+    auto audioFrames = std::make_shared<std::atomic<qint64>>(0);
     if (result.error.isEmpty() && options.audio) {
         const auto allHaveSound = [&] {
             return std::all_of(sessions.begin(), sessions.end(),
@@ -162,8 +175,10 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     if (result.error.isEmpty()) {
         waitUntil([] { return false; }, warmupMs);
         audioFramesBefore = *audioFrames;
-        for (Session &s : sessions)
+        for (Session &s : sessions) {
             s.probe->startCounting();
+            s.publishedAtStart = s.device->videoFrames()->framesPublished();
+        }
         const double adbBefore = adbServerCpuSeconds();
         const double cpuBefore = processCpuSeconds();
         QElapsedTimer wall;
@@ -174,8 +189,10 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
         const double adbAfter = adbServerCpuSeconds();
         if (adbBefore >= 0 && adbAfter >= adbBefore)
             result.adbCpuSeconds = adbAfter - adbBefore;
-        for (Session &s : sessions)
+        for (Session &s : sessions) {
             s.probe->stopCounting();
+            s.decoded = s.device->videoFrames()->framesPublished() - s.publishedAtStart;
+        }
         result.audioFrames = *audioFrames - audioFramesBefore;
         if (m_stopRequested())
             result.error = "stopped";
@@ -184,11 +201,11 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     result.slowestPhoneFps = -1;
     for (const Session &s : sessions) {
         result.packets += s.probe->packets();
-        result.frames += s.probe->frames();
-        result.packetsWithoutFrame += s.probe->packetsWithoutFrame();
+        result.frames += s.decoded;
+        result.packetsWithoutFrame += std::max<qint64>(0, s.probe->packets() - s.decoded);
         const auto &latencies = s.probe->latenciesNs();
         result.latenciesNs.insert(result.latenciesNs.end(), latencies.begin(), latencies.end());
-        const double fps = result.seconds > 0 ? double(s.probe->frames()) / result.seconds : 0;
+        const double fps = result.seconds > 0 ? double(s.decoded) / result.seconds : 0;
         if (result.slowestPhoneFps < 0 || fps < result.slowestPhoneFps)
             result.slowestPhoneFps = fps;
     }

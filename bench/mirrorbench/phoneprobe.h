@@ -2,43 +2,46 @@
 
 #include "packetsink.h"
 
+#include <QHash>
+#include <QMutex>
 #include <QtGlobal>
 
+#include <atomic>
 #include <vector>
 
-// Watches one phone's video path. As the first packet sink it sees every picture packet before the
-// decoder and stamps it; the stamp is read again once the picture has been presented. Demuxing,
-// decoding and presenting run synchronously on the thread that reads the socket, so the picture
-// presented while a packet is on its way belongs to that packet: a packet that yields no picture
-// is counted as such instead of shifting every later pairing.
+// Watches one phone's video path. As the first packet sink it stamps each picture packet's
+// arrival on the media thread; when the GUI thread is told of a new picture, the stamp of that
+// picture's timestamp gives the latency from the socket to the view's hand-off.
 class PhoneProbe : public PacketSink
 {
 public:
+    // Media thread.
     void pushPacket(const AVPacket *packet) override;
-    // Call right after the view's present() has returned.
-    void framePresented();
+    // GUI thread: a picture with this timestamp reached the hand-off (pictures skipped in between
+    // by latest-wins are not presented and have no latency).
+    void framePresented(qint64 pts);
 
     // Zeroes the counters and keeps latencies only for packets stamped from now on.
     void startCounting();
     void stopCounting() { m_counting = false; }
 
-    qint64 packets() const { return m_packets; }
-    qint64 frames() const { return m_frames; }
-    qint64 framesSinceStart() const { return m_framesEver; }
-    qint64 packetsWithoutFrame() const { return m_packetsWithoutFrame; }
+    qint64 packets() const { return m_packets.load(); }
+    qint64 presented() const { return m_presented; }
+    qint64 framesSinceStart() const { return m_presentedEver; }
+    // Monotonic time of the first picture presented, 0 before it.
+    qint64 firstPresentedNs() const { return m_firstPresentedNs; }
     const std::vector<qint64> &latenciesNs() const { return m_latenciesNs; }
 
     // Monotonic nanoseconds shared by every probe.
     static qint64 nowNs();
 
 private:
-    bool m_counting = false;
-    bool m_pending = false;
-    bool m_pendingCounted = false;
-    qint64 m_pendingArrivalNs = 0;
-    qint64 m_packets = 0;
-    qint64 m_frames = 0;
-    qint64 m_framesEver = 0;
-    qint64 m_packetsWithoutFrame = 0;
+    std::atomic_bool m_counting{false};
+    std::atomic<qint64> m_packets{0};
+    QMutex m_mutex;
+    QHash<qint64, qint64> m_arrivalNsByPts;
+    qint64 m_presented = 0;
+    qint64 m_presentedEver = 0;
+    qint64 m_firstPresentedNs = 0;
     std::vector<qint64> m_latenciesNs;
 };

@@ -16,6 +16,8 @@ public:
     AdbClient() = delete;
 
     static QString run(const QStringList &args);
+    // Whether a result of run() reports a failure.
+    static bool isError(const QString &result) { return result.startsWith(QLatin1String("[error]")); }
 
     static bool killServer();
     static bool startServer();

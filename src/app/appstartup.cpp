@@ -2,6 +2,7 @@
 
 #include "adbclient.h"
 #include "appconfig.h"
+#include "devicetracker.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -59,6 +60,8 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     QObject::connect(
         &engine, &QQmlApplicationEngine::objectCreationFailed, qApp,
         [] { QCoreApplication::exit(-1); }, Qt::QueuedConnection);
+    // One long-lived listing of attached phones serves every group and session.
+    DeviceTracker::instance()->ensureStarted();
     engine.load(QUrl("qrc:/Korvel/src/qml/Main.qml"));
 
     // The adb server that the application started must not outlive it.

@@ -1,6 +1,7 @@
 #include "controller.h"
 
 #include "adbclient.h"
+#include "adbpool.h"
 #include "controlmsgencoder.h"
 #include "device.h"
 #include "inputmapping.h"
@@ -151,13 +152,13 @@ void Controller::swipe(const QPointF &end, int steps)
 void Controller::actionReboot()
 {
     if (m_device)
-        AdbClient::reboot(m_device->adbConnectionSerial());
+        AdbPool::post([serial = m_device->adbConnectionSerial()] { AdbClient::reboot(serial); });
 }
 
 void Controller::actionShutdown()
 {
     if (m_device)
-        AdbClient::shutdown(m_device->adbConnectionSerial());
+        AdbPool::post([serial = m_device->adbConnectionSerial()] { AdbClient::shutdown(serial); });
 }
 
 void Controller::actionSleep() { sendKeyPress(KeySleep); }
@@ -297,25 +298,25 @@ void Controller::setWallpaper(const QString &nickname, int width, int height)
     if (!m_device || width <= 0 || height <= 0)
         return;
     const QString desktop = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
-    QDir().mkpath(desktop);
-    const QString path = desktop + "/wallpaper_" + nickname + ".png";
-
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Qt::yellow, 2, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
-    QFont font("Arial", 80);
-    font.setWeight(QFont::Bold);
-    painter.setFont(font);
-    QRect area = image.rect();
-    area.setTop(150);
-    painter.drawText(area, Qt::AlignHCenter | Qt::AlignTop, nickname);
-    painter.end();
-
-    if (!image.save(path, "PNG"))
-        return;
-    AdbClient::setWallpaper(m_device->adbConnectionSerial(), path);
+    // Drawing, saving and pushing the picture all happen off the GUI thread.
+    AdbPool::post([serial = m_device->adbConnectionSerial(), desktop, nickname, width, height] {
+        QDir().mkpath(desktop);
+        const QString path = desktop + "/wallpaper_" + nickname + ".png";
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Qt::yellow, 2, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
+        QFont font("Arial", 80);
+        font.setWeight(QFont::Bold);
+        painter.setFont(font);
+        QRect area = image.rect();
+        area.setTop(150);
+        painter.drawText(area, Qt::AlignHCenter | Qt::AlignTop, nickname);
+        painter.end();
+        if (image.save(path, "PNG"))
+            AdbClient::setWallpaper(serial, path);
+    });
 }
 
 void Controller::resetVideo()

@@ -1,19 +1,18 @@
 #include "device.h"
 
 #include "adbclient.h"
+#include "adbpool.h"
 #include "appconfig.h"
-#include "audiodecoder.h"
-#include "audiodemuxer.h"
 #include "autojs.h"
 #include "controller.h"
 #include "devicegroup.h"
 #include "devicesettings.h"
+#include "framehandoff.h"
+#include "mediapipeline.h"
 #include "mediarecorder.h"
 #include "scrcpyserver.h"
+#include "screenshotwriter.h"
 #include "serverparams.h"
-#include "simpleaudioplayer.h"
-#include "videodecoder.h"
-#include "videodemuxer.h"
 
 #include <QFileInfo>
 #include <QFutureWatcher>
@@ -23,7 +22,6 @@
 
 extern "C" {
 #include <libavutil/frame.h>
-#include <libswscale/swscale.h>
 }
 
 namespace {
@@ -42,35 +40,36 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
     , m_deviceGroup(deviceGroup)
     , m_smallViewParams(new ServerParams(this))
     , m_bigViewParams(new ServerParams(this))
+    , m_frames(new FrameHandoff(this))
+    , m_screenshotWriter(std::make_shared<ScreenshotWriter>())
 {
     m_bigViewParams->setMaxSize(720);
     m_bigViewParams->setMaxFps(30);
     m_bigViewParams->setBitRate(4000000);
     m_autojs = new Autojs(this);
     connect(m_autojs, &Autojs::runningStatusChanged, this, &Device::isRunningAutojsChanged);
+    connect(DeviceSettings::instance(), &DeviceSettings::deviceNicknameChanged, this,
+            [this](const QString &serial) {
+                if (serial == m_adbConnectionSerial)
+                    emit nickNameChanged();
+            });
+    connect(m_frames, &FrameHandoff::frameAvailable, this, &Device::handleFrameAvailable);
+    connect(m_frames, &FrameHandoff::watchedChanged, this, &Device::applyDecodingDemand);
     m_recorder = new MediaRecorder(this);
     connect(m_recorder, &MediaRecorder::message, this, &Device::deviceMessage);
     connect(m_recorder, &MediaRecorder::resetVideoRequested, this, [this] {
         if (m_controller)
             m_controller->resetVideo();
     });
-    connect(DeviceSettings::instance(), &DeviceSettings::deviceNicknameChanged, this,
-            [this](const QString &serial) {
-                if (serial == m_adbConnectionSerial)
-                    emit nickNameChanged();
-            });
 }
 
 Device::~Device()
 {
-    // The server first: its sockets feed the demuxer.
+    // The media thread first: it reads a socket that the server's tear-down closes.
+    delete m_media;
     delete m_server;
-    m_server = nullptr;
-    delete m_videoDemuxer;
-    delete m_audioDemuxer;
     // Finishes the file (trailer included) before the device goes, even if the phone vanished.
     delete m_recorder;
-    sws_freeContext(m_rgbScaler);
 }
 
 int Device::indexInGroup() const
@@ -157,35 +156,47 @@ void Device::startScrcpySession()
     m_recorder->setStreams(params->video(), params->audio());
     connect(m_server, &ScrcpyServer::output, this, &Device::handleServerOutput);
     connect(m_server, &ScrcpyServer::stopped, this, &Device::handleServerStopped);
+    connect(m_server, &ScrcpyServer::startFailed, this, &Device::handleStartFailed);
     connect(m_server, &ScrcpyServer::videoSocketConnected, this, &Device::handleVideoSocketConnected);
-    connect(m_server, &ScrcpyServer::videoSocketDisconnected, this, &Device::handleVideoSocketDisconnected);
     connect(m_server, &ScrcpyServer::audioSocketConnected, this, &Device::handleAudioSocketConnected);
-    connect(m_server, &ScrcpyServer::audioSocketDisconnected, this, &Device::handleAudioSocketDisconnected);
     connect(m_server, &ScrcpyServer::controlSocketConnected, this, &Device::handleControlSocketConnected);
-    connect(m_server, &ScrcpyServer::controlSocketDisconnected, this, &Device::handleControlSocketDisconnected);
+    setStarting(true);
+    emit runningChanged();
+    m_server->start();
+}
 
-    delete m_audioPlayer;
-    m_audioPlayer = new SimpleAudioPlayer(this);
+void Device::handleStartFailed(const QString &error)
+{
+    emit scrcpyError(error);
+    emitError(tr("Failed to start: %1").arg(error), 10000);
+}
 
-    // The stopped(-1) of a failed start is handled here, not as the end of a running server.
-    m_server->blockSignals(true);
-    const bool started = m_server->start();
-    m_server->blockSignals(false);
-    if (started) {
-        emit runningChanged();
+void Device::setStarting(bool starting)
+{
+    if (m_starting == starting)
         return;
-    }
-    teardownSession();
-    leaveGroup();
+    m_starting = starting;
+    emit startingChanged();
 }
 
 void Device::teardownSession()
 {
     if (!m_server)
         return;
+    delete m_media;
+    m_media = nullptr;
+    // Later: this may run inside one of the server's own signals.
     m_server->stop();
-    delete m_server;
+    m_server->deleteLater();
     m_server = nullptr;
+    m_frames->clear();
+    if (m_screenshotWaitsForPicture) {
+        m_screenshotWaitsForPicture = false;
+        m_frames->removeWatcher();
+        handleScreenshotFinished(false);
+    }
+    m_hasPicture = false;
+    setStarting(false);
     emit runningChanged();
     deleteController();
 }
@@ -222,20 +233,23 @@ void Device::handleServerOutput(const QByteArray &)
 
 void Device::handleServerStopped(int, QProcess::ExitStatus)
 {
-    if (m_server) {
-        m_server->deleteLater();
-        m_server = nullptr;
-        deleteController();
-        emit runningChanged();
-    }
-    const QList<ADBDeviceInfo> attached = AdbClient::devices();
-    const bool listed = std::any_of(attached.cbegin(), attached.cend(), [this](const ADBDeviceInfo &info) {
-        return info.adb_serial == m_adbConnectionSerial;
-    });
-    if (listed)
+    if (!m_server)
         return;
+    // A server that ends before its first picture failed: its last words say why.
+    const QStringList lastOutput = m_server->lastOutput();
+    if (m_starting && !lastOutput.isEmpty())
+        emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), 10000);
     teardownSession();
-    leaveGroup();
+    // adb's tracking stream does not report a Wi-Fi phone going offline, so ask once now.
+    AdbPool::run(this, [] { return AdbClient::devices(); }, [this](const QList<ADBDeviceInfo> &attached) {
+        if (m_server)
+            return;
+        const bool listed = std::any_of(attached.cbegin(), attached.cend(), [this](const ADBDeviceInfo &info) {
+            return info.adb_serial == m_adbConnectionSerial;
+        });
+        if (!listed)
+            leaveGroup();
+    });
 }
 
 void Device::addVideoPacketProbe(PacketSink *probe)
@@ -246,77 +260,50 @@ void Device::addVideoPacketProbe(PacketSink *probe)
 
 void Device::handleVideoSocketConnected()
 {
-    if (!m_server || !m_server->videoSocket())
+    if (!m_server)
         return;
-    // The previous session's demuxer goes; its decoder stays a child until the device ends.
-    delete m_videoDemuxer;
-    m_videoDecoder = new VideoDecoder(this);
-    m_videoDecoder->setScreenshotSerial(m_adbConnectionSerial);
-    connect(m_videoDecoder, &VideoDecoder::frameDecoded, this, &Device::handleDecodedVideoFrame);
-    connect(m_videoDecoder, &VideoDecoder::screenshotFinished, this,
-            [this](bool saved) { handleScreenshotFinished(saved); });
-    m_videoDemuxer = new VideoDemuxer(m_server->videoSocket(), m_recorder->videoSink(), m_videoDecoder);
-    m_recorder->setVideoCodecSource([demuxer = QPointer<VideoDemuxer>(m_videoDemuxer)]() -> AVCodecContext * {
-        return demuxer ? demuxer->codecContext() : nullptr;
-    });
-    for (int i = 0; i < m_videoPacketProbes.size(); ++i)
-        m_videoDemuxer->insertPacketSink(i, m_videoPacketProbes.at(i));
-    m_videoDecoder->setDemuxer(m_videoDemuxer);
+    QTcpSocket *socket = m_server->takeVideoSocket();
+    if (!socket)
+        return;
+    delete m_media;
+    m_media = nullptr;
+    mediaPipeline()->startVideo(socket, m_videoPacketProbes);
     emit videoStreamStarted();
 }
 
-void Device::handleVideoSocketDisconnected()
+MediaPipeline *Device::mediaPipeline()
 {
+    if (m_media)
+        return m_media;
+    m_media = new MediaPipeline("Media " + m_adbConnectionSerial, m_frames, this);
+    m_media->setRecorder(m_recorder);
+    connect(m_media, &MediaPipeline::videoEnded, this, [this] {
+        if (m_server)
+            emit videoStreamStopped();
+    });
+    connect(m_media, &MediaPipeline::audioUnavailable, this, [this](const QString &message) {
+        // The phone goes on without sound; a recording must not wait for it.
+        if (m_server)
+            m_recorder->setStreams(m_server->params()->video(), false);
+        emitError(message);
+    });
+    return m_media;
 }
 
 void Device::handleAudioSocketConnected()
 {
-    if (!m_server || !m_server->audioSocket())
+    if (!m_server)
         return;
-    delete m_audioDemuxer;
-    m_audioDecoder = new AudioDecoder(this);
-    connect(m_audioDecoder, &AudioDecoder::frameDecoded, this, &Device::handleDecodedAudioFrame);
+    QTcpSocket *socket = m_server->takeAudioSocket();
+    if (!socket)
+        return;
     // Without video the audio socket is the session's first one and carries the device name.
-    ServerParams *params = m_isBigView ? m_bigViewParams : m_smallViewParams;
-    const bool nameFirst = !params->video();
-    m_audioDemuxer = new AudioDemuxer(m_server->audioSocket(), m_recorder->audioSink(), m_audioDecoder, nameFirst);
-    m_audioDecoder->setDemuxer(m_audioDemuxer);
-    m_recorder->setAudioCodecSource([demuxer = QPointer<AudioDemuxer>(m_audioDemuxer)]() -> AVCodecContext * {
-        return demuxer ? demuxer->codecContext() : nullptr;
-    });
-    connect(m_audioDemuxer, &AudioDemuxer::audioUnavailable, this, [this](const QString &message) {
-        // The phone goes on without sound; a recording must not wait for it.
-        m_recorder->setStreams((m_isBigView ? m_bigViewParams : m_smallViewParams)->video(), false);
-        if (m_audioPlayer)
-            m_audioPlayer->stop();
-        emitError(message);
-    });
-    if (m_audioPlayer)
-        m_audioPlayer->start();
+    mediaPipeline()->startAudio(socket, !m_server->params()->video());
 }
 
-void Device::handleAudioSocketDisconnected()
+AudioDecoder *Device::audioDecoder() const
 {
-}
-
-void Device::handleControlSocketConnected()
-{
-    if (!m_server || !m_server->controlSocket())
-        return;
-    deleteController();
-    m_controller = new Controller(this, m_server->controlSocket());
-    connect(m_controller, &Controller::messageSent, this, &Device::handleMessageSent);
-    emit controllerChanged();
-}
-
-void Device::handleControlSocketDisconnected()
-{
-}
-
-void Device::handleDecodedAudioFrame(AVFrame *frame)
-{
-    if (m_audioPlayer)
-        m_audioPlayer->playFrame(frame);
+    return m_media ? m_media->audioDecoder() : nullptr;
 }
 
 void Device::startRecord()
@@ -335,33 +322,46 @@ void Device::stopRecord()
     m_recorder->stop();
 }
 
-void Device::handleDecodedVideoFrame(AVFrame *frame)
+void Device::handleControlSocketConnected()
 {
-    if (!frame || frame->width <= 0 || frame->height <= 0)
+    if (!m_server || !m_server->controlSocket())
         return;
-    m_frameSize = QSize(frame->width, frame->height);
-    if (frame->format == AV_PIX_FMT_YUV420P) {
-        emit yuvFrameReady(frame->width, frame->height, frame->data[0], frame->linesize[0], frame->data[1],
-                           frame->linesize[1], frame->data[2], frame->linesize[2]);
-        return;
-    }
-    const QImage image = toImage(frame);
-    if (!image.isNull())
-        emit frameReady(image);
+    deleteController();
+    m_controller = new Controller(this, m_server->controlSocket());
+    connect(m_controller, &Controller::messageSent, this, &Device::handleMessageSent);
+    emit controllerChanged();
 }
 
-QImage Device::toImage(const AVFrame *frame)
+void Device::handleFrameAvailable()
 {
-    m_rgbScaler = sws_getCachedContext(m_rgbScaler, frame->width, frame->height, AVPixelFormat(frame->format),
-                                       frame->width, frame->height, AV_PIX_FMT_RGB24, SWS_BILINEAR, nullptr,
-                                       nullptr, nullptr);
-    if (!m_rgbScaler)
-        return {};
-    QImage image(frame->width, frame->height, QImage::Format_RGB888);
-    uint8_t *destination[4] = {image.bits(), nullptr, nullptr, nullptr};
-    const int strides[4] = {int(image.bytesPerLine()), 0, 0, 0};
-    sws_scale(m_rgbScaler, frame->data, frame->linesize, 0, frame->height, destination, strides);
-    return image;
+    quint64 serial = 0;
+    const FrameHandoff::Frame frame = m_frames->latest(&serial);
+    if (!frame)
+        return;
+    m_frameSize = QSize(frame->width, frame->height);
+    setStarting(false);
+    if (!m_hasPicture) {
+        // Decoding runs until the first picture, so that size and screenshot are known even for
+        // a phone nobody looks at; from now on it follows the views.
+        m_hasPicture = true;
+        applyDecodingDemand();
+    }
+    if (m_screenshotWaitsForPicture) {
+        m_screenshotWaitsForPicture = false;
+        m_frames->removeWatcher();
+        saveScreenshot();
+    }
+}
+
+void Device::applyDecodingDemand()
+{
+    if (!m_media || !m_hasPicture)
+        return;
+    const bool watched = m_frames->isWatched();
+    m_media->setDecodingPaused(!watched);
+    // The picture kept while paused is old: ask for a key frame so that it is current at once.
+    if (watched && m_controller)
+        m_controller->resetVideo();
 }
 
 void Device::setIsBigView(bool isBigView)
@@ -389,45 +389,89 @@ void Device::setEnableAudio(bool enableAudio)
 void Device::setWiFiConnection()
 {
     m_switchingConnection = true;
-    if (!AdbClient::tcpip(m_adbConnectionSerial, kWifiAdbPort)) {
-        emitError(tr("Failed to tcpip"), 3000);
-        m_switchingConnection = false;
-        return;
-    }
-    QTimer::singleShot(stepDelayMs, this, [this] {
-        if (AdbClient::connect(m_adbConnectionSerial, m_ipAddress, kWifiAdbPort))
-            emit deviceMessage(tr("WiFi connection enabled"), "success", 3000);
-        else
-            emitError(tr("Failed to enable \r WiFi connection"), 3000);
-        m_switchingConnection = false;
+    const QString serial = m_adbConnectionSerial;
+    AdbPool::run(
+        this, [serial] { return AdbClient::tcpip(serial, kWifiAdbPort); },
+        [this, serial](bool switched) {
+            if (!switched) {
+                emitError(tr("Failed to tcpip"), 3000);
+                m_switchingConnection = false;
+                return;
+            }
+            QTimer::singleShot(stepDelayMs, this, [this, serial, address = m_ipAddress] {
+                AdbPool::run(
+                    this, [serial, address] { return AdbClient::connect(serial, address, kWifiAdbPort); },
+                    [this](bool connected) {
+                        if (connected)
+                            emit deviceMessage(tr("WiFi connection enabled"), "success", 3000);
+                        else
+                            emitError(tr("Failed to enable \r WiFi connection"), 3000);
+                        m_switchingConnection = false;
+                    });
+            });
+        });
+}
+
+void Device::disconnectWiFi()
+{
+    const QString serial = m_adbConnectionSerial;
+    AdbPool::run(this, [serial] { return AdbClient::disconnect(serial); }, [this](bool disconnected) {
+        if (!disconnected) {
+            emitError(tr("Failed to disconnect WiFi"), 3000);
+            return;
+        }
+        teardownSession();
+        leaveGroup();
     });
 }
 
-bool Device::disconnectWiFi()
+void Device::setUSBConnection()
 {
-    if (!AdbClient::disconnect(m_adbConnectionSerial))
-        return false;
-    teardownSession();
-    leaveGroup();
-    return true;
-}
-
-bool Device::setUSBConnection()
-{
-    return AdbClient::usb(m_adbConnectionSerial);
+    const QString serial = m_adbConnectionSerial;
+    AdbPool::run(this, [serial] { return AdbClient::usb(serial); }, [this](bool switched) {
+        if (switched)
+            emitSuccess(tr("USB connection enabled"));
+        else
+            emitError(tr("Failed to switch to USB"), 3000);
+    });
 }
 
 void Device::takeScreenshot()
 {
     if (m_isScreenShotting)
         return;
-    if (!m_videoDecoder || !m_server) {
+    if (!m_media || !m_server) {
         emitError(tr("Not Connected"), 2000);
         return;
     }
     m_isScreenShotting = true;
     emit isScreenShottingChanged();
-    m_videoDecoder->takeScreenshot();
+    if (m_frames->isWatched() && m_frames->latest()) {
+        saveScreenshot();
+        return;
+    }
+    // Nobody looks at this phone, so its picture may be old: decode again until a new one comes.
+    m_screenshotWaitsForPicture = true;
+    m_frames->addWatcher();
+}
+
+void Device::saveScreenshot()
+{
+    const FrameHandoff::Frame frame = m_frames->latest();
+    if (!frame) {
+        handleScreenshotFinished(false);
+        return;
+    }
+    const QString folder = ScreenshotWriter::folder();
+    auto *watcher = new QFutureWatcher<bool>(this);
+    connect(watcher, &QFutureWatcher<bool>::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        handleScreenshotFinished(watcher->result());
+    });
+    watcher->setFuture(QtConcurrent::run([writer = m_screenshotWriter, frame, folder, serial = m_adbConnectionSerial] {
+        QString path;
+        return writer->save(frame.get(), folder, serial, &path);
+    }));
 }
 
 void Device::handleScreenshotFinished(bool saved)

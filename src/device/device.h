@@ -3,7 +3,6 @@
 #include "controlmsg.h"
 #include "deviceinfo.h"
 
-#include <QImage>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -11,23 +10,19 @@
 #include <QSize>
 #include <QtQml/qqmlregistration.h>
 
-extern "C" {
-#include <libavutil/frame.h>
-struct SwsContext;
-}
+#include <memory>
 
 class AudioDecoder;
-class AudioDemuxer;
 class Autojs;
 class Controller;
 class DeviceGroup;
+class FrameHandoff;
+class MediaPipeline;
 class MediaRecorder;
 class PacketSink;
 class ScrcpyServer;
+class ScreenshotWriter;
 class ServerParams;
-class SimpleAudioPlayer;
-class VideoDecoder;
-class VideoDemuxer;
 
 // One phone in one group: runs its mirroring session, passes decoded frames to the views,
 // carries the per-phone commands of the user interface, and reports status messages.
@@ -39,6 +34,7 @@ class Device : public QObject
     Q_MOC_INCLUDE("serverparams.h")
     Q_MOC_INCLUDE("controller.h")
     Q_MOC_INCLUDE("autojs.h")
+    Q_MOC_INCLUDE("framehandoff.h")
     Q_MOC_INCLUDE("mediarecorder.h")
     Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
@@ -54,6 +50,8 @@ class Device : public QObject
     Q_PROPERTY(ServerParams *serverParamsBigView READ serverParamsBigView CONSTANT)
     Q_PROPERTY(bool isScreenShotting READ isScreenShotting NOTIFY isScreenShottingChanged)
     Q_PROPERTY(bool running READ running NOTIFY runningChanged)
+    Q_PROPERTY(bool starting READ starting NOTIFY startingChanged)
+    Q_PROPERTY(FrameHandoff *videoFrames READ videoFrames CONSTANT)
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
     Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
     Q_PROPERTY(MediaRecorder *videoRecorder READ videoRecorder CONSTANT)
@@ -83,18 +81,22 @@ public:
     ServerParams *serverParamsBigView() const { return m_bigViewParams; }
     bool isScreenShotting() const { return m_isScreenShotting; }
     bool running() const { return m_server != nullptr; }
+    // Between Start and the first picture.
+    bool starting() const { return m_starting; }
+    // The session's pictures, for views and screenshots; the same object for the device's life.
+    FrameHandoff *videoFrames() const { return m_frames; }
     bool isAudioEnabled() const;
     QString nickName() const;
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
     ScrcpyServer *server() const { return m_server; }
     MediaRecorder *videoRecorder() const { return m_recorder; }
-    // The current session's sound chain; null until its audio socket arrives.
-    AudioDecoder *audioDecoder() const { return m_audioDecoder; }
-    SimpleAudioPlayer *audioPlayer() const { return m_audioPlayer; }
+    // The current session's sound decoder, living on the media thread (connect to it directly);
+    // null until the audio socket arrives.
+    AudioDecoder *audioDecoder() const;
     // Sinks placed first, in the order added, in every video demuxer created from now on: they see
-    // each packet before the decoder (statistics, benchmarks). Not owned; they must outlive the
-    // device unless they are QObjects.
+    // each packet before the decoder, on the session's media thread (statistics, benchmarks). Not
+    // owned; they must outlive the device.
     void addVideoPacketProbe(PacketSink *probe);
 
     // The Wi-Fi address and the details, read in the background; `ipAddressChanged` and
@@ -106,13 +108,11 @@ public:
 
 signals:
     void runningChanged();
+    void startingChanged();
     void scrcpyError(const QString &error);
     void controllerChanged();
     void isBigViewChanged();
     void isScreenShottingChanged();
-    void yuvFrameReady(int width, int height, const uint8_t *yData, int yStride, const uint8_t *uData, int uStride,
-                       const uint8_t *vData, int vStride);
-    void frameReady(const QImage &frame);
     void videoStreamStarted();
     void videoStreamStopped();
     void isRunningAutojsChanged();
@@ -130,14 +130,10 @@ public slots:
     void handleServerOutput(const QByteArray &data);
     void handleServerStopped(int exitCode, QProcess::ExitStatus st);
     void handleMessageSent(const ControlMsg &msg);
-    void handleDecodedVideoFrame(AVFrame *frame);
-    void handleDecodedAudioFrame(AVFrame *frame);
+    void handleFrameAvailable();
     void handleVideoSocketConnected();
-    void handleVideoSocketDisconnected();
     void handleAudioSocketConnected();
-    void handleAudioSocketDisconnected();
     void handleControlSocketConnected();
-    void handleControlSocketDisconnected();
 
 public:
     Q_INVOKABLE void setEnableAudio(bool enableAudio);
@@ -146,8 +142,8 @@ public:
     Q_INVOKABLE void stopScrcpySession();
     Q_INVOKABLE void removeFromDeviceGroup();
     Q_INVOKABLE void setWiFiConnection();
-    Q_INVOKABLE bool disconnectWiFi();
-    Q_INVOKABLE bool setUSBConnection();
+    Q_INVOKABLE void disconnectWiFi();
+    Q_INVOKABLE void setUSBConnection();
     Q_INVOKABLE void setNickName(const QString &nickname);
     Q_INVOKABLE void setIsBigView(bool isBigView);
     Q_INVOKABLE void takeScreenshot();
@@ -182,8 +178,12 @@ private:
     void teardownSession();
     void deleteController();
     void leaveGroup();
+    void setStarting(bool starting);
+    void handleStartFailed(const QString &error);
+    void applyDecodingDemand();
+    MediaPipeline *mediaPipeline();
+    void saveScreenshot();
     void handleScreenshotFinished(bool saved);
-    QImage toImage(const AVFrame *frame);
 
     Autojs *m_autojs = nullptr;
     DeviceInfo m_deviceInfo;
@@ -199,14 +199,14 @@ private:
     ServerParams *m_smallViewParams;
     ServerParams *m_bigViewParams;
     ScrcpyServer *m_server = nullptr;
-    VideoDemuxer *m_videoDemuxer = nullptr;
-    VideoDecoder *m_videoDecoder = nullptr;
+    FrameHandoff *m_frames;
+    MediaPipeline *m_media = nullptr;
     QList<PacketSink *> m_videoPacketProbes;
-    AudioDemuxer *m_audioDemuxer = nullptr;
-    AudioDecoder *m_audioDecoder = nullptr;
-    SimpleAudioPlayer *m_audioPlayer = nullptr;
     MediaRecorder *m_recorder = nullptr;
+    bool m_starting = false;
+    bool m_hasPicture = false;
     bool m_isScreenShotting = false;
+    bool m_screenshotWaitsForPicture = false;
     bool m_switchingConnection = false;
-    SwsContext *m_rgbScaler = nullptr;
+    std::shared_ptr<ScreenshotWriter> m_screenshotWriter;
 };

@@ -18,9 +18,14 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodecoder.h
     ${CMAKE_CURRENT_LIST_DIR}/videodecoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/framehandoff.h
+    ${CMAKE_CURRENT_LIST_DIR}/framehandoff.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/mediaworker.h
+    ${CMAKE_CURRENT_LIST_DIR}/mediaworker.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/mediapipeline.h
+    ${CMAKE_CURRENT_LIST_DIR}/mediapipeline.cpp
     ${CMAKE_CURRENT_LIST_DIR}/screenshotwriter.h
     ${CMAKE_CURRENT_LIST_DIR}/screenshotwriter.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/yuvframe.h
     ${CMAKE_CURRENT_LIST_DIR}/yuvfboitem.h
     ${CMAKE_CURRENT_LIST_DIR}/yuvfboitem.cpp
     ${CMAKE_CURRENT_LIST_DIR}/yuvfborenderer.h

@@ -4,17 +4,16 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QString>
 
+#include <atomic>
 #include <memory>
 
 struct AVCodecContext;
 struct AVFrame;
-class ScreenshotWriter;
 class VideoDemuxer;
 
-// Decodes the packets of one video stream with the codec context that its demuxer opened,
-// publishes every picture through frameDecoded, keeps the last one and saves it on request.
+// Decodes the packets of one video stream with the codec context that its demuxer opened and
+// publishes every picture through frameDecoded, on the thread that feeds it.
 class VideoDecoder : public QObject, public PacketSink
 {
     Q_OBJECT
@@ -24,37 +23,28 @@ public:
     ~VideoDecoder() override;
 
     void setDemuxer(VideoDemuxer *demuxer);
+    // While paused, packets are dropped; decoding resumes at the next key frame.
     void setDecodingPaused(bool paused);
     bool isDecodingPaused() const { return m_paused; }
-    // The serial that names screenshot files, used verbatim.
-    void setScreenshotSerial(const QString &serial);
-    QString screenshotSerial() const { return m_serial; }
 
     void decodePacket(const AVPacket *packet);
     void pushPacket(const AVPacket *packet) override { decodePacket(packet); }
 
-    // The most recent picture with a positive size; null until there is one.
-    const AVFrame *lastFrame() const { return m_lastFrame; }
+    // Decoders alive in the process, for leak checks.
+    static int liveInstances() { return s_live.load(); }
 
 signals:
-    // The working frame, valid only during the emission: copy what you need, never keep or free it.
+    // The working frame, valid only during the emission: reference what you need, never keep it.
     void frameDecoded(AVFrame *frame);
-    // The end of every screenshot request, on the main thread. path is the file written or, on a
-    // failed save, the file that was tried; empty when the request failed before any file.
-    void screenshotFinished(bool saved, const QString &path);
-
-public slots:
-    void takeScreenshot();
 
 private:
     void drain(AVCodecContext *context);
 
+    static std::atomic_int s_live;
     QPointer<VideoDemuxer> m_demuxer;
     // Keeps the borrowed context alive if the demuxer goes first.
     std::shared_ptr<AVCodecContext> m_codecContext;
     bool m_paused = false;
+    bool m_waitingForKeyFrame = false;
     AVFrame *m_frame = nullptr;
-    AVFrame *m_lastFrame = nullptr;
-    QString m_serial;
-    std::shared_ptr<ScreenshotWriter> m_screenshotWriter;
 };

@@ -1,44 +1,61 @@
 #pragma once
 
-#include "yuvframe.h"
+#include "framehandoff.h"
 
-#include <QMutex>
+#include <QPointer>
 #include <QQuickFramebufferObject>
 #include <QtQml/qqmlregistration.h>
 
 #include <atomic>
-#include <cstdint>
 #include <memory>
 
-// Shows one device's live picture: present() copies the YUV planes of each decoded picture and the
-// renderer converts them to RGB on the scene-graph render thread.
+// Shows one device's live picture, taken from its frame handoff: the render thread references the
+// newest decoded picture and uploads its planes; nothing is copied on the GUI thread, and nothing
+// is drawn until a new picture comes. While the item is on screen it watches the handoff, so the
+// phone's decoding runs only while somebody can see it.
 class YuvFboItem : public QQuickFramebufferObject
 {
     Q_OBJECT
     QML_ELEMENT
+    Q_PROPERTY(FrameHandoff *source READ source WRITE setSource NOTIFY sourceChanged)
+    // Set by a scrolling container: false while the item is scrolled out of sight.
+    Q_PROPERTY(bool inViewport READ inViewport WRITE setInViewport NOTIFY inViewportChanged)
+    Q_PROPERTY(bool shown READ isShown NOTIFY shownChanged)
 
 public:
     explicit YuvFboItem(QQuickItem *parent = nullptr);
+    ~YuvFboItem() override;
 
     Renderer *createRenderer() const override;
 
-    // The picture waiting for the renderer (or the last one it took, if none is newer).
-    YuvFrame pendingFrame() const;
-    bool hasNewFrame() const;
+    FrameHandoff *source() const { return m_source; }
+    void setSource(FrameHandoff *source);
+    bool inViewport() const { return m_inViewport; }
+    void setInViewport(bool inViewport);
+    // Visible, in its window's view and the window not minimised.
+    bool isShown() const { return m_watching; }
+
     // How many times the renderer has (re)allocated a plane texture; three per picture size.
     int textureAllocations() const { return m_textureAllocations->load(); }
+    // How many pictures the renderer has uploaded.
+    int uploads() const { return m_uploads->load(); }
 
-public slots:
-    void present(int w, int h, const uint8_t *y, int strideY, const uint8_t *u, int strideU,
-                 const uint8_t *v, int strideV);
-    void clearFrame();
+signals:
+    void sourceChanged();
+    void inViewportChanged();
+    void shownChanged();
+
+protected:
+    void itemChange(ItemChange change, const ItemChangeData &value) override;
 
 private:
-    friend class YuvFboRenderer;
+    void updateWatching();
 
-    mutable QMutex m_mutex;
-    YuvFrame m_frame;
-    bool m_hasNewFrame = false;
+    QPointer<FrameHandoff> m_source;
+    bool m_inViewport = true;
+    bool m_watching = false;
+    QMetaObject::Connection m_windowConnection;
     // Shared with the renderer, which may outlive the item by a frame.
     std::shared_ptr<std::atomic_int> m_textureAllocations;
+    std::shared_ptr<std::atomic_int> m_uploads;
 };

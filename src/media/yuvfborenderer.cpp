@@ -2,7 +2,6 @@
 
 #include "yuvfboitem.h"
 
-#include <QMutexLocker>
 #include <QOpenGLFramebufferObject>
 #include <QOpenGLShaderProgram>
 
@@ -12,6 +11,11 @@
 #ifndef GL_UNPACK_ROW_LENGTH
 #define GL_UNPACK_ROW_LENGTH 0x0CF2
 #endif
+
+extern "C" {
+#include <libavutil/frame.h>
+#include <libavutil/pixfmt.h>
+}
 
 namespace {
 
@@ -29,10 +33,16 @@ const char *const FragmentShader =
     "            uniform sampler2D texY;\n"
     "            uniform sampler2D texU;\n"
     "            uniform sampler2D texV;\n"
+    "            uniform float limitedRange;\n"
     "            void main(){\n"
     "                float y = texture2D(texY, vTexCoord).r;\n"
     "                float u = texture2D(texU, vTexCoord).r - 0.5;\n"
     "                float v = texture2D(texV, vTexCoord).r - 0.5;\n"
+    "                if (limitedRange > 0.5) {\n"
+    "                    y = (y - 16.0 / 255.0) * (255.0 / 219.0);\n"
+    "                    u = u * (255.0 / 224.0);\n"
+    "                    v = v * (255.0 / 224.0);\n"
+    "                }\n"
     "                float r = y + 1.402 * v;\n"
     "                float g = y - 0.344136 * u - 0.714136 * v;\n"
     "                float b = y + 1.772 * u;\n"
@@ -50,8 +60,10 @@ const GLfloat Quad[16] = {
 
 } // namespace
 
-YuvFboRenderer::YuvFboRenderer(std::shared_ptr<std::atomic_int> allocations)
+YuvFboRenderer::YuvFboRenderer(std::shared_ptr<std::atomic_int> allocations,
+                               std::shared_ptr<std::atomic_int> uploads)
     : m_allocations(std::move(allocations))
+    , m_uploads(std::move(uploads))
 {
     initializeOpenGLFunctions();
     glGenTextures(3, m_textures);
@@ -85,15 +97,18 @@ QOpenGLFramebufferObject *YuvFboRenderer::createFramebufferObject(const QSize &s
 
 void YuvFboRenderer::synchronize(QQuickFramebufferObject *item)
 {
-    auto *yuvItem = static_cast<YuvFboItem *>(item);
-    QMutexLocker locker(&yuvItem->m_mutex);
-    if (yuvItem->m_hasNewFrame) {
-        m_frame = yuvItem->m_frame;
-        yuvItem->m_hasNewFrame = false;
-    }
+    FrameHandoff *source = static_cast<YuvFboItem *>(item)->source();
+    quint64 serial = 0;
+    FrameHandoff::Frame frame = source ? source->latest(&serial) : FrameHandoff::Frame();
+    if (source == m_source && serial == m_serial)
+        return;
+    m_source = source;
+    m_serial = serial;
+    m_frame = std::move(frame);
+    m_frameIsNew = true;
 }
 
-void YuvFboRenderer::uploadPlane(GLuint texture, const QByteArray &plane, int width, int height, int stride)
+void YuvFboRenderer::uploadPlane(GLuint texture, const uint8_t *plane, int width, int height, int stride)
 {
     glBindTexture(GL_TEXTURE_2D, texture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
@@ -107,8 +122,31 @@ void YuvFboRenderer::uploadPlane(GLuint texture, const QByteArray &plane, int wi
             ++*m_allocations;
     }
     glPixelStorei(GL_UNPACK_ROW_LENGTH, stride);
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_LUMINANCE, GL_UNSIGNED_BYTE, plane.constData());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_LUMINANCE, GL_UNSIGNED_BYTE, plane);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+}
+
+void YuvFboRenderer::uploadFrame()
+{
+    m_frameIsNew = false;
+    const AVFrame *frame = m_frame.get();
+    m_hasPicture = frame && frame->width > 0 && frame->height > 0 && frame->data[0] && frame->data[1]
+                   && frame->data[2] && frame->linesize[0] > 0 && frame->linesize[1] > 0 && frame->linesize[2] > 0
+                   && (frame->format == AV_PIX_FMT_YUV420P || frame->format == AV_PIX_FMT_YUVJ420P);
+    if (!m_hasPicture) {
+        // The planes go with the picture: nothing of it is kept beyond the upload.
+        m_frame.reset();
+        return;
+    }
+    const int w = frame->width;
+    const int h = frame->height;
+    uploadPlane(m_textures[0], frame->data[0], w, h, frame->linesize[0]);
+    uploadPlane(m_textures[1], frame->data[1], (w + 1) / 2, (h + 1) / 2, frame->linesize[1]);
+    uploadPlane(m_textures[2], frame->data[2], (w + 1) / 2, (h + 1) / 2, frame->linesize[2]);
+    m_fullRange = frame->format == AV_PIX_FMT_YUVJ420P || frame->color_range == AVCOL_RANGE_JPEG;
+    m_frame.reset();
+    if (m_uploads)
+        ++*m_uploads;
 }
 
 void YuvFboRenderer::render()
@@ -118,45 +156,34 @@ void YuvFboRenderer::render()
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
 
-    const int w = m_frame.width;
-    const int h = m_frame.height;
-    const int cw = (w + 1) / 2;
-    const int ch = (h + 1) / 2;
-    // A plane shorter than its size claims would make the upload read past its end.
-    const bool drawable = w > 0 && h > 0 && !m_frame.planeY.isEmpty()
-                          && m_frame.planeY.size() >= qsizetype(m_frame.strideY) * (h - 1) + w
-                          && m_frame.planeU.size() >= qsizetype(m_frame.strideU) * (ch - 1) + cw
-                          && m_frame.planeV.size() >= qsizetype(m_frame.strideV) * (ch - 1) + cw;
-    if (drawable) {
-        uploadPlane(m_textures[0], m_frame.planeY, w, h, m_frame.strideY);
-        uploadPlane(m_textures[1], m_frame.planeU, cw, ch, m_frame.strideU);
-        uploadPlane(m_textures[2], m_frame.planeV, cw, ch, m_frame.strideV);
+    if (m_frameIsNew)
+        uploadFrame();
+    if (!m_hasPicture)
+        return;
 
-        m_program->bind();
-        const char *const samplers[3] = {"texY", "texU", "texV"};
-        for (int unit = 0; unit < 3; ++unit) {
-            glActiveTexture(GL_TEXTURE0 + unit);
-            glBindTexture(GL_TEXTURE_2D, m_textures[unit]);
-            m_program->setUniformValue(samplers[unit], unit);
-        }
-
-        const int position = m_program->attributeLocation("aPos");
-        const int texCoord = m_program->attributeLocation("aTexCoord");
-        glBindBuffer(GL_ARRAY_BUFFER, 0);
-        m_program->enableAttributeArray(position);
-        m_program->enableAttributeArray(texCoord);
-        m_program->setAttributeArray(position, GL_FLOAT, Quad, 2, 4 * sizeof(GLfloat));
-        m_program->setAttributeArray(texCoord, GL_FLOAT, Quad + 2, 2, 4 * sizeof(GLfloat));
-        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-        m_program->disableAttributeArray(position);
-        m_program->disableAttributeArray(texCoord);
-        m_program->release();
-
-        for (int unit = 2; unit >= 0; --unit) {
-            glActiveTexture(GL_TEXTURE0 + unit);
-            glBindTexture(GL_TEXTURE_2D, 0);
-        }
+    m_program->bind();
+    const char *const samplers[3] = {"texY", "texU", "texV"};
+    for (int unit = 0; unit < 3; ++unit) {
+        glActiveTexture(GL_TEXTURE0 + unit);
+        glBindTexture(GL_TEXTURE_2D, m_textures[unit]);
+        m_program->setUniformValue(samplers[unit], unit);
     }
-    // Keep rendering at the display's rate: every pass uploads the planes again.
-    update();
+    m_program->setUniformValue("limitedRange", m_fullRange ? 0.0f : 1.0f);
+
+    const int position = m_program->attributeLocation("aPos");
+    const int texCoord = m_program->attributeLocation("aTexCoord");
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    m_program->enableAttributeArray(position);
+    m_program->enableAttributeArray(texCoord);
+    m_program->setAttributeArray(position, GL_FLOAT, Quad, 2, 4 * sizeof(GLfloat));
+    m_program->setAttributeArray(texCoord, GL_FLOAT, Quad + 2, 2, 4 * sizeof(GLfloat));
+    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    m_program->disableAttributeArray(position);
+    m_program->disableAttributeArray(texCoord);
+    m_program->release();
+
+    for (int unit = 2; unit >= 0; --unit) {
+        glActiveTexture(GL_TEXTURE0 + unit);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "yuvframe.h"
+#include "framehandoff.h"
 
 #include <QHash>
 #include <QOpenGLFunctions>
@@ -12,12 +12,15 @@
 class QOpenGLShaderProgram;
 
 // Draws a YuvFboItem's picture: three one-channel textures, converted to RGB in the fragment
-// shader (full-range BT.601). Lives on the scene-graph render thread.
+// shader (BT.601, limited or full range as the picture says). Lives on the scene-graph render
+// thread; planes are uploaded only when a new picture came.
 class YuvFboRenderer : public QQuickFramebufferObject::Renderer, protected QOpenGLFunctions
 {
 public:
     // allocations, when given, is incremented for every texture (re)allocation.
-    explicit YuvFboRenderer(std::shared_ptr<std::atomic_int> allocations = {});
+    // allocations and uploads, when given, count texture (re)allocations and picture uploads.
+    explicit YuvFboRenderer(std::shared_ptr<std::atomic_int> allocations = {},
+                            std::shared_ptr<std::atomic_int> uploads = {});
     ~YuvFboRenderer() override;
 
     QOpenGLFramebufferObject *createFramebufferObject(const QSize &size) override;
@@ -25,12 +28,20 @@ public:
     void render() override;
 
 private:
-    void uploadPlane(GLuint texture, const QByteArray &plane, int width, int height, int stride);
+    void uploadPlane(GLuint texture, const uint8_t *plane, int width, int height, int stride);
+    void uploadFrame();
 
     QOpenGLShaderProgram *m_program = nullptr;
     GLuint m_textures[3] = {0, 0, 0};
     QHash<GLuint, int> m_textureWidths;
     QHash<GLuint, int> m_textureHeights;
-    YuvFrame m_frame;
+    FrameHandoff::Frame m_frame;
+    // Identifies the picture last taken; the source is compared, never dereferenced.
+    const FrameHandoff *m_source = nullptr;
+    quint64 m_serial = 0;
+    bool m_frameIsNew = false;
+    bool m_hasPicture = false;
+    bool m_fullRange = false;
     std::shared_ptr<std::atomic_int> m_allocations;
+    std::shared_ptr<std::atomic_int> m_uploads;
 };

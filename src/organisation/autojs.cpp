@@ -1,6 +1,7 @@
 #include "autojs.h"
 
 #include "adbclient.h"
+#include "adbpool.h"
 #include "autojsprotocol.h"
 #include "device.h"
 
@@ -53,14 +54,27 @@ void Autojs::run(const QString &autojsPath)
     m_socket->abort();
     m_receiveBuffer.clear();
 
-    if (!m_device || !AdbClient::forward(m_device->adbConnectionSerial(), m_localPort, RemotePort)) {
+    if (!m_device) {
         report(tr("Failed to connect to AutoJS server"), "error", 5000);
         return;
     }
-    // The rest happens when the connection is up or has failed; the user interface keeps running.
+    // The rest happens when the forward, then the connection, is up or has failed; the user
+    // interface keeps running.
     m_pendingPath = autojsPath;
-    m_connectTimer->start(connectTimeoutMs);
-    m_socket->connectToHost(QHostAddress::LocalHost, m_localPort);
+    const QString serial = m_device->adbConnectionSerial();
+    const quint16 localPort = m_localPort;
+    AdbPool::run(this, [serial, localPort] { return AdbClient::forward(serial, localPort, RemotePort); },
+                 [this, autojsPath](bool forwarded) {
+                     if (m_pendingPath != autojsPath)
+                         return;
+                     if (!forwarded) {
+                         m_pendingPath.clear();
+                         report(tr("Failed to connect to AutoJS server"), "error", 5000);
+                         return;
+                     }
+                     m_connectTimer->start(connectTimeoutMs);
+                     m_socket->connectToHost(QHostAddress::LocalHost, m_localPort);
+                 });
 }
 
 void Autojs::handleConnectFailed()

@@ -1,9 +1,11 @@
 #include "devicegroupmanager.h"
 
 #include "adbclient.h"
+#include "adbpool.h"
 #include "appconfig.h"
 #include "device.h"
 #include "devicegroup.h"
+#include "devicetracker.h"
 #include "jsonfile.h"
 
 #include <QDir>
@@ -25,6 +27,7 @@ DeviceGroupManager::DeviceGroupManager(QObject *parent)
     m_currentSelectedGroup = m_deviceGroups.first();
     emit currentSelectedGroupChanged();
     connect(m_scanWatcher, &QFutureWatcher<ScanResult>::finished, this, &DeviceGroupManager::finishScan);
+    connect(DeviceTracker::instance(), &DeviceTracker::devicesChanged, this, &DeviceGroupManager::refreshFromAdb);
 }
 
 DeviceGroupManager::~DeviceGroupManager()
@@ -156,7 +159,7 @@ void DeviceGroupManager::clearAvailableDevices()
 
 void DeviceGroupManager::refreshFromAdb()
 {
-    refreshAvailableDevices(AdbClient::devices());
+    refreshAvailableDevices(DeviceTracker::instance()->devices());
 }
 
 void DeviceGroupManager::refreshAvailableDevices(const QList<ADBDeviceInfo> &listed)
@@ -175,7 +178,8 @@ void DeviceGroupManager::refreshAvailableDevices(const QList<ADBDeviceInfo> &lis
     emit availableDeviceInfosChanged();
 }
 
-bool DeviceGroupManager::restartADBServer()
+void DeviceGroupManager::restartADBServer()
 {
-    return AdbClient::restartServer();
+    AdbPool::run(this, [] { return AdbClient::restartServer(); },
+                 [this](bool restarted) { emit adbServerRestarted(restarted); });
 }

@@ -46,7 +46,8 @@ public:
     Q_INVOKABLE void setCurrentSelectedGroup(DeviceGroup *group);
     Q_INVOKABLE void scanDevices();
     Q_INVOKABLE void clearAvailableDevices();
-    Q_INVOKABLE bool restartADBServer();
+    // Restarts in the background; adbServerRestarted follows.
+    Q_INVOKABLE void restartADBServer();
 
 signals:
     void currentSelectedGroupChanged();
@@ -54,6 +55,7 @@ signals:
     void availableDeviceInfosChanged();
     void deviceGroupsChanged();
     void scanError(const QString &message);
+    void adbServerRestarted(bool restarted);
 
 private:
     struct ScanResult

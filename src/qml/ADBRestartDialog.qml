@@ -10,6 +10,7 @@ Dialog {
     // Empty until a restart was tried.
     property string resultText
     property bool succeeded: false
+    property bool restarting: false
 
     title: qsTr("Restart ADB Server")
     modal: true
@@ -18,8 +19,17 @@ Dialog {
     padding: 14
 
     function restart() {
-        succeeded = groupManager.restartADBServer()
-        resultText = succeeded ? qsTr("ADB server restarted successfully") : qsTr("Failed to restart ADB server")
+        restarting = true
+        groupManager.restartADBServer()
+    }
+
+    Connections {
+        target: dialog.groupManager
+        function onAdbServerRestarted(restarted) {
+            dialog.restarting = false
+            dialog.succeeded = restarted
+            dialog.resultText = restarted ? qsTr("ADB server restarted successfully") : qsTr("Failed to restart ADB server")
+        }
     }
 
     onAboutToShow: resultText = ""
@@ -67,6 +77,7 @@ Dialog {
             KVButton {
                 objectName: "adbRestartConfirm"
                 visible: dialog.resultText.length === 0
+                enabled: !dialog.restarting
                 text: qsTr("Restart")
                 textColor: ColorManager.textRed
                 onClicked: dialog.restart()

@@ -15,7 +15,7 @@ Window {
     readonly property string deviceKey: device ? device.adbConnectionSerial : ""
 
     property real framesPerSecond: 0
-    property int framesSinceTick: 0
+    property int framesAtTick: 0
     property double lastTick: 0
 
     property string messageText
@@ -49,14 +49,9 @@ Window {
 
     Connections {
         target: window.device
-        function onYuvFrameReady(width, height, yData, yStride, uData, uStride, vData, vStride) {
-            videoItem.present(width, height, yData, yStride, uData, uStride, vData, vStride)
-            window.updateShowSize()
-            window.framesSinceTick++
-        }
         function onRunningChanged() {
-            if (!window.device.running)
-                videoItem.clearFrame()
+            window.framesPerSecond = 0
+            window.updateShowSize()
         }
         function onDeviceMessage(message, type, timeout) {
             window.messageText = message
@@ -74,13 +69,14 @@ Window {
         onTriggered: {
             const now = Date.now()
             const elapsed = now - window.lastTick
+            const frames = window.device.videoFrames.framesPublished
             if (elapsed > 0)
-                window.framesPerSecond = window.framesSinceTick * 1000 / elapsed
-            window.framesSinceTick = 0
+                window.framesPerSecond = videoItem.shown ? (frames - window.framesAtTick) * 1000 / elapsed : 0
+            window.framesAtTick = frames
             window.lastTick = now
         }
         onRunningChanged: {
-            window.framesSinceTick = 0
+            window.framesAtTick = window.device ? window.device.videoFrames.framesPublished : 0
             window.lastTick = Date.now()
         }
     }
@@ -142,6 +138,8 @@ Window {
                 id: videoItem
                 objectName: "bigVideoItem"
                 anchors.fill: parent
+                source: window.device ? window.device.videoFrames : null
+                visible: window.running
                 onWidthChanged: window.updateShowSize()
                 onHeightChanged: window.updateShowSize()
             }

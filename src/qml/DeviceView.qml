@@ -13,9 +13,11 @@ Item {
     readonly property real videoWidth: showControlButtons ? width - Theme.controlButtonsWidth - 5 : width
     readonly property real videoHeight: height - headerHeight
     readonly property int headerHeight: 20
+    // False while a scrolling grid holds the cell out of sight: its phone then stops decoding.
+    property bool inViewport: true
 
     property real framesPerSecond: 0
-    property int framesSinceTick: 0
+    property int framesAtTick: 0
     property double lastTick: 0
 
     property string messageText
@@ -33,11 +35,16 @@ Item {
     }
 
     function resetPicture() {
-        videoItem.clearFrame()
         framesPerSecond = 0
-        framesSinceTick = 0
+        framesAtTick = device ? device.videoFrames.framesPublished : 0
         lastTick = Date.now()
     }
+
+    function reportShowSize() {
+        if (device && !device.isBigView && videoItem.width > 0 && videoItem.height > 0)
+            device.setShowSize(Qt.size(videoItem.width, videoItem.height))
+    }
+    onDeviceChanged: reportShowSize()
 
     function showMessage(message, type, timeout) {
         messageText = message
@@ -50,33 +57,15 @@ Item {
     Component.onCompleted: console.log("DeviceView created for device:", deviceKey)
     Component.onDestruction: console.log("DeviceView destroyed for device:", deviceKey)
 
-    // A grid may park a cell and hand it to another phone later.
-    function pooled() {
-        console.log("DeviceView destroyed for device:", deviceKey)
-        messageTimer.stop()
-        messageStrip.visible = false
-        coordinates.visible = false
-    }
-    function reused() {
-        console.log("DeviceView created for device:", deviceKey)
-        resetPicture()
-    }
-
     Connections {
         target: root.device
-        function onYuvFrameReady(width, height, yData, yStride, uData, uStride, vData, vStride) {
-            if (root.device.isBigView || !videoItem.visible)
-                return
-            videoItem.present(width, height, yData, yStride, uData, uStride, vData, vStride)
-            root.device.setShowSize(Qt.size(videoItem.width, videoItem.height))
-            root.framesSinceTick++
-        }
         function onRunningChanged() {
             if (!root.device.running)
                 root.resetPicture()
         }
         function onIsBigViewChanged() {
             root.resetPicture()
+            root.reportShowSize()
         }
         function onDeviceMessage(message, type, timeout) {
             root.showMessage(message, type, timeout)
@@ -90,15 +79,13 @@ Item {
         onTriggered: {
             const now = Date.now()
             const elapsed = now - root.lastTick
+            const frames = root.device.videoFrames.framesPublished
             if (elapsed > 0)
-                root.framesPerSecond = root.framesSinceTick * 1000 / elapsed
-            root.framesSinceTick = 0
+                root.framesPerSecond = videoItem.shown ? (frames - root.framesAtTick) * 1000 / elapsed : 0
+            root.framesAtTick = frames
             root.lastTick = now
         }
-        onRunningChanged: {
-            root.framesSinceTick = 0
-            root.lastTick = Date.now()
-        }
+        onRunningChanged: root.resetPicture()
     }
 
     Rectangle {
@@ -185,9 +172,22 @@ Item {
             id: videoItem
             objectName: "videoItem"
             anchors.fill: parent
-            visible: !root.onBigScreen
+            source: root.device ? root.device.videoFrames : null
+            inViewport: root.inViewport
+            visible: root.running && !root.onBigScreen
+            onWidthChanged: root.reportShowSize()
+            onHeightChanged: root.reportShowSize()
             Component.onCompleted: console.log("YuvFboItem created for device:", root.deviceKey)
             Component.onDestruction: console.log("YuvFboItem destroyed for device:", root.deviceKey)
+        }
+
+        Text {
+            objectName: "startingText"
+            anchors.centerIn: parent
+            visible: root.device !== null && root.device.starting && !root.onBigScreen
+            text: qsTr("Starting…")
+            color: ColorManager.textGreen
+            font.pixelSize: Theme.fontNormal
         }
 
         PhoneInputArea {

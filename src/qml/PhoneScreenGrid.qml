@@ -159,7 +159,6 @@ Item {
         cellWidth: root.cellWidth
         cellHeight: root.cellHeight
         cacheBuffer: Math.ceil(2 * root.cellHeight)
-        reuseItems: true
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: ScrollBar { policy: ScrollBar.AsNeeded }
 
@@ -168,8 +167,6 @@ Item {
             required property Device device
             width: grid.cellWidth
             height: grid.cellHeight
-            GridView.onPooled: view.pooled()
-            GridView.onReused: view.reused()
 
             DeviceView {
                 id: view
@@ -179,6 +176,8 @@ Item {
                 height: root.cellHeight - 10
                 device: cell.device
                 showControlButtons: root.showControlButtons
+                // Cells kept in the grid's cache buffer stay out of sight and do not decode.
+                inViewport: cell.y + cell.height > grid.contentY && cell.y < grid.contentY + grid.height
                 onBigViewRequested: device => root.openBigView(device)
             }
         }

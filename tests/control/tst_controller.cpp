@@ -1,6 +1,7 @@
 // The controller's slots as bytes on its socket, adb calls and status messages of its session.
 #include "adbclient.h"
 #include "controller.h"
+#include "framehandoff.h"
 #include "controlwire.h"
 #include "device.h"
 #include "fakeadb.h"
@@ -44,9 +45,11 @@ struct Session
         AVFrame *decoded = av_frame_alloc();
         decoded->width = frame.width();
         decoded->height = frame.height();
-        decoded->format = 0;
-        device.handleDecodedVideoFrame(decoded);
+        decoded->format = AV_PIX_FMT_YUV420P;
+        av_frame_get_buffer(decoded, 0);
+        device.videoFrames()->publish(decoded);
         av_frame_free(&decoded);
+        QCoreApplication::sendPostedEvents(device.videoFrames());
         controller = new Controller(&device, &wire);
     }
 
@@ -272,6 +275,7 @@ void TestController::wallpaperCarriesTheNickname()
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) + "/wallpaper_Farm 7.png";
     QFile::remove(path);
     session.controller->setWallpaper("Farm 7", 720, 1600);
+    QTRY_COMPARE_WITH_TIMEOUT(m_adb.calls().size(), 2, 10000);
 
     QImage picture(path);
     QVERIFY2(!picture.isNull(), qPrintable(path));

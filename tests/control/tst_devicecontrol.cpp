@@ -3,6 +3,7 @@
 #include "autojs.h"
 #include "controller.h"
 #include "device.h"
+#include "framehandoff.h"
 #include "devicegroup.h"
 #include "phonefixture.h"
 #include "serverparams.h"
@@ -90,7 +91,9 @@ bool TestDeviceControl::start(Session &session)
     session.device->serverParamsSmallView()->setMaxSize(0);
     session.device->serverParamsSmallView()->setMaxFps(10);
     session.group->appendDevice(session.device);
-    QSignalSpy frames(session.device.data(), &Device::yuvFrameReady);
+    QSignalSpy frames(session.device->videoFrames(), &FrameHandoff::frameAvailable);
+    // Watched, as by a view on screen: pictures keep coming.
+    session.device->videoFrames()->addWatcher();
     session.device->startScrcpySession();
     if (!QTest::qWaitFor([&] { return session.device->controller() && frames.count() > 0; }, 20000)) {
         qWarning("no controller or no frames");
@@ -258,7 +261,7 @@ void TestDeviceControl::clipboardGoesBothWays()
 void TestDeviceControl::resetAndRotateRestartTheStream()
 {
     const int from = controlCount();
-    QSignalSpy frames(m_main.device.data(), &Device::yuvFrameReady);
+    QSignalSpy frames(m_main.device->videoFrames(), &FrameHandoff::frameAvailable);
     m_main.device->controller()->resetVideo();
     QTRY_COMPARE_WITH_TIMEOUT(control("ResetVideo", from).size(), 1, 10000);
     frames.clear();
@@ -333,8 +336,9 @@ void TestDeviceControl::nicknameBecomesTheWallpaper()
 {
     m_main.device->setNickName("Rack 3");
     QCOMPARE(m_main.device->nickName(), QString("Rack 3"));
+    // Drawn and pushed in the background; the phone is told to use it last.
+    QTRY_VERIFY_WITH_TIMEOUT(!m_main.phone->journal("am").isEmpty(), 15000);
     const QList<QJsonObject> pushes = m_main.phone->journal("push");
-    QVERIFY(!pushes.isEmpty());
     QCOMPARE(pushes.last().value("path").toString(), QString("/data/local/tmp/wallpaper_korvel.png"));
     QImage picture;
     QVERIFY(picture.load(m_main.phone->sandboxPath("/data/local/tmp/wallpaper_korvel.png")));

@@ -1,6 +1,7 @@
 #include "adbclient.h"
 #include "appconfig.h"
 #include "device.h"
+#include "framehandoff.h"
 #include "devicegroup.h"
 #include "phonefixture.h"
 #include "scrcpyserver.h"
@@ -80,7 +81,7 @@ private slots:
         QVERIFY(device);
         device->serverParamsSmallView()->setAudio(audio);
 
-        QSignalSpy frames(device, &Device::yuvFrameReady);
+        QSignalSpy frames(device->videoFrames(), &FrameHandoff::frameAvailable);
         device->startScrcpySession();
         QVERIFY(device->running());
         const auto sockets = recordSockets(device);
@@ -88,8 +89,6 @@ private slots:
         QCOMPARE(*sockets, order);
         QTRY_VERIFY_WITH_TIMEOUT(frames.count() > 0, 15000);
         // Longest side 800, both sides multiples of 8, as the phone scales its screen.
-        QCOMPARE(frames.first().at(0).toInt(), 360);
-        QCOMPARE(frames.first().at(1).toInt(), 800);
         QCOMPARE(device->frameSize(), QSize(360, 800));
 
         const QJsonObject start = phone->journal("server_start").value(0);
@@ -293,7 +292,7 @@ private slots:
         QCOMPARE(group.deviceCount(), 1);
 
         // Back to USB mode: the phone restarts its adb side as a real one does.
-        QVERIFY(usbDevice->setUSBConnection());
+        usbDevice->setUSBConnection();
         QTRY_VERIFY(!phone->journal("usb").isEmpty());
 
         // The phone over Wi-Fi is a device of its own (adb reconnects it after the restart); disconnecting it takes it out of the group.
@@ -301,8 +300,8 @@ private slots:
         auto *wifiDevice = new Device(nullptr, &group, wifiSerial);
         group.appendDevice(wifiDevice);
         QSignalSpy removed(&group, &DeviceGroup::deviceRemovedFromGroup);
-        QVERIFY(wifiDevice->disconnectWiFi());
-        QCOMPARE(removed.count(), 1);
+        wifiDevice->disconnectWiFi();
+        QTRY_COMPARE_WITH_TIMEOUT(removed.count(), 1, 10000);
         QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->adb().listed(wifiSerial), 10000);
         QCOMPARE(group.deviceCount(), 1);
 
@@ -310,7 +309,7 @@ private slots:
         Device unknown(nullptr, &group, "127.0.0.1:1");
         QSignalSpy failed(&unknown, &Device::deviceMessage);
         unknown.setWiFiConnection();
-        QCOMPARE(failed.value(0), (QVariantList{"Failed to tcpip", "error", 3000}));
+        QTRY_COMPARE_WITH_TIMEOUT(failed.value(0), (QVariantList{"Failed to tcpip", "error", 3000}), 10000);
 
     }
 };

@@ -1,6 +1,7 @@
 #include "appconfig.h"
 #include "device.h"
 #include "devicegroup.h"
+#include "framehandoff.h"
 #include "mediarecorder.h"
 #include "phonefixture.h"
 #include "serverparams.h"
@@ -168,11 +169,13 @@ private slots:
         QVERIFY(device);
         QTRY_VERIFY_WITH_TIMEOUT(device->controller(), 20000);
         QSignalSpy messages(device, &Device::deviceMessage);
-        QSignalSpy frames(device, &Device::yuvFrameReady);
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher();
         device->startRecord();
         QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Failed", "error", 5000}), 10000);
         QVERIFY(!device->videoRecorder()->isRecording());
-        QTRY_VERIFY_WITH_TIMEOUT(frames.count() > 3, 10000);
+        const int seen = frames->framesPublished();
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > seen + 3, 10000);
         AppConfig::instance()->setVideoSavePath(m_videos.path());
         device->stopScrcpySession();
     }
@@ -189,8 +192,10 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", "success", 2000}), 10000);
         const QString path = device->videoRecorder()->filePath();
         // A second of the stream goes to the recorder before the phone goes.
-        QSignalSpy frames(device, &Device::yuvFrameReady);
-        QTRY_VERIFY_WITH_TIMEOUT(frames.count() >= 30, 20000);
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher();
+        const int seen = frames->framesPublished();
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() >= seen + 30, 20000);
         QCOMPARE(phone->ctl({"vanish"}), 0);
         QTRY_VERIFY_WITH_TIMEOUT(device.isNull(), 30000);
         const Probe result = probe(path);

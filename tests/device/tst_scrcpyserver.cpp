@@ -96,8 +96,10 @@ private slots:
         params.setDeviceSerial("SER");
         params.setSocketName("scrcpy_" + params.scidText());
         ScrcpyServer server(nullptr, &params);
-        QVERIFY(server.start());
+        QSignalSpy launched(&server, &ScrcpyServer::launched);
+        server.start();
         QVERIFY(params.port() > 0);
+        QTRY_COMPARE(launched.count(), 1);
         QTRY_COMPARE(m_adb.calls().size(), 3);
         const auto calls = m_adb.calls();
         QCOMPARE(calls[0], (Args{"-s", "SER", "push", qEnvironmentVariable("KORVEL_SCRCPY_SERVER"),
@@ -114,8 +116,11 @@ private slots:
         params.setDeviceSerial("SER");
         ScrcpyServer server(nullptr, &params);
         QSignalSpy stopped(&server, &ScrcpyServer::stopped);
-        QVERIFY(!server.start());
-        QCOMPARE(stopped.count(), 1);
+        QSignalSpy failed(&server, &ScrcpyServer::startFailed);
+        server.start();
+        QTRY_COMPARE(stopped.count(), 1);
+        QCOMPARE(failed.count(), 1);
+        QVERIFY2(failed.at(0).at(0).toString().contains("more than one device"), qPrintable(failed.at(0).at(0).toString()));
         QCOMPARE(stopped.at(0).at(0).toInt(), -1);
         QCOMPARE(stopped.at(0).at(1).value<QProcess::ExitStatus>(), QProcess::CrashExit);
     }
@@ -142,7 +147,7 @@ private slots:
         connect(&server, &ScrcpyServer::videoSocketConnected, this, [&] { seen << "video"; });
         connect(&server, &ScrcpyServer::audioSocketConnected, this, [&] { seen << "audio"; });
         connect(&server, &ScrcpyServer::controlSocketConnected, this, [&] { seen << "control"; });
-        QVERIFY(server.start());
+        server.start();
 
         QObject owner;
         QList<QTcpSocket *> clients;
@@ -169,18 +174,25 @@ private slots:
         server.stop();
     }
 
-    void stopWithoutListenerStillCleansUp()
+    void stopRemovesOnlyThisSessionsServerAndTunnel()
     {
+        m_adb.addRule("-s SER shell CLASSPATH=*", 0, "", {}, 30);
         ServerParams params;
         params.setDeviceSerial("SER");
-        params.setSocketName("scrcpy_00000001");
+        params.setSocketName("scrcpy_" + params.scidText());
         {
             ScrcpyServer server(nullptr, &params);
+            QSignalSpy launched(&server, &ScrcpyServer::launched);
+            server.start();
+            QTRY_COMPARE(launched.count(), 1);
             server.stop();
             server.stop();
         }
-        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"-s", "SER", "shell", "pkill", "-f", "com.genymobile.scrcpy.Server"},
-                                             Args{"-s", "SER", "reverse", "--remove", "localabstract:scrcpy_00000001"}}));
+        const Args kill{"-s", "SER", "shell", "pkill", "-f", "scid=" + params.scidText()};
+        const Args unTunnel{"-s", "SER", "reverse", "--remove", "localabstract:" + params.socketName()};
+        QTRY_VERIFY(m_adb.calls().contains(unTunnel));
+        QCOMPARE(m_adb.calls().count(kill), 1);
+        QCOMPARE(m_adb.calls().count(unTunnel), 1);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "appconfig.h"
 #include "fakesocket.h"
 #include "h264testencoder.h"
+#include "screenshotwriter.h"
 #include "streambuilder.h"
 #include "videodecoder.h"
 #include "videodemuxer.h"
@@ -22,13 +23,22 @@ using namespace StreamBuilder;
 
 namespace {
 
-// A decoder wired to a demuxer on a fake socket, as a session wires them.
+// A decoder wired to a demuxer on a fake socket, as a session wires them; keeps the last picture.
 struct DecoderRig
 {
-    DecoderRig() { decoder.setDemuxer(&demuxer); }
+    DecoderRig()
+    {
+        decoder.setDemuxer(&demuxer);
+        QObject::connect(&decoder, &VideoDecoder::frameDecoded, &decoder, [this](AVFrame *frame) {
+            av_frame_unref(last);
+            av_frame_ref(last, frame);
+        });
+    }
+    ~DecoderRig() { av_frame_free(&last); }
     FakeSocket socket;
     VideoDecoder decoder;
     VideoDemuxer demuxer{&socket, nullptr, &decoder};
+    AVFrame *last = av_frame_alloc();
 };
 
 // One picture in FFmpeg's "yuv4" packed 4:2:0 layout (per 2x2 block: U and V stored XOR 0x80, then
@@ -64,14 +74,18 @@ QStringList filesIn(const QString &folder)
     return QDir(folder).entryList(QDir::Files, QDir::Name);
 }
 
-// Takes a screenshot and waits for its single report; empty when none came.
-QList<QVariant> screenshot(VideoDecoder &decoder)
+struct Shot
 {
-    QSignalSpy finished(&decoder, &VideoDecoder::screenshotFinished);
-    decoder.takeScreenshot();
-    if (!finished.wait(20000) || finished.count() != 1)
-        return {};
-    return finished.first();
+    bool saved = false;
+    QString path;
+};
+
+Shot screenshot(const DecoderRig &rig, const QString &serial, const QString &folder = ScreenshotWriter::folder())
+{
+    ScreenshotWriter writer;
+    Shot shot;
+    shot.saved = writer.save(rig.last, folder, serial, &shot.path);
+    return shot;
 }
 
 } // namespace
@@ -94,44 +108,38 @@ private slots:
         AppConfig::instance()->setScreenshotSavePath(m_folder);
     }
 
-    void screenshotBeforeAnyPicture()
-    {
-        VideoDecoder decoder;
-        QSignalSpy finished(&decoder, &VideoDecoder::screenshotFinished);
-        decoder.takeScreenshot();
-        // Reported at once, on the calling thread.
-        QCOMPARE(finished.count(), 1);
-        QCOMPARE(finished[0][0].toBool(), false);
-        QVERIFY(finished[0][1].toString().isEmpty());
-    }
-
-    void pausedDropsPacketsAndKeepsLastFrame()
+    void pauseDropsPacketsAndResumesAtKeyFrame()
     {
         QString error;
-        const QList<EncodedPacket> encoded = H264TestEncoder::encode(64, 48, 6, &error);
+        const QList<EncodedPacket> encoded = H264TestEncoder::encode(64, 48, 36, &error);
         QVERIFY2(!encoded.isEmpty(), qPrintable(error));
         DecoderRig rig;
         QSignalSpy decoded(&rig.decoder, &VideoDecoder::frameDecoded);
         rig.socket.feed(H264TestEncoder::stream(encoded.mid(0, 4), 64, 48));
         QCOMPARE(decoded.count(), 3);
-        const AVFrame *last = rig.decoder.lastFrame();
-        QVERIFY(last);
-        const uint8_t *lumaBefore = last->data[0];
-        QCOMPARE(last->pts, encoded[3].pts);
+        QCOMPARE(rig.last->pts, encoded[3].pts);
 
         rig.decoder.setDecodingPaused(true);
         QVERIFY(rig.decoder.isDecodingPaused());
-        for (int i = 4; i < encoded.size(); ++i)
+        for (int i = 4; i < 6; ++i)
             rig.socket.feed(packet(encoded[i].ptsAndFlags(), encoded[i].data));
         QCOMPARE(decoded.count(), 3);
-        QCOMPARE(rig.decoder.lastFrame()->pts, encoded[3].pts);
-        QCOMPARE(rig.decoder.lastFrame()->data[0], lumaBefore);
 
-        // A screenshot while paused saves the picture from before the pause.
-        const QList<QVariant> shot = screenshot(rig.decoder);
-        QCOMPARE(shot.size(), 2);
-        QVERIFY(shot[0].toBool());
-        QCOMPARE(QImage(shot[1].toString()).size(), QSize(64, 48));
+        // Resumed: pictures that depend on skipped ones are not decoded; the next key frame is.
+        rig.decoder.setDecodingPaused(false);
+        int keyIndex = -1;
+        for (int i = 6; i < encoded.size(); ++i) {
+            if (encoded[i].key && keyIndex < 0)
+                keyIndex = i;
+            if (keyIndex < 0)
+                rig.socket.feed(packet(encoded[i].ptsAndFlags(), encoded[i].data));
+        }
+        QCOMPARE(decoded.count(), 3);
+        QVERIFY2(keyIndex > 0, "the test stream needs a second key frame");
+        for (int i = keyIndex; i < encoded.size(); ++i)
+            rig.socket.feed(packet(encoded[i].ptsAndFlags(), encoded[i].data));
+        QTRY_VERIFY(decoded.count() > 3);
+        QCOMPARE(decoded.count(), 3 + int(encoded.size()) - keyIndex);
     }
 
     void screenshotSize_data()
@@ -153,14 +161,12 @@ private slots:
         QFETCH(QSize, saved);
         QFETCH(QString, serial);
         DecoderRig rig;
-        rig.decoder.setScreenshotSerial(serial);
         feedYuv4Picture(rig, picture.width(), picture.height());
-        QVERIFY(rig.decoder.lastFrame());
+        QCOMPARE(rig.last->width, picture.width());
 
-        const QList<QVariant> shot = screenshot(rig.decoder);
-        QCOMPARE(shot.size(), 2);
-        QVERIFY(shot[0].toBool());
-        const QString path = shot[1].toString();
+        const Shot shot = screenshot(rig, serial);
+        QVERIFY(shot.saved);
+        const QString path = shot.path;
         const QRegularExpression name("^" + QRegularExpression::escape(m_folder + "/" + serial)
                                       + "_(\\d{8})_(\\d{6})_(\\d+)\\.jpg$");
         const QRegularExpressionMatch match = name.match(path);
@@ -183,41 +189,21 @@ private slots:
     {
         const QString other = m_temp.path() + "/elsewhere";
         AppConfig::instance()->setScreenshotSavePath(other);
-        DecoderRig rig;
-        rig.decoder.setScreenshotSerial(QStringLiteral("folder-once"));
-        feedYuv4Picture(rig, 64, 64);
-        const QList<QVariant> shot = screenshot(rig.decoder);
+        const QString folder = ScreenshotWriter::folder();
         AppConfig::instance()->setScreenshotSavePath(m_folder);
-        QCOMPARE(shot.size(), 2);
-        QVERIFY(shot[0].toBool());
-        QCOMPARE(QFileInfo(shot[1].toString()).absolutePath(), m_folder);
+        QCOMPARE(QDir(folder).absolutePath(), m_folder);
         QVERIFY(!QFileInfo::exists(other));
-        QCOMPARE(filesIn(m_folder).filter("folder-once_").size(), 1);
     }
 
     void failedSaveReportsPath()
     {
         DecoderRig rig;
-        // A serial naming a folder that does not exist makes the save fail.
-        rig.decoder.setScreenshotSerial(QStringLiteral("no/such/folder"));
         feedYuv4Picture(rig, 64, 64);
-        const QList<QVariant> shot = screenshot(rig.decoder);
-        QCOMPARE(shot.size(), 2);
-        QCOMPARE(shot[0].toBool(), false);
-        QVERIFY(shot[1].toString().startsWith(m_folder + "/no/such/folder_"));
-        QVERIFY(!QFileInfo::exists(shot[1].toString()));
-    }
-
-    void screenshotOutlivesDecoder()
-    {
-        auto *rig = new DecoderRig;
-        rig->decoder.setScreenshotSerial(QStringLiteral("gone"));
-        feedYuv4Picture(*rig, 1080, 2400);
-        rig->decoder.takeScreenshot();
-        // The task holds its own picture and scaler, so it finishes after the decoder is gone.
-        delete rig;
-        QThreadPool::globalInstance()->waitForDone();
-        QTRY_COMPARE(filesIn(m_folder).filter(QRegularExpression("^gone_")).size(), 1);
+        // A serial naming a folder that does not exist makes the save fail.
+        const Shot shot = screenshot(rig, QStringLiteral("no/such/folder"));
+        QCOMPARE(shot.saved, false);
+        QVERIFY(shot.path.startsWith(m_folder + "/no/such/folder_"));
+        QVERIFY(!QFileInfo::exists(shot.path));
     }
 
     void codecContextFreedAfterBoth_data()

@@ -1,3 +1,4 @@
+#include "framehandoff.h"
 #include "yuvfboitem.h"
 
 #include <QGuiApplication>
@@ -6,6 +7,10 @@
 #include <QtTest>
 
 #include <cmath>
+
+extern "C" {
+#include <libavutil/frame.h>
+}
 
 namespace {
 
@@ -24,12 +29,15 @@ uchar clampByte(double value)
     return uchar(qBound(0, int(std::lround(value)), 255));
 }
 
-// Full-range BT.601 (JPEG) RGB to YCbCr.
-Yuv toYuv(Rgb c)
+// BT.601 RGB to YCbCr, full range (JPEG) or limited range (16..235, 16..240) as video uses.
+Yuv toYuv(Rgb c, bool fullRange)
 {
-    return {clampByte(0.299 * c.r + 0.587 * c.g + 0.114 * c.b),
-            clampByte(-0.168736 * c.r - 0.331264 * c.g + 0.5 * c.b + 128),
-            clampByte(0.5 * c.r - 0.418688 * c.g - 0.081312 * c.b + 128)};
+    const double y = 0.299 * c.r + 0.587 * c.g + 0.114 * c.b;
+    const double cb = -0.168736 * c.r - 0.331264 * c.g + 0.5 * c.b;
+    const double cr = 0.5 * c.r - 0.418688 * c.g - 0.081312 * c.b;
+    if (fullRange)
+        return {clampByte(y), clampByte(cb + 128), clampByte(cr + 128)};
+    return {clampByte(16 + y * 219 / 255), clampByte(128 + cb * 224 / 255), clampByte(128 + cr * 224 / 255)};
 }
 
 const Rgb TopLeft{200, 40, 40};
@@ -37,47 +45,35 @@ const Rgb TopRight{40, 180, 60};
 const Rgb BottomLeft{50, 70, 200};
 const Rgb BottomRight{220, 210, 60};
 
-// A 4:2:0 picture whose quadrants have the four colours above, stored with padded rows.
+// A 4:2:0 decoded picture whose quadrants have the four colours above, with padded rows.
 struct Picture
 {
-    Picture(int w, int h, int padding = 0, Rgb tl = TopLeft)
-        : width(w), height(h)
+    Picture(int w, int h, int padding = 0, bool fullRange = true)
+        : frame(av_frame_alloc())
     {
         const int cw = (w + 1) / 2, ch = (h + 1) / 2;
-        strideY = w + padding;
-        strideC = cw + padding;
-        y.fill('\xEE', qsizetype(strideY) * h);
-        u.fill('\xEE', qsizetype(strideC) * ch);
-        v.fill('\xEE', qsizetype(strideC) * ch);
-        auto colourAt = [&](bool left, bool top) { return top ? (left ? tl : TopRight) : (left ? BottomLeft : BottomRight); };
+        frame->format = AV_PIX_FMT_YUV420P;
+        frame->color_range = fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+        frame->width = w;
+        frame->height = h;
+        frame->linesize[0] = w + padding;
+        frame->linesize[1] = frame->linesize[2] = cw + padding;
+        av_frame_get_buffer(frame, 0);
+        auto colourAt = [&](bool left, bool top) { return top ? (left ? TopLeft : TopRight) : (left ? BottomLeft : BottomRight); };
         for (int row = 0; row < h; ++row)
             for (int col = 0; col < w; ++col)
-                y[row * strideY + col] = char(toYuv(colourAt(col < w / 2, row < h / 2)).y);
+                frame->data[0][row * frame->linesize[0] + col] = toYuv(colourAt(col < w / 2, row < h / 2), fullRange).y;
         for (int row = 0; row < ch; ++row)
             for (int col = 0; col < cw; ++col) {
-                const Yuv c = toYuv(colourAt(2 * col < w / 2, 2 * row < h / 2));
-                u[row * strideC + col] = char(c.u);
-                v[row * strideC + col] = char(c.v);
+                const Yuv c = toYuv(colourAt(2 * col < w / 2, 2 * row < h / 2), fullRange);
+                frame->data[1][row * frame->linesize[1] + col] = c.u;
+                frame->data[2][row * frame->linesize[2] + col] = c.v;
             }
     }
-    void presentTo(YuvFboItem *item) const
-    {
-        item->present(width, height, yData(), strideY, uData(), strideC, vData(), strideC);
-    }
-    // A plane as the item must keep it: rows back to back, padding dropped.
-    static QByteArray packed(const QByteArray &plane, int stride, int rowLength, int rows)
-    {
-        QByteArray bytes;
-        for (int row = 0; row < rows; ++row)
-            bytes += plane.mid(qsizetype(row) * stride, rowLength);
-        return bytes;
-    }
-    const uint8_t *yData() const { return reinterpret_cast<const uint8_t *>(y.constData()); }
-    const uint8_t *uData() const { return reinterpret_cast<const uint8_t *>(u.constData()); }
-    const uint8_t *vData() const { return reinterpret_cast<const uint8_t *>(v.constData()); }
+    ~Picture() { av_frame_free(&frame); }
+    void publishTo(FrameHandoff &handoff) const { handoff.publish(frame); }
 
-    int width, height, strideY, strideC;
-    QByteArray y, u, v;
+    AVFrame *frame;
 };
 
 bool near(const QColor &actual, Rgb expected, int tolerance = 6)
@@ -101,7 +97,12 @@ public:
     static void initMain() { QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL); }
 
 private:
-    QImage grab() { return m_window->grabWindow(); }
+    // Pictures announce themselves through queued events; deliver them before drawing.
+    QImage grab()
+    {
+        QCoreApplication::sendPostedEvents();
+        return m_window->grabWindow();
+    }
     // Colours at the centres of the item's four quadrants (top-left, top-right, bottom-left,
     // bottom-right), then the window background below the item. The item covers only the upper
     // part of a magenta window, so the grabbed image itself shows which way up it is.
@@ -130,6 +131,7 @@ private:
     }
 
     std::unique_ptr<QQuickWindow> m_window;
+    std::unique_ptr<FrameHandoff> m_frames;
     YuvFboItem *m_item = nullptr;
 
 private slots:
@@ -145,118 +147,112 @@ private slots:
 
     void init()
     {
-        // A fresh item per test, so each gets its own renderer and texture count.
+        // A fresh item and source per test, so each gets its own renderer and counts.
+        m_frames = std::make_unique<FrameHandoff>();
         m_item = new YuvFboItem(m_window->contentItem());
         m_item->setSize(QSizeF(m_window->width(), m_window->height() - 200));
+        m_item->setSource(m_frames.get());
     }
 
     void cleanup()
     {
         delete m_item;
         m_item = nullptr;
+        m_frames.reset();
     }
 
     void quadrantsUpright_data()
     {
         QTest::addColumn<QSize>("size");
         QTest::addColumn<int>("padding");
-        QTest::newRow("721x1601 padded rows") << QSize(721, 1601) << 37;
-        QTest::newRow("33x17 packed rows") << QSize(33, 17) << 0;
+        QTest::addColumn<bool>("fullRange");
+        QTest::newRow("721x1601 padded rows") << QSize(721, 1601) << 37 << true;
+        QTest::newRow("33x17 packed rows") << QSize(33, 17) << 0 << true;
+        QTest::newRow("limited range") << QSize(360, 800) << 32 << false;
     }
 
     void quadrantsUpright()
     {
         QFETCH(QSize, size);
         QFETCH(int, padding);
-        const Picture picture(size.width(), size.height(), padding);
-        picture.presentTo(m_item);
-        // Kept packed, every row whole, so a wrong stride anywhere shows in the copy.
-        const int cw = (size.width() + 1) / 2, ch = (size.height() + 1) / 2;
-        const YuvFrame frame = m_item->pendingFrame();
-        QVERIFY(m_item->hasNewFrame());
-        QCOMPARE(frame.width, size.width());
-        QCOMPARE(frame.height, size.height());
-        QCOMPARE(frame.strideY, size.width());
-        QCOMPARE(frame.strideU, cw);
-        QCOMPARE(frame.strideV, cw);
-        QCOMPARE(frame.planeY, Picture::packed(picture.y, picture.strideY, size.width(), size.height()));
-        QCOMPARE(frame.planeU, Picture::packed(picture.u, picture.strideC, cw, ch));
-        QCOMPARE(frame.planeV, Picture::packed(picture.v, picture.strideC, cw, ch));
+        QFETCH(bool, fullRange);
+        Picture(size.width(), size.height(), padding, fullRange).publishTo(*m_frames);
         verifyQuadrants();
     }
 
-    void blackWithoutPictureAndAfterClearFrame()
+    void blackWithoutPictureAndAfterClear()
     {
         verifyBlack();
         QCOMPARE(m_item->textureAllocations(), 0);
-        Picture(721, 1601).presentTo(m_item);
+        Picture(721, 1601).publishTo(*m_frames);
         verifyQuadrants();
-        m_item->clearFrame();
-        QCOMPARE(m_item->pendingFrame().width, 0);
-        QVERIFY(m_item->pendingFrame().planeY.isEmpty());
+        m_frames->clear();
         verifyBlack();
         // ...until the next picture.
-        Picture(64, 64).presentTo(m_item);
+        Picture(64, 64).publishTo(*m_frames);
         verifyQuadrants();
     }
 
-    void invalidPresentChangesNothing_data()
+    void drawsOnlyWhenANewPictureCame()
     {
-        QTest::addColumn<int>("w");
-        QTest::addColumn<int>("h");
-        QTest::addColumn<int>("nullPlane"); // -1: none
-        QTest::newRow("null y") << 64 << 64 << 0;
-        QTest::newRow("null u") << 64 << 64 << 1;
-        QTest::newRow("null v") << 64 << 64 << 2;
-        QTest::newRow("zero width") << 0 << 64 << -1;
-        QTest::newRow("zero height") << 64 << 0 << -1;
-        QTest::newRow("negative width") << -8 << 64 << -1;
+        QSignalSpy swaps(m_window.get(), &QQuickWindow::frameSwapped);
+        QElapsedTimer clock;
+        clock.start();
+        Picture(360, 800).publishTo(*m_frames);
+        QVERIFY(swaps.wait(10000));
+        const int quiet = int(3 * clock.elapsed()) + 100;
+        QTRY_COMPARE(m_item->uploads(), 1);
+        // Nothing new: no upload and no further frame, however long the window sits idle.
+        swaps.clear();
+        QVERIFY(!swaps.wait(quiet));
+        QCOMPARE(m_item->uploads(), 1);
+        // A repaint for another reason draws the kept picture without uploading it again.
+        verifyQuadrants();
+        QCOMPARE(m_item->uploads(), 1);
     }
 
-    void invalidPresentChangesNothing()
+    void watchesItsSourceOnlyWhileShown()
     {
-        QFETCH(int, w);
-        QFETCH(int, h);
-        QFETCH(int, nullPlane);
-        const Picture shown(721, 1601);
-        shown.presentTo(m_item);
-        verifyQuadrants();
-        const YuvFrame before = m_item->pendingFrame();
-
-        // A picture of other colours that must not replace the one on screen.
-        const Picture other(64, 64, 0, Rgb{255, 255, 255});
-        m_item->present(w, h, nullPlane == 0 ? nullptr : other.yData(), other.strideY,
-                        nullPlane == 1 ? nullptr : other.uData(), other.strideC,
-                        nullPlane == 2 ? nullptr : other.vData(), other.strideC);
-        const YuvFrame after = m_item->pendingFrame();
-        QCOMPARE(after.width, before.width);
-        QCOMPARE(after.height, before.height);
-        QCOMPARE(after.planeY, before.planeY);
-        QCOMPARE(after.planeV, before.planeV);
-        verifyQuadrants();
+        QVERIFY(m_item->isShown());
+        QVERIFY(m_frames->isWatched());
+        m_item->setVisible(false);
+        QVERIFY(!m_frames->isWatched());
+        m_item->setVisible(true);
+        m_item->setInViewport(false);
+        QVERIFY(!m_frames->isWatched());
+        m_item->setInViewport(true);
+        QVERIFY(m_frames->isWatched());
+        // Two items on one source: watched until the last one goes.
+        auto *second = new YuvFboItem(m_window->contentItem());
+        second->setSource(m_frames.get());
+        delete m_item;
+        m_item = nullptr;
+        QVERIFY(m_frames->isWatched());
+        delete second;
+        QVERIFY(!m_frames->isWatched());
     }
 
     void texturesReallocatedOnlyOnSizeChange()
     {
-        Picture(1080, 2400).presentTo(m_item);
+        Picture(1080, 2400).publishTo(*m_frames);
         grab();
         QCOMPARE(m_item->textureAllocations(), 3);
         for (int i = 0; i < 3; ++i) {
-            Picture(1080, 2400, 8 * i).presentTo(m_item);
+            Picture(1080, 2400, 8 * i).publishTo(*m_frames);
             grab();
         }
         QCOMPARE(m_item->textureAllocations(), 3);
 
         // Rotation: all three planes change size, once.
-        Picture(2400, 1080).presentTo(m_item);
+        Picture(2400, 1080).publishTo(*m_frames);
         verifyQuadrants();
         QCOMPARE(m_item->textureAllocations(), 6);
-        Picture(2400, 1080).presentTo(m_item);
+        Picture(2400, 1080).publishTo(*m_frames);
         grab();
         QCOMPARE(m_item->textureAllocations(), 6);
 
         // 2400 -> 2399 wide: the chroma planes stay 1200 wide, only luma is reallocated.
-        Picture(2399, 1080).presentTo(m_item);
+        Picture(2399, 1080).publishTo(*m_frames);
         verifyQuadrants();
         QCOMPARE(m_item->textureAllocations(), 7);
     }

@@ -96,7 +96,8 @@ void TestAutojs::startServer(Device &device)
 
 QTcpSocket *TestAutojs::waitForPeer()
 {
-    if (!m_server->waitForNewConnection(5000))
+    // The event loop runs meanwhile: the forward is reported to the script runner through it.
+    if (!QTest::qWaitFor([this] { return m_server->hasPendingConnections(); }, 5000))
         return nullptr;
     return m_server->nextPendingConnection();
 }
@@ -236,9 +237,6 @@ void TestAutojs::failuresReport()
     QSignalSpy messages(&device, &Device::deviceMessage);
     QSignalSpy running(&device, &Device::isRunningAutojsChanged);
     device.runAutojs(scriptExists ? script("a.js") : m_dir.filePath("missing.js"));
-    // A failed forward is known at once; the rest once the connection has been tried.
-    if (forwardFails)
-        QCOMPARE(messages.count(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 5000);
     QCOMPARE(messages[0], (QVariantList{message, "error", 5000}));
     QTest::qWait(50);

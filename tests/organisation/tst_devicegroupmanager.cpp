@@ -3,6 +3,7 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "devicetracker.h"
 #include "fakeadb.h"
 
 #include <QJsonArray>
@@ -286,8 +287,13 @@ private slots:
 
     void deviceChangesRefreshTheOffer()
     {
-        m_adb.addRule("devices -l", 0, kThreePhones);
+        // adb's tracking stream: four hex digits of length, then the listing.
+        const QByteArray listing = QByteArray(kThreePhones).replace("\\n", "\n");
+        m_adb.addRule("track-devices -l", 0, QString::asprintf("%04x", int(listing.size())) + kThreePhones, {}, 0);
         DeviceGroupManager manager;
+        DeviceTracker::instance()->ensureStarted();
+        QTRY_VERIFY(DeviceTracker::instance()->isAttached("B"));
+        DeviceTracker::instance()->stop();
         manager.createDeviceGroup("Other");
         DeviceGroup *other = manager.deviceGroups().at(1);
         other->addDevices({ADBDeviceInfo{"A"}});
@@ -346,7 +352,10 @@ private slots:
         m_adb.clear();
         m_adb.addRule("kill-server", killExit, "", killExit ? "error: no server\\n" : "");
         m_adb.addRule("start-server", startExit, "", startExit ? "error: cannot bind\\n" : "");
-        QCOMPARE(manager.restartADBServer(), result);
+        QSignalSpy restarted(&manager, &DeviceGroupManager::adbServerRestarted);
+        manager.restartADBServer();
+        QTRY_COMPARE(restarted.count(), 1);
+        QCOMPARE(restarted.at(0).at(0).toBool(), result);
         const QList<QStringList> made = m_adb.calls();
         QCOMPARE(made.size(), calls);
         QCOMPARE(made.at(0), QStringList{"kill-server"});

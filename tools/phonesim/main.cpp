@@ -85,7 +85,7 @@ int runPhone(int argc, char **argv)
         {"device", "ro.product.device (default: from the model).", "device"},
         {"size", "Physical screen size WxH in portrait.", "size", "1080x2400"},
         {"android", "Android release, e.g. 13.", "version", "13"},
-        {"data-dir", "Folder for the journal and the sandbox (default: temp/phonesim-PORT).", "dir"},
+        {"data-dir", "Folder for the journal and the sandbox (default: temp/phonesim-PORT-data).", "dir"},
         {"stream-file", "Pre-encoded H.264 stream played instead of the test pattern.", "file"},
         {"animate", "Keep the test pattern moving."},
         {"wifi-address", "The phone's own Wi-Fi address, 127.0.0.x.", "address"},
@@ -119,7 +119,7 @@ int runPhone(int argc, char **argv)
         || profile.wifiAddress == "127.0.0.1")
         return fail("--wifi-address must be a loopback address 127.x.y.z other than 127.0.0.1");
     profile.dataDir = QDir(parser.isSet("data-dir") ? parser.value("data-dir")
-                                                    : QDir::tempPath() + QString("/phonesim-%1").arg(port))
+                                                    : QDir::tempPath() + QString("/phonesim-%1-data").arg(port))
                           .absolutePath();
     profile.streamFile = parser.value("stream-file");
     profile.animate = parser.isSet("animate");
