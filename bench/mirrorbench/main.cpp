@@ -110,7 +110,7 @@ struct ExtraRow
 };
 
 const QStringList extraHeaders{
-    "round", "phones", "plain CPU cores/phone", "with it CPU cores/phone", "extra CPU cores/phone",
+    "round", "phones", "plain fps/phone", "with it fps/phone", "plain CPU cores/phone", "with it CPU cores/phone", "extra CPU cores/phone",
     "plain CPU ms/frame", "with it CPU ms/frame", "extra CPU ms/frame", "sound frames/s/phone", "recorded MB/s/phone",
 };
 
@@ -127,9 +127,14 @@ QStringList extraColumns(const ExtraRow &row)
     const double plainMs = msPerFrame(row.plain);
     const double extraMs = msPerFrame(row.extra);
     const double phoneSeconds = row.extra.seconds * row.extra.phones;
+    const auto fps = [](const MirrorRound::Result &r) {
+        return r.ok && r.seconds > 0 && r.phones > 0 ? double(r.frames) / r.seconds / r.phones : -1;
+    };
     return {
         row.what,
         QString::number(row.extra.phones),
+        number(fps(row.plain), 1),
+        number(fps(row.extra), 1),
         number(plainCores, 3),
         number(extraCores, 3),
         plainCores >= 0 && extraCores >= 0 ? QString::number(extraCores - plainCores, 'f', 3) : "n/a",
@@ -160,14 +165,17 @@ void writeExtras(QTextStream &out, const std::vector<ExtraRow> &extras)
         if (!row.extra.ok)
             out << "\n" << row.what << ": " << row.extra.error << "\n";
     }
-    out << "\n- **CPU cores/phone**: CPU time of the process over wall time, divided by the phones; "
+    out << "\n- **fps/phone**: pictures presented per phone and second in each of the two rounds; where "
+           "the round with sound or recording shows fewer, the machine (phones, adb and Korvel together) "
+           "was saturated and the CPU figures compare unequal work.\n"
+        << "- **CPU cores/phone**: CPU time of the process over wall time, divided by the phones; "
            "**extra** is the round with sound or recording minus the plain round.\n"
         << "- **CPU ms/frame**: CPU time over the pictures presented; for the recording round its extra is "
            "the cost of one recorded picture (packet copy, queue, Matroska muxing and file writing on the "
            "recording threads).\n"
         << "- **sound frames/s/phone**: 20 ms Opus frames decoded per phone and second (50 when nothing is "
-           "lost). Decoding is included; playing is only where the machine has a sound output (without one "
-           "the player takes nothing).\n"
+           "lost). Decoding and playing are included: `bench/mirror` plays into a private PulseAudio "
+           "null sink (without a sound server the player has no device and takes nothing).\n"
         << "- **recorded MB/s/phone**: size of the recordings over the measured phone-seconds (the files "
            "also hold the settling time, so this is an upper bound).\n";
 }
