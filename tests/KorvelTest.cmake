@@ -1,11 +1,11 @@
-# korvel_add_test(NAME tst_x SOURCES a.cpp ... LABELS unit|e2e|ui [LIBS ...] [TIMEOUT s])
+# korvel_add_test(NAME tst_x SOURCES a.cpp ... LABELS unit|e2e|ui [LIBS ...] [TIMEOUT s] [ARGS ...])
 # Every test runs with its own HOME and XDG folders under the build tree, so settings and user files
 # written by a test never touch the developer's own, and with a private adb server port.
 function(korvel_add_test)
-    cmake_parse_arguments(T "" "NAME;TIMEOUT" "SOURCES;LABELS;LIBS" ${ARGN})
+    cmake_parse_arguments(T "" "NAME;TIMEOUT" "SOURCES;LABELS;LIBS;ARGS" ${ARGN})
     qt_add_executable(${T_NAME} ${T_SOURCES})
     target_link_libraries(${T_NAME} PRIVATE Qt6::Test ${T_LIBS})
-    add_test(NAME ${T_NAME} COMMAND ${T_NAME})
+    add_test(NAME ${T_NAME} COMMAND ${T_NAME} ${T_ARGS})
     set(home ${CMAKE_BINARY_DIR}/test-home/${T_NAME})
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 300)

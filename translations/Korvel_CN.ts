@@ -81,6 +81,49 @@ shell ps</translation>
         <source>Visit our website for more information and instructions.</source>
         <translation>访问我们的网站以获取更多信息和使用说明。</translation>
     </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>AdbJob</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message numerus="yes">
+        <source>No answer for %n second(s)</source>
+        <translation>
+            <numerusform>%n 秒无响应</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Failed to start adb: %1</source>
+        <translation>无法启动 adb：%1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbResult</name>
+    <message>
+        <source>adb ended abnormally</source>
+        <translation>adb 异常退出</translation>
+    </message>
+    <message>
+        <source>The package manager gave no answer</source>
+        <translation>包管理器没有应答</translation>
+    </message>
+    <message>
+        <source>adb exited with code %1</source>
+        <translation>adb 退出，代码 %1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbTask</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
 </context>
 <context>
     <name>AppSettingsDialog</name>
@@ -160,6 +203,10 @@ shell ps</translation>
         <source>Save</source>
         <translation>保存</translation>
     </message>
+    <message>
+        <source>adb processes at once</source>
+        <translation>同时运行的 adb 进程数</translation>
+    </message>
 </context>
 <context>
     <name>AudioDemuxer</name>
@@ -212,6 +259,81 @@ shell ps</translation>
     <message>
         <source>Click To Start</source>
         <translation>点击启动</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>启动</translation>
+    </message>
+</context>
+<context>
+    <name>CommonPhrasesDialog</name>
+    <message>
+        <source>Common Phrases Manager</source>
+        <translation>常用语管理</translation>
+    </message>
+    <message>
+        <source>Category:</source>
+        <translation>分类：</translation>
+    </message>
+    <message>
+        <source>Enter category name...</source>
+        <translation>输入分类名称...</translation>
+    </message>
+    <message>
+        <source>New Category</source>
+        <translation>新建分类</translation>
+    </message>
+    <message>
+        <source>Update</source>
+        <translation>更新</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>添加</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>编辑</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete category?</source>
+        <translation>确定要删除该分类吗？</translation>
+    </message>
+    <message>
+        <source>Phrases:</source>
+        <translation>常用语：</translation>
+    </message>
+    <message>
+        <source>Enter phrase text...</source>
+        <translation>输入常用语内容...</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>说明</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>新建</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete the phrase?</source>
+        <translation>确定要删除该常用语吗？</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
     </message>
 </context>
 <context>
@@ -426,6 +548,57 @@ shell ps</translation>
         <source>Uploading File</source>
         <translation>正在上传文件</translation>
     </message>
+    <message>
+        <source>KeyMapping Profile: %1</source>
+        <translation>按键映射方案：%1</translation>
+    </message>
+    <message>
+        <source>KeyMapping Disabled</source>
+        <translation>按键映射已禁用</translation>
+    </message>
+    <message>
+        <source>Failed to start: %1</source>
+        <translation>启动失败：%1</translation>
+    </message>
+    <message>
+        <source>The phone&apos;s server stopped: %1</source>
+        <translation>手机端服务已停止：%1</translation>
+    </message>
+    <message>
+        <source>Failed to disconnect WiFi</source>
+        <translation>断开 WiFi 失败</translation>
+    </message>
+    <message>
+        <source>USB connection enabled</source>
+        <translation>已切换到 USB 连接</translation>
+    </message>
+    <message>
+        <source>Failed to switch to USB</source>
+        <translation>切换到 USB 失败</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroup</name>
+    <message>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安装 APK</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上传文件</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>运行 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroupManager</name>
@@ -598,6 +771,26 @@ shell ps</translation>
         <source>connection type</source>
         <translation>连接类型</translation>
     </message>
+    <message>
+        <source>Collapse</source>
+        <translation>收起</translation>
+    </message>
+    <message>
+        <source>Expand</source>
+        <translation>展开</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>启动</translation>
+    </message>
+    <message>
+        <source>Remove Device</source>
+        <translation>移除设备</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -726,6 +919,22 @@ shell ps</translation>
         <source>On Big Screen</source>
         <translation>正在大屏显示</translation>
     </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>启动</translation>
+    </message>
+    <message>
+        <source>Remove Device</source>
+        <translation>移除设备</translation>
+    </message>
+    <message>
+        <source>Starting…</source>
+        <translation>正在启动…</translation>
+    </message>
 </context>
 <context>
     <name>FilePicker</name>
@@ -736,6 +945,67 @@ shell ps</translation>
     <message>
         <source>All files (*.*)</source>
         <translation>所有文件 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperation</name>
+    <message>
+        <source>queued</source>
+        <translation>排队中</translation>
+    </message>
+    <message>
+        <source>running</source>
+        <translation>运行中</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message>
+        <source>timed out</source>
+        <translation>超时</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
+    <message>
+        <source>The phone has left the group</source>
+        <translation>手机已离开分组</translation>
+    </message>
+    <message>
+        <source>The phone did not answer</source>
+        <translation>手机没有应答</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationDialog</name>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationView</name>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Retry failed</source>
+        <translation>重试失败项</translation>
+    </message>
+    <message>
+        <source>Copy report</source>
+        <translation>复制报告</translation>
     </message>
 </context>
 <context>
@@ -818,10 +1088,238 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>JsonFile</name>
+    <message>
+        <source>%1 could not be read and could not be moved aside. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>无法读取 %1，也无法将其移到一旁。Korvel 不会覆盖它；更改只保留到 Korvel 关闭。</translation>
+    </message>
+    <message>
+        <source>%1 could not be read. It was kept as %2 and Korvel started without it.</source>
+        <translation>无法读取 %1。它已保留为 %2，Korvel 在没有它的情况下启动。</translation>
+    </message>
+    <message>
+        <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
+        <translation>无法保存 %1。更改只保留到 Korvel 关闭。</translation>
+    </message>
+</context>
+<context>
     <name>KVAlert</name>
     <message>
         <source>Alert</source>
         <translation>提示</translation>
+    </message>
+</context>
+<context>
+    <name>KVConfirm</name>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMapProfilePicker</name>
+    <message>
+        <source>Select KeyMapping Profile</source>
+        <translation>选择按键映射方案</translation>
+    </message>
+    <message>
+        <source>No KeyMap</source>
+        <translation>不使用按键映射</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingDialog</name>
+    <message>
+        <source>Key Mapping Settings</source>
+        <translation>按键映射设置</translation>
+    </message>
+    <message>
+        <source>Press a key...</source>
+        <translation>请按一个键...</translation>
+    </message>
+    <message>
+        <source>Values out of range.</source>
+        <translation>数值超出范围。</translation>
+    </message>
+    <message>
+        <source>This key is already mapped in this profile.</source>
+        <translation>此按键在该方案中已有映射。</translation>
+    </message>
+    <message>
+        <source>Mapping Profile:</source>
+        <translation>映射方案：</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>新建</translation>
+    </message>
+    <message>
+        <source>Delete Profile</source>
+        <translation>删除方案</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete profile</source>
+        <translation>确定要删除方案</translation>
+    </message>
+    <message>
+        <source>Create New Profile</source>
+        <translation>新建方案</translation>
+    </message>
+    <message>
+        <source>Profile Name:</source>
+        <translation>方案名称：</translation>
+    </message>
+    <message>
+        <source>Enter profile name...</source>
+        <translation>输入方案名称...</translation>
+    </message>
+    <message>
+        <source>Create</source>
+        <translation>创建</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Key</source>
+        <translation>按键</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>次数</translation>
+    </message>
+    <message>
+        <source>Duration(ms)</source>
+        <translation>时长(毫秒)</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Touch</source>
+        <translation>点击</translation>
+    </message>
+    <message>
+        <source>Swipe</source>
+        <translation>滑动</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>编辑</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Add New Mapping</source>
+        <translation>添加新映射</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Add New Key Mapping</source>
+        <translation>添加按键映射</translation>
+    </message>
+    <message>
+        <source>Edit Key Mapping</source>
+        <translation>编辑按键映射</translation>
+    </message>
+    <message>
+        <source>Edit Swipe Mapping</source>
+        <translation>编辑滑动映射</translation>
+    </message>
+    <message>
+        <source>Key:</source>
+        <translation>按键：</translation>
+    </message>
+    <message>
+        <source>Type:</source>
+        <translation>类型：</translation>
+    </message>
+    <message>
+        <source>X:</source>
+        <translation>X：</translation>
+    </message>
+    <message>
+        <source>Y:</source>
+        <translation>Y：</translation>
+    </message>
+    <message>
+        <source>Count:</source>
+        <translation>次数：</translation>
+    </message>
+    <message>
+        <source>(1-10)</source>
+        <translation>(1-10)</translation>
+    </message>
+    <message>
+        <source>Start X:</source>
+        <translation>起点 X：</translation>
+    </message>
+    <message>
+        <source>Start Y:</source>
+        <translation>起点 Y：</translation>
+    </message>
+    <message>
+        <source>End X:</source>
+        <translation>终点 X：</translation>
+    </message>
+    <message>
+        <source>End Y:</source>
+        <translation>终点 Y：</translation>
+    </message>
+    <message>
+        <source>Duration(ms):</source>
+        <translation>时长(毫秒)：</translation>
+    </message>
+    <message>
+        <source>Duration:</source>
+        <translation>时长：</translation>
+    </message>
+    <message>
+        <source>(50-2000ms)</source>
+        <translation>(50-2000毫秒)</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>起点</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>终点</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Phone:</source>
+        <translation>手机：</translation>
+    </message>
+    <message>
+        <source>Start a phone of the current group to see its screen here.</source>
+        <translation>启动当前分组中的一台手机即可在此看到其屏幕。</translation>
+    </message>
+    <message>
+        <source>A profile with this name already exists.</source>
+        <translation>已存在同名方案。</translation>
     </message>
 </context>
 <context>
@@ -877,6 +1375,17 @@ shell ps</translation>
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此分组没有设备，点击扫描</translation>
+    </message>
+    <message>
+        <source>Data Files</source>
+        <translation>数据文件</translation>
+    </message>
+</context>
+<context>
+    <name>MessageStrip</name>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
     </message>
 </context>
 <context>
@@ -987,6 +1496,24 @@ shell ps</translation>
     <message>
         <source>Settings</source>
         <translation>设置</translation>
+    </message>
+</context>
+<context>
+    <name>PhraseSelectionDialog</name>
+    <message>
+        <source>Select Phrase</source>
+        <translation>选择常用语</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>ScrcpyServer</name>
+    <message>
+        <source>Cannot listen for the phone&apos;s connections: %1</source>
+        <translation>无法监听手机的连接：%1</translation>
     </message>
 </context>
 <context>

@@ -81,6 +81,49 @@ shell ps</translation>
         <source>Visit our website for more information and instructions.</source>
         <translation>造訪我們的網站以取得更多資訊與使用說明。</translation>
     </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>AdbJob</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message numerus="yes">
+        <source>No answer for %n second(s)</source>
+        <translation>
+            <numerusform>%n 秒無回應</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Failed to start adb: %1</source>
+        <translation>無法啟動 adb：%1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbResult</name>
+    <message>
+        <source>adb ended abnormally</source>
+        <translation>adb 異常結束</translation>
+    </message>
+    <message>
+        <source>The package manager gave no answer</source>
+        <translation>套件管理器沒有回應</translation>
+    </message>
+    <message>
+        <source>adb exited with code %1</source>
+        <translation>adb 結束，代碼 %1</translation>
+    </message>
+</context>
+<context>
+    <name>AdbTask</name>
+    <message>
+        <source>Cancelled</source>
+        <translation>已取消</translation>
+    </message>
 </context>
 <context>
     <name>AppSettingsDialog</name>
@@ -160,6 +203,10 @@ shell ps</translation>
         <source>Save</source>
         <translation>儲存</translation>
     </message>
+    <message>
+        <source>adb processes at once</source>
+        <translation>同時執行的 adb 行程數</translation>
+    </message>
 </context>
 <context>
     <name>AudioDemuxer</name>
@@ -212,6 +259,81 @@ shell ps</translation>
     <message>
         <source>Click To Start</source>
         <translation>點擊啟動</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+</context>
+<context>
+    <name>CommonPhrasesDialog</name>
+    <message>
+        <source>Common Phrases Manager</source>
+        <translation>常用語管理</translation>
+    </message>
+    <message>
+        <source>Category:</source>
+        <translation>分類：</translation>
+    </message>
+    <message>
+        <source>Enter category name...</source>
+        <translation>輸入分類名稱...</translation>
+    </message>
+    <message>
+        <source>New Category</source>
+        <translation>新增分類</translation>
+    </message>
+    <message>
+        <source>Update</source>
+        <translation>更新</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編輯</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete category?</source>
+        <translation>確定要刪除該分類嗎？</translation>
+    </message>
+    <message>
+        <source>Phrases:</source>
+        <translation>常用語：</translation>
+    </message>
+    <message>
+        <source>Enter phrase text...</source>
+        <translation>輸入常用語內容...</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>說明</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete the phrase?</source>
+        <translation>確定要刪除該常用語嗎？</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
     </message>
 </context>
 <context>
@@ -426,6 +548,57 @@ shell ps</translation>
         <source>Uploading File</source>
         <translation>正在上傳檔案</translation>
     </message>
+    <message>
+        <source>KeyMapping Profile: %1</source>
+        <translation>按鍵映射方案：%1</translation>
+    </message>
+    <message>
+        <source>KeyMapping Disabled</source>
+        <translation>按鍵映射已停用</translation>
+    </message>
+    <message>
+        <source>Failed to start: %1</source>
+        <translation>啟動失敗：%1</translation>
+    </message>
+    <message>
+        <source>The phone&apos;s server stopped: %1</source>
+        <translation>手機端服務已停止：%1</translation>
+    </message>
+    <message>
+        <source>Failed to disconnect WiFi</source>
+        <translation>中斷 WiFi 失敗</translation>
+    </message>
+    <message>
+        <source>USB connection enabled</source>
+        <translation>已切換到 USB 連線</translation>
+    </message>
+    <message>
+        <source>Failed to switch to USB</source>
+        <translation>切換到 USB 失敗</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceGroup</name>
+    <message>
+        <source>Screenshot</source>
+        <translation>截圖</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安裝 APK</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上傳檔案</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>執行 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroupManager</name>
@@ -598,6 +771,26 @@ shell ps</translation>
         <source>connection type</source>
         <translation>連線類型</translation>
     </message>
+    <message>
+        <source>Collapse</source>
+        <translation>收合</translation>
+    </message>
+    <message>
+        <source>Expand</source>
+        <translation>展開</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+    <message>
+        <source>Remove Device</source>
+        <translation>移除裝置</translation>
+    </message>
 </context>
 <context>
     <name>DeviceMenu</name>
@@ -726,6 +919,22 @@ shell ps</translation>
         <source>On Big Screen</source>
         <translation>正在大螢幕顯示</translation>
     </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+    <message>
+        <source>Remove Device</source>
+        <translation>移除裝置</translation>
+    </message>
+    <message>
+        <source>Starting…</source>
+        <translation>正在啟動…</translation>
+    </message>
 </context>
 <context>
     <name>FilePicker</name>
@@ -736,6 +945,67 @@ shell ps</translation>
     <message>
         <source>All files (*.*)</source>
         <translation>所有檔案 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperation</name>
+    <message>
+        <source>queued</source>
+        <translation>排隊中</translation>
+    </message>
+    <message>
+        <source>running</source>
+        <translation>執行中</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>完成</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>失敗</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>已取消</translation>
+    </message>
+    <message>
+        <source>timed out</source>
+        <translation>逾時</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
+    </message>
+    <message>
+        <source>The phone has left the group</source>
+        <translation>手機已離開群組</translation>
+    </message>
+    <message>
+        <source>The phone did not answer</source>
+        <translation>手機沒有回應</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationDialog</name>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>GroupOperationView</name>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Retry failed</source>
+        <translation>重試失敗項目</translation>
+    </message>
+    <message>
+        <source>Copy report</source>
+        <translation>複製報告</translation>
     </message>
 </context>
 <context>
@@ -818,10 +1088,238 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>JsonFile</name>
+    <message>
+        <source>%1 could not be read and could not be moved aside. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>無法讀取 %1，也無法將其移到一旁。Korvel 不會覆寫它；變更只保留到 Korvel 關閉。</translation>
+    </message>
+    <message>
+        <source>%1 could not be read. It was kept as %2 and Korvel started without it.</source>
+        <translation>無法讀取 %1。它已保留為 %2，Korvel 在沒有它的情況下啟動。</translation>
+    </message>
+    <message>
+        <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
+        <translation>無法儲存 %1。變更只保留到 Korvel 關閉。</translation>
+    </message>
+</context>
+<context>
     <name>KVAlert</name>
     <message>
         <source>Alert</source>
         <translation>提示</translation>
+    </message>
+</context>
+<context>
+    <name>KVConfirm</name>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMapProfilePicker</name>
+    <message>
+        <source>Select KeyMapping Profile</source>
+        <translation>選擇按鍵映射方案</translation>
+    </message>
+    <message>
+        <source>No KeyMap</source>
+        <translation>不使用按鍵映射</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingDialog</name>
+    <message>
+        <source>Key Mapping Settings</source>
+        <translation>按鍵映射設定</translation>
+    </message>
+    <message>
+        <source>Press a key...</source>
+        <translation>請按一個鍵...</translation>
+    </message>
+    <message>
+        <source>Values out of range.</source>
+        <translation>數值超出範圍。</translation>
+    </message>
+    <message>
+        <source>This key is already mapped in this profile.</source>
+        <translation>此按鍵在該方案中已有映射。</translation>
+    </message>
+    <message>
+        <source>Mapping Profile:</source>
+        <translation>映射方案：</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>Delete Profile</source>
+        <translation>刪除方案</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete profile</source>
+        <translation>確定要刪除方案</translation>
+    </message>
+    <message>
+        <source>Create New Profile</source>
+        <translation>新增方案</translation>
+    </message>
+    <message>
+        <source>Profile Name:</source>
+        <translation>方案名稱：</translation>
+    </message>
+    <message>
+        <source>Enter profile name...</source>
+        <translation>輸入方案名稱...</translation>
+    </message>
+    <message>
+        <source>Create</source>
+        <translation>建立</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Key</source>
+        <translation>按鍵</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>類型</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>次數</translation>
+    </message>
+    <message>
+        <source>Duration(ms)</source>
+        <translation>時長(毫秒)</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Touch</source>
+        <translation>點擊</translation>
+    </message>
+    <message>
+        <source>Swipe</source>
+        <translation>滑動</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編輯</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
+    </message>
+    <message>
+        <source>Add New Mapping</source>
+        <translation>新增映射</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+    <message>
+        <source>Add New Key Mapping</source>
+        <translation>新增按鍵映射</translation>
+    </message>
+    <message>
+        <source>Edit Key Mapping</source>
+        <translation>編輯按鍵映射</translation>
+    </message>
+    <message>
+        <source>Edit Swipe Mapping</source>
+        <translation>編輯滑動映射</translation>
+    </message>
+    <message>
+        <source>Key:</source>
+        <translation>按鍵：</translation>
+    </message>
+    <message>
+        <source>Type:</source>
+        <translation>類型：</translation>
+    </message>
+    <message>
+        <source>X:</source>
+        <translation>X：</translation>
+    </message>
+    <message>
+        <source>Y:</source>
+        <translation>Y：</translation>
+    </message>
+    <message>
+        <source>Count:</source>
+        <translation>次數：</translation>
+    </message>
+    <message>
+        <source>(1-10)</source>
+        <translation>(1-10)</translation>
+    </message>
+    <message>
+        <source>Start X:</source>
+        <translation>起點 X：</translation>
+    </message>
+    <message>
+        <source>Start Y:</source>
+        <translation>起點 Y：</translation>
+    </message>
+    <message>
+        <source>End X:</source>
+        <translation>終點 X：</translation>
+    </message>
+    <message>
+        <source>End Y:</source>
+        <translation>終點 Y：</translation>
+    </message>
+    <message>
+        <source>Duration(ms):</source>
+        <translation>時長(毫秒)：</translation>
+    </message>
+    <message>
+        <source>Duration:</source>
+        <translation>時長：</translation>
+    </message>
+    <message>
+        <source>(50-2000ms)</source>
+        <translation>(50-2000毫秒)</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>起點</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>終點</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>儲存</translation>
+    </message>
+    <message>
+        <source>Phone:</source>
+        <translation>手機：</translation>
+    </message>
+    <message>
+        <source>Start a phone of the current group to see its screen here.</source>
+        <translation>啟動目前群組中的一台手機即可在此看到其螢幕。</translation>
+    </message>
+    <message>
+        <source>A profile with this name already exists.</source>
+        <translation>已存在同名方案。</translation>
     </message>
 </context>
 <context>
@@ -877,6 +1375,17 @@ shell ps</translation>
     <message>
         <source>No Devices In This Group, Click To Scan</source>
         <translation>此群組沒有裝置，點擊掃描</translation>
+    </message>
+    <message>
+        <source>Data Files</source>
+        <translation>資料檔案</translation>
+    </message>
+</context>
+<context>
+    <name>MessageStrip</name>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
     </message>
 </context>
 <context>
@@ -987,6 +1496,24 @@ shell ps</translation>
     <message>
         <source>Settings</source>
         <translation>設定</translation>
+    </message>
+</context>
+<context>
+    <name>PhraseSelectionDialog</name>
+    <message>
+        <source>Select Phrase</source>
+        <translation>選擇常用語</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>ScrcpyServer</name>
+    <message>
+        <source>Cannot listen for the phone&apos;s connections: %1</source>
+        <translation>無法監聽手機的連線：%1</translation>
     </message>
 </context>
 <context>

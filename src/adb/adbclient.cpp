@@ -1,5 +1,7 @@
 #include "adbclient.h"
 
+#include "adbresult.h"
+#include "adbtask.h"
 #include "appconfig.h"
 #include "devicesettings.h"
 
@@ -7,6 +9,7 @@
 #include <QMutex>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTcpSocket>
 
 #include <atomic>
 
@@ -17,6 +20,9 @@ constexpr int kTransferSeconds = 300;
 
 std::atomic<int> normalTimeoutMs{kNormalSeconds * 1000};
 std::atomic<int> transferTimeoutMs{kTransferSeconds * 1000};
+
+// Until start-up finds a server of someone else's, the server is the one Korvel's adb calls start.
+std::atomic<bool> serverIsOurs{true};
 
 QMutex programMutex;
 QString programOverride;
@@ -81,7 +87,32 @@ bool AdbClient::startServer() { return succeeded({"start-server"}); }
 
 bool AdbClient::restartServer()
 {
-    return killServer() && startServer();
+    if (!killServer())
+        return false;
+    serverIsOurs = true;
+    return startServer();
+}
+
+bool AdbClient::serverListening()
+{
+    bool valid = false;
+    const uint port = qEnvironmentVariable("ANDROID_ADB_SERVER_PORT").toUInt(&valid);
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, valid && port > 0 && port <= 65535 ? quint16(port) : 5037);
+    // Loopback answers at once, with a connection or a refusal.
+    const bool listening = socket.waitForConnected(1000);
+    socket.abort();
+    return listening;
+}
+
+void AdbClient::noteServerAtStart()
+{
+    serverIsOurs = !serverListening();
+}
+
+bool AdbClient::killOwnServer()
+{
+    return serverIsOurs && killServer();
 }
 
 QList<ADBDeviceInfo> AdbClient::devices()
@@ -98,7 +129,12 @@ bool AdbClient::connect(const QString &serial, const QString &ip, quint16 port)
     return succeeded({"-s", serial, "connect", ip + ":" + QString::number(port)}, "failed");
 }
 
-bool AdbClient::disconnect(const QString &serial) { return succeeded({"-s", serial, "disconnect"}); }
+bool AdbClient::disconnect(const QString &address)
+{
+    // adb ends with status 0 and "disconnected ADDRESS" only when it dropped that connection.
+    const QString result = run({"disconnect", address});
+    return !result.startsWith("[error]") && result.startsWith("disconnected");
+}
 bool AdbClient::usb(const QString &serial) { return succeeded({"-s", serial, "usb"}); }
 
 bool AdbClient::tcpip(const QString &serial, quint16 port)
@@ -120,15 +156,24 @@ bool AdbClient::push(const QString &serial, const QString &localPath, const QStr
 {
     if (!QFileInfo::exists(localPath))
         return false;
-    return succeeded({"-s", serial, "push", localPath, remotePath});
+    // Judged by adb's exit status: a path may well contain the word "error".
+    return !run({"-s", serial, "push", localPath, remotePath}).startsWith(QLatin1String("[error]"));
 }
 
 bool AdbClient::installApk(const QString &serial, const QString &localPath)
 {
-    // The install runs whatever the push gave: the phone's own answer says what went wrong.
-    push(serial, localPath, "/data/local/tmp/");
-    const QString remote = "/data/local/tmp/" + QFileInfo(localPath).fileName();
-    return !shellResult(serial, {"pm install -r " + remote}).contains("error");
+    if (!QFileInfo::exists(localPath))
+        return false;
+    const QList<AdbTask::Step> steps = AdbTask::installSteps(serial, localPath);
+    bool installed = false;
+    if (!run(steps.at(0).args).startsWith(QLatin1String("[error]"))) {
+        const QString answer = run(steps.at(1).args);
+        const bool failed = answer.startsWith(QLatin1String("[error]"));
+        installed = AdbResult::classify(AdbResult::Kind::Install, failed ? 1 : 0, false, answer.toUtf8(), {}).ok();
+    }
+    // The temporary copy never stays on the phone, whatever happened.
+    run(steps.at(2).args);
+    return installed;
 }
 
 bool AdbClient::forward(const QString &serial, quint16 localPort, quint16 remotePort)
@@ -210,35 +255,45 @@ DeviceInfo AdbClient::getDeviceInfo(const QString &serial)
     for (const auto &[field, key] : properties)
         *field = shellResult(serial, {"getprop", key});
 
-    const QString size = shellResult(serial, {"wm", "size"}).remove("Physical size: ").trimmed();
+    info.screen_size = parseScreenSize(shellResult(serial, {"wm", "size"}));
+    return info;
+}
+
+QSize AdbClient::parseScreenSize(const QString &text)
+{
+    const QString size = QString(text).remove("Physical size: ").trimmed();
     const QStringList sides = size.split("x");
     const int width = sides.value(0).toInt();
     const int height = sides.size() > 1 ? sides.value(1).toInt() : 0;
-    info.screen_size = QSize(width, height);
-    return info;
+    return QSize(width, height);
+}
+
+QString AdbClient::parseInetAddress(const QString &text, AddressListing listing)
+{
+    static const QRegularExpression ipAddr("inet\\s+(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
+    static const QRegularExpression ifconfig("inet\\s+(?:addr:)?(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
+    const QRegularExpressionMatch match = (listing == AddressListing::Ip ? ipAddr : ifconfig).match(text);
+    return match.hasMatch() ? match.captured(1) : QString();
+}
+
+bool AdbClient::isAddressProperty(const QString &value)
+{
+    static const QRegularExpression whole("^\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}$");
+    return whole.match(value).hasMatch();
 }
 
 QString AdbClient::getWifiIpAddress(const QString &serial)
 {
-    static const QRegularExpression ipAddr("inet\\s+(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
-    static const QRegularExpression ifconfig("inet\\s+(?:addr:)?(\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3})");
-    static const QRegularExpression whole("^\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}\\.\\d{1,3}$");
-
-    auto capture = [](const QString &text, const QRegularExpression &expression) {
-        const QRegularExpressionMatch match = expression.match(text);
-        return match.hasMatch() ? match.captured(1) : QString();
-    };
-
-    QString address = capture(shellResult(serial, {"ip addr show wlan0"}), ipAddr);
+    QString address = parseInetAddress(shellResult(serial, {"ip addr show wlan0"}), AddressListing::Ip);
     if (!address.isEmpty())
         return address;
-    address = capture(shellResult(serial, {"ifconfig wlan0"}), ifconfig);
+    address = parseInetAddress(shellResult(serial, {"ifconfig wlan0"}), AddressListing::Ifconfig);
     if (!address.isEmpty())
         return address;
     const QString property = shellResult(serial, {"getprop", "dhcp.wlan0.ipaddress"});
-    if (whole.match(property).hasMatch())
+    if (isAddressProperty(property))
         return property;
-    return capture(shellResult(serial, {"ip addr show eth0"}), ipAddr);
+    return parseInetAddress(shellResult(serial, {"ip addr show eth0"}), AddressListing::Ip);
 }
 
 bool AdbClient::setWallpaper(const QString &serial, const QString &localImagePath)

@@ -4,6 +4,7 @@
 #include "deviceinfo.h"
 
 #include <QList>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -21,10 +22,18 @@ public:
 
     static bool killServer();
     static bool startServer();
+    // Kills and starts the server; from then on the server is Korvel's own.
     static bool restartServer();
+    // Whether an adb server answers on its port (ANDROID_ADB_SERVER_PORT, or 5037) right now.
+    static bool serverListening();
+    // Called once at start-up: a server already running then belongs to the user's other tools.
+    static void noteServerAtStart();
+    // On quit: kills the server only when Korvel started it. True when it was killed.
+    static bool killOwnServer();
     static QList<ADBDeviceInfo> devices();
     static bool connect(const QString &serial, const QString &ip, quint16 port);
-    static bool disconnect(const QString &serial);
+    // Drops the one network phone at ADDRESS ("ip:port"); "-s S disconnect" would drop them all.
+    static bool disconnect(const QString &address);
     static bool usb(const QString &serial);
     static bool tcpip(const QString &serial, quint16 port);
     static bool reboot(const QString &serial);
@@ -37,6 +46,14 @@ public:
     static bool removeReverse(const QString &serial, const QString &socketName);
 
     static QList<ADBDeviceInfo> parseDevices(const QString &text);
+    // "wm size" output ("Physical size: 1080x2400"); 0 for a side that is not a number.
+    static QSize parseScreenSize(const QString &text);
+    // The first IPv4 address after "inet" in "ip addr show" output, or with ifconfig's optional
+    // "addr:" too; empty when there is none.
+    enum class AddressListing { Ip, Ifconfig };
+    static QString parseInetAddress(const QString &text, AddressListing listing);
+    // Whether a property value is a whole dotted IPv4 address (octets not range-checked).
+    static bool isAddressProperty(const QString &value);
     static DeviceInfo getDeviceInfo(const QString &serial);
     static QString getWifiIpAddress(const QString &serial);
     static bool setWallpaper(const QString &serial, const QString &localImagePath);

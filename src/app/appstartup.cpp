@@ -3,6 +3,8 @@
 #include "adbclient.h"
 #include "appconfig.h"
 #include "devicetracker.h"
+#include "commonphrase.h"
+#include "phrasecategory.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -50,11 +52,15 @@ bool AppStartup::installTranslation(const QString &locale)
 
 void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
 {
+    // Before anything of Korvel's can start an adb server.
+    AdbClient::noteServerAtStart();
     engine.retranslate();
     // The module's qmldir (with its QML singletons) is compiled in at :/Korvel/qmldir.
     engine.addImportPath(QStringLiteral("qrc:/"));
     qRegisterMetaType<QList<ADBDeviceInfo>>("QList<ADBDeviceInfo>");
     qRegisterMetaType<QList<DeviceInfo>>("QList<DeviceInfo>");
+    qRegisterMetaType<QList<CommonPhrase *>>("QList<CommonPhrase*>");
+    qRegisterMetaType<QList<PhraseCategory *>>("QList<PhraseCategory*>");
     installTranslation(AppConfig::instance()->getLocale());
 
     QObject::connect(
@@ -64,6 +70,7 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     DeviceTracker::instance()->ensureStarted();
     engine.load(QUrl("qrc:/Korvel/src/qml/Main.qml"));
 
-    // The adb server that the application started must not outlive it.
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { AdbClient::killServer(); });
+    // The adb server that the application started must not outlive it; one that the user's other
+    // tools were using before must.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { AdbClient::killOwnServer(); });
 }

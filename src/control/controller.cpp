@@ -2,23 +2,25 @@
 
 #include "adbclient.h"
 #include "adbpool.h"
+#include "adbworkpool.h"
 #include "controlmsgencoder.h"
 #include "device.h"
 #include "inputmapping.h"
+#include "keymappingprofile.h"
 
 #include <QAbstractSocket>
 #include <QDir>
 #include <QFont>
-#include <QFutureWatcher>
 #include <QImage>
 #include <QPainter>
 #include <QPen>
 #include <QStandardPaths>
 #include <QTimer>
-#include <QtConcurrent>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -27,7 +29,6 @@ int swipeIntervalMs = 10;
 constexpr qint64 kMousePointerId = -2;
 constexpr int kUploadTimeoutMs = 5000;
 constexpr int kLongInfoTimeoutMs = 100000;
-const QString kUploadFolder = "/sdcard/Download/";
 
 // Android key codes of the action buttons.
 enum ActionKey : qint32 {
@@ -57,6 +58,16 @@ qint32 toDevicePixel(double value)
 }
 
 } // namespace
+
+Controller::~Controller()
+{
+    // Work still under way goes with the session; its adb processes are killed.
+    for (AdbTask *task : std::as_const(m_tasks)) {
+        task->disconnect(this);
+        AdbWorkPool::cancel(task);
+        task->deleteLater();
+    }
+}
 
 Controller::Controller(QObject *parent, QIODevice *socket)
     : QObject(parent)
@@ -175,20 +186,21 @@ void Controller::actionRotateScreen()
     send(msg);
 }
 
-void Controller::runInBackground(std::function<bool()> task, const QString &successText,
+void Controller::runInBackground(const QList<AdbTask::Step> &steps, const QString &successText,
                                  const QString &failureText, int failureTimeout)
 {
-    // The watcher is a child: a controller that ends first takes the report with it.
-    auto *watcher = new QFutureWatcher<bool>(this);
-    connect(watcher, &QFutureWatcher<bool>::finished, this, [this, watcher, successText, failureText, failureTimeout] {
-        const bool ok = watcher->result();
-        watcher->deleteLater();
-        if (ok)
-            report(successText, "success", 2000);
-        else
-            report(failureText, "error", failureTimeout);
-    });
-    watcher->setFuture(QtConcurrent::run(std::move(task)));
+    auto *task = new AdbTask(steps);
+    m_tasks.insert(task);
+    connect(task, &AdbTask::finished, this,
+            [this, task, successText, failureText, failureTimeout](const AdbResult &result) {
+                m_tasks.remove(task);
+                task->deleteLater();
+                if (result.ok())
+                    report(successText, "success", 2000);
+                else
+                    report(failureText + ": " + result.text, "error", failureTimeout);
+            });
+    AdbWorkPool::instance()->submit(task);
 }
 
 void Controller::installApk(const QString &apkPath)
@@ -196,8 +208,7 @@ void Controller::installApk(const QString &apkPath)
     if (!m_device)
         return;
     report(tr("Installing APK"), "info", kLongInfoTimeoutMs);
-    const QString serial = m_device->adbConnectionSerial();
-    runInBackground([serial, apkPath] { return AdbClient::installApk(serial, apkPath); }, tr("APK installed"),
+    runInBackground(AdbTask::installSteps(m_device->adbConnectionSerial(), apkPath), tr("APK installed"),
                     tr("APK installation failed"), kLongInfoTimeoutMs);
 }
 
@@ -205,9 +216,8 @@ void Controller::uploadFile(const QString &filePath)
 {
     if (!m_device)
         return;
-    const QString serial = m_device->adbConnectionSerial();
-    runInBackground([serial, filePath] { return AdbClient::push(serial, filePath, kUploadFolder); },
-                    tr("File uploaded"), tr("File upload failed"), kUploadTimeoutMs);
+    runInBackground(AdbTask::uploadSteps(m_device->adbConnectionSerial(), filePath), tr("File uploaded"),
+                    tr("File upload failed"), kUploadTimeoutMs);
 }
 
 void Controller::actionInputText(const QString &text)
@@ -238,7 +248,7 @@ void Controller::processMouseEvent(qint64 pointerId, int eventType, double x, do
     send(msg);
 }
 
-void Controller::handleKeyEvent(int eventType, int key, int modifiers, const QString &)
+void Controller::handleKeyEvent(int eventType, int key, int modifiers, const QString &text)
 {
     if (handleKeyMapping(eventType, key, modifiers))
         return;
@@ -255,16 +265,163 @@ void Controller::handleKeyEvent(int eventType, int key, int modifiers, const QSt
         }
     }
     const int keycode = InputMapping::androidKeyCode(key, modifiers);
-    if (keycode < 0)
+    if (keycode < 0) {
+        // A letter that has no Android key code (é, ß, ü on their own keys) arrives as text.
+        const bool shortcut = modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+        if (action == ControlMsg::KeyDown && !shortcut && InputMapping::isNonAsciiText(text))
+            actionInputText(text);
         return;
+    }
     ControlMsg msg = ControlMsg::injectKeycode(quint32(action), keycode, 0, InputMapping::metaState(modifiers));
     send(msg);
 }
 
-bool Controller::handleKeyMapping(int, int, int)
+namespace {
+
+constexpr int kMappingPointerIds = 10;
+constexpr int kTapDownMs = 30;
+constexpr int kTapGapMs = 30;
+
+// How many moves a mapped swipe makes: about one per 16 ms frame, from 10 to 60.
+int swipeSteps(int duration)
 {
-    // No key-mapping profile is played back here: every key goes on to the phone.
-    return false;
+    if (duration <= 159)
+        return 10;
+    if (duration <= 975)
+        return duration / 16;
+    return 60;
+}
+
+} // namespace
+
+qint64 Controller::takeMappingPointerId()
+{
+    // Ids rotate through 0..9; one still held by another key is skipped so two fingers never merge.
+    for (int tries = 0; tries < kMappingPointerIds; ++tries) {
+        const int id = m_nextMappingPointerId;
+        m_nextMappingPointerId = (m_nextMappingPointerId + 1) % kMappingPointerIds;
+        const bool held = std::any_of(m_heldMappings.cbegin(), m_heldMappings.cend(),
+                                      [id](const HeldMapping &h) { return h.pointerId == id; });
+        if (!held)
+            return id;
+    }
+    return m_nextMappingPointerId;
+}
+
+void Controller::mappedTouch(qint64 pointerId, int eventType, const QPointF &fraction)
+{
+    const QSize show = showSize();
+    processMouseEvent(pointerId, eventType, fraction.x() * show.width(), fraction.y() * show.height(), Qt::LeftButton,
+                      Qt::LeftButton);
+}
+
+int Controller::heldMappingIndex(int keyCode, int modifiers) const
+{
+    for (int i = 0; i < m_heldMappings.size(); ++i) {
+        if (m_heldMappings[i].keyCode == keyCode && m_heldMappings[i].modifiers == modifiers)
+            return i;
+    }
+    // A modifier let go before the key: the key's release still lifts its finger.
+    for (int i = 0; i < m_heldMappings.size(); ++i) {
+        if (m_heldMappings[i].keyCode == keyCode)
+            return i;
+    }
+    return -1;
+}
+
+bool Controller::handleKeyMapping(int eventType, int key, int modifiers)
+{
+    if (eventType == InputMapping::KeyRelease) {
+        const int held = heldMappingIndex(key, modifiers);
+        if (held >= 0) {
+            const HeldMapping h = m_heldMappings.takeAt(held);
+            mappedTouch(h.pointerId, InputMapping::MouseRelease, h.releaseAt);
+            return true;
+        }
+    }
+    const KeyMappingProfile *profile = m_device ? m_device->currentKeyMappingProfile() : nullptr;
+    const KeyMappingEntry *found = profile ? profile->find(key, modifiers) : nullptr;
+    if (!found)
+        return false;
+    if (eventType != InputMapping::KeyPress)
+        return true;
+    // Keyboard auto-repeat of a key whose finger is down changes nothing.
+    if (heldMappingIndex(key, modifiers) >= 0)
+        return true;
+    const KeyMappingEntry entry = *found;
+    if (entry.type == KeyMappingEntry::Tap && entry.count < 1)
+        return true;
+
+    const qint64 id = takeMappingPointerId();
+    if (entry.type == KeyMappingEntry::Tap) {
+        const QPointF point(entry.x, entry.y);
+        if (entry.count == 1) {
+            m_heldMappings.append({entry.keyCode, entry.modifiers, id, point});
+            mappedTouch(id, InputMapping::MousePress, point);
+            return true;
+        }
+        for (int tap = 0; tap < entry.count; ++tap) {
+            const int downAt = tap * (kTapDownMs + kTapGapMs);
+            if (tap == 0)
+                mappedTouch(id, InputMapping::MousePress, point);
+            else
+                QTimer::singleShot(downAt, this,
+                                   [this, id, point] { mappedTouch(id, InputMapping::MousePress, point); });
+            QTimer::singleShot(downAt + kTapDownMs, this,
+                               [this, id, point] { mappedTouch(id, InputMapping::MouseRelease, point); });
+        }
+        return true;
+    }
+
+    const QPointF start(entry.startX, entry.startY);
+    const QPointF end(entry.endX, entry.endY);
+    m_heldMappings.append({entry.keyCode, entry.modifiers, id, end});
+    mappedTouch(id, InputMapping::MousePress, start);
+    const int steps = swipeSteps(entry.duration);
+    const int interval = entry.duration / steps;
+    for (int step = 1; step <= steps; ++step) {
+        const float fraction = float(step) / float(steps);
+        const QPointF point = start + (end - start) * fraction;
+        // The moves run on their own: a key let go early lifts the finger at the end point
+        // while the remaining moves still follow.
+        if (step == 1)
+            mappedTouch(id, InputMapping::MouseMove, point);
+        else
+            QTimer::singleShot((step - 1) * interval, this,
+                               [this, id, point] { mappedTouch(id, InputMapping::MouseMove, point); });
+    }
+    return true;
+}
+
+void Controller::releaseKeyMappings()
+{
+    const QList<HeldMapping> held = std::exchange(m_heldMappings, {});
+    for (const HeldMapping &h : held)
+        mappedTouch(h.pointerId, InputMapping::MouseRelease, h.releaseAt);
+}
+
+void Controller::handleWheelEvent(double x, double y, double angleDeltaX, double angleDeltaY, int buttons)
+{
+    if (angleDeltaX == 0.0 && angleDeltaY == 0.0)
+        return;
+    const QSize frame = frameSize();
+    const QSize show = showSize();
+    const ControlPosition position{QPoint(toDevicePixel(x * frame.width() / show.width()),
+                                          toDevicePixel(y * frame.height() / show.height())),
+                                   frame};
+    // One notch is 120. Qt counts a tilt to the left as positive, Android a scroll to the right;
+    // both count a turn away from the user as positive.
+    const float hscroll = float(-angleDeltaX / 120.0);
+    const float vscroll = float(angleDeltaY / 120.0);
+    ControlMsg msg = ControlMsg::injectScroll(position, hscroll, vscroll, InputMapping::buttons(buttons));
+    send(msg);
+}
+
+void Controller::handleInputMethodText(const QString &text)
+{
+    if (text.isEmpty())
+        return;
+    actionInputText(text);
 }
 
 void Controller::send(const ControlMsg &msg)

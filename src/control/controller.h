@@ -1,10 +1,13 @@
 #pragma once
 
+#include "adbtask.h"
 #include "controlmsg.h"
 
 #include <QObject>
 #include <QPointer>
+#include <QList>
 #include <QPointF>
+#include <QSet>
 #include <QSize>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
@@ -24,6 +27,7 @@ class Controller : public QObject
 public:
     // The parent is normally the session's Device; the socket belongs to the session.
     explicit Controller(QObject *parent = nullptr, QIODevice *socket = nullptr);
+    ~Controller() override;
 
     int clickDelayMilliSeconds() const { return m_clickDelayMilliSeconds; }
 
@@ -58,6 +62,13 @@ public slots:
     void processMouseEvent(qint64 pointerId, int eventType, double x, double y, int button, int buttons);
     void handleKeyEvent(int eventType, int key, int modifiers, const QString &text);
     bool handleKeyMapping(int eventType, int key, int modifiers);
+    // Lifts every finger that a held mapped key keeps down; the view calls it when it loses focus,
+    // because the key's release will then go elsewhere.
+    void releaseKeyMappings();
+    // A wheel turn at a view point; angle deltas in Qt's eighths of a degree (120 per notch).
+    void handleWheelEvent(double x, double y, double angleDeltaX, double angleDeltaY, int buttons);
+    // Text that an input method committed; key codes cannot carry it, so it is pasted.
+    void handleInputMethodText(const QString &text);
     void send(const ControlMsg &msg);
     void groupSend(const ControlMsg &msg);
     void setClickDelayMilliSeconds(int milliSeconds);
@@ -65,15 +76,31 @@ public slots:
     void resetVideo();
 
 private:
+    // A mapped key whose finger is down until the key goes up.
+    struct HeldMapping
+    {
+        int keyCode = 0;
+        int modifiers = 0;
+        qint64 pointerId = 0;
+        // Where the finger is lifted, as a fraction of the view.
+        QPointF releaseAt;
+    };
+
     void sendKeyPress(qint32 keycode);
+    qint64 takeMappingPointerId();
+    void mappedTouch(qint64 pointerId, int eventType, const QPointF &fraction);
+    int heldMappingIndex(int keyCode, int modifiers) const;
     void swipe(const QPointF &end, int steps);
     QSize showSize() const;
     QSize frameSize() const;
-    void runInBackground(std::function<bool()> task, const QString &successText, const QString &failureText,
-                         int failureTimeout);
+    void runInBackground(const QList<AdbTask::Step> &steps, const QString &successText,
+                         const QString &failureText, int failureTimeout);
     void report(const QString &message, const QString &type, int timeout);
 
     QPointer<QIODevice> m_socket;
     int m_clickDelayMilliSeconds = 0;
     QPointer<Device> m_device;
+    QList<HeldMapping> m_heldMappings;
+    int m_nextMappingPointerId = 0;
+    QSet<AdbTask *> m_tasks;
 };

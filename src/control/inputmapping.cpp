@@ -178,3 +178,14 @@ quint32 InputMapping::metaState(int modifiers)
         meta |= AMETA_META_ON;
     return meta;
 }
+
+bool InputMapping::isNonAsciiText(const QString &text)
+{
+    bool nonAscii = false;
+    for (const QChar c : text) {
+        if (!c.isPrint())
+            return false;
+        nonAscii = nonAscii || c.unicode() > 126;
+    }
+    return nonAscii;
+}

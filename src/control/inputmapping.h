@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 
 // How Qt's pointer and key events on a phone view become Android input: event types to actions,
@@ -22,4 +23,6 @@ public:
     // Android key code for a Qt key under the given Qt modifiers, or -1 when the key sends nothing.
     static int androidKeyCode(int qtKey, int modifiers);
     static quint32 metaState(int modifiers);
+    // True for printable text with at least one character outside ASCII.
+    static bool isNonAsciiText(const QString &text);
 };

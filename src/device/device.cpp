@@ -8,6 +8,7 @@
 #include "devicegroup.h"
 #include "devicesettings.h"
 #include "framehandoff.h"
+#include "keymappingprofile.h"
 #include "mediapipeline.h"
 #include "mediarecorder.h"
 #include "scrcpyserver.h"
@@ -357,10 +358,13 @@ void Device::applyDecodingDemand()
 {
     if (!m_media || !m_hasPicture)
         return;
-    const bool watched = m_frames->isWatched();
-    m_media->setDecodingPaused(!watched);
+    const bool paused = !m_frames->isWatched();
+    if (paused == m_decodingPaused)
+        return;
+    m_decodingPaused = paused;
+    m_media->setDecodingPaused(paused);
     // The picture kept while paused is old: ask for a key frame so that it is current at once.
-    if (watched && m_controller)
+    if (!paused && m_controller)
         m_controller->resetVideo();
 }
 
@@ -549,6 +553,30 @@ QString Device::executeADBCommand(const QString &input)
             output += "\n";
     }
     return output;
+}
+
+KeyMappingProfile *Device::currentKeyMappingProfile() const
+{
+    return m_keyMappingProfile;
+}
+
+void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
+{
+    if (profile == m_keyMappingProfile)
+        return;
+    if (m_keyMappingProfile)
+        disconnect(m_keyMappingProfile, &QObject::destroyed, this, nullptr);
+    m_keyMappingProfile = profile;
+    // A profile deleted in the editor turns this phone's mapping off, visibly.
+    if (profile)
+        connect(profile, &QObject::destroyed, this, [this] {
+            m_keyMappingProfile = nullptr;
+            emit currentKeyMappingProfileChanged();
+            emit deviceMessage(tr("KeyMapping Disabled"), "info", 2000);
+        });
+    emit currentKeyMappingProfileChanged();
+    emit deviceMessage(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"), "info",
+                       2000);
 }
 
 void Device::refreshAddressAndDetails()

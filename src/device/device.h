@@ -17,6 +17,7 @@ class Autojs;
 class Controller;
 class DeviceGroup;
 class FrameHandoff;
+class KeyMappingProfile;
 class MediaPipeline;
 class MediaRecorder;
 class PacketSink;
@@ -36,6 +37,7 @@ class Device : public QObject
     Q_MOC_INCLUDE("autojs.h")
     Q_MOC_INCLUDE("framehandoff.h")
     Q_MOC_INCLUDE("mediarecorder.h")
+    Q_MOC_INCLUDE("keymappingprofile.h")
     Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
     Q_PROPERTY(int indexInGroup READ indexInGroup NOTIFY indexInGroupChanged)
@@ -55,6 +57,8 @@ class Device : public QObject
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
     Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
     Q_PROPERTY(MediaRecorder *videoRecorder READ videoRecorder CONSTANT)
+    Q_PROPERTY(KeyMappingProfile *currentKeyMappingProfile READ currentKeyMappingProfile
+                   WRITE setCurrentKeyMappingProfile NOTIFY currentKeyMappingProfileChanged)
 
 public:
     enum ConnectionType { WiFi = 0, USB = 1 };
@@ -89,6 +93,7 @@ public:
     QString nickName() const;
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
+    KeyMappingProfile *currentKeyMappingProfile() const;
     ScrcpyServer *server() const { return m_server; }
     MediaRecorder *videoRecorder() const { return m_recorder; }
     // The current session's sound decoder, living on the media thread (connect to it directly);
@@ -123,6 +128,7 @@ signals:
     void ipAddressChanged();
     void isHostDeviceChanged();
     void isAudioEnabledChanged();
+    void currentKeyMappingProfileChanged();
     void connectionTypeChanged();
     void deviceMessage(const QString &message, const QString &type, int timeout);
 
@@ -168,6 +174,7 @@ public:
     Q_INVOKABLE void showTaskList();
     Q_INVOKABLE void home();
     Q_INVOKABLE QString executeADBCommand(const QString &input);
+    Q_INVOKABLE void setCurrentKeyMappingProfile(KeyMappingProfile *profile);
 
     // Tears the session down and starts it again after the step delay.
     void restartSession();
@@ -205,8 +212,11 @@ private:
     MediaRecorder *m_recorder = nullptr;
     bool m_starting = false;
     bool m_hasPicture = false;
+    bool m_decodingPaused = false;
     bool m_isScreenShotting = false;
     bool m_screenshotWaitsForPicture = false;
     bool m_switchingConnection = false;
     std::shared_ptr<ScreenshotWriter> m_screenshotWriter;
+    // Not owned: a profile deleted by its owner turns the mapping off.
+    QPointer<KeyMappingProfile> m_keyMappingProfile;
 };

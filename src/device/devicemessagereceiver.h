@@ -8,19 +8,27 @@
 class QIODevice;
 
 // Reads what the phone's server writes on the control socket and puts the phone's clipboard text
-// on the PC's clipboard. One chunk carries one message: the phone sends them rarely and singly.
+// on the PC's clipboard. A message may arrive in pieces; the pieces are kept until it is whole.
 class DeviceMessageReceiver : public QObject
 {
     Q_OBJECT
 public:
     DeviceMessageReceiver(QObject *parent, QIODevice *socket);
 
-    // The clipboard text of a chunk; false for anything else. Never reads past the chunk's bytes.
-    static bool parseClipboard(const QByteArray &chunk, QString *text);
+    // Consumed and Partial are byte counts; Unusable means the bytes cannot be framed.
+    static constexpr qsizetype Partial = 0;
+    static constexpr qsizetype Unusable = -1;
+    // Texts longer than this are not waited for: no phone sends them, a corrupt length would.
+    static constexpr qsizetype MaxTextSize = 16 * 1024 * 1024;
+
+    // Looks at the message at the front of `buffer`: returns the bytes it takes (and sets *text and
+    // *isClipboard for a clipboard text), Partial when more bytes are needed, or Unusable.
+    static qsizetype parse(const QByteArray &buffer, QString *text, bool *isClipboard);
 
 public slots:
     void handleIncomingData();
 
 private:
     QPointer<QIODevice> m_socket;
+    QByteArray m_pending;
 };

@@ -16,28 +16,6 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
-namespace {
-
-// The geometry the most recently built scaler was made for, shared by all writers: a writer whose
-// scaler was built for other values than the record simply builds a new one.
-struct ScalerRecord
-{
-    int srcWidth = 0;
-    int srcHeight = 0;
-    int srcFormat = -1;
-    int dstWidth = 0;
-    int dstHeight = 0;
-    bool operator==(const ScalerRecord &o) const
-    {
-        return srcWidth == o.srcWidth && srcHeight == o.srcHeight && srcFormat == o.srcFormat
-               && dstWidth == o.dstWidth && dstHeight == o.dstHeight;
-    }
-};
-
-QMutex recordMutex;
-ScalerRecord lastBuiltScaler;
-
-} // namespace
 
 ScreenshotWriter::~ScreenshotWriter()
 {
@@ -71,18 +49,18 @@ QImage ScreenshotWriter::toImage(const AVFrame *frame)
         return QImage();
 
     const QSize target = targetSize(frame->width, frame->height);
-    const ScalerRecord wanted{frame->width, frame->height, frame->format, target.width(), target.height()};
+    // libswscale aborts the process on a format it cannot read.
+    if (target.isEmpty() || !sws_isSupportedInput(AVPixelFormat(frame->format)))
+        return QImage();
+    const ScalerGeometry wanted{frame->width, frame->height, frame->format, target.width(), target.height()};
 
     QMutexLocker locker(&m_mutex);
-    {
-        QMutexLocker recordLocker(&recordMutex);
-        if (!m_scaler || !(lastBuiltScaler == wanted)) {
-            sws_freeContext(m_scaler);
-            m_scaler = sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format),
-                                      target.width(), target.height(), AV_PIX_FMT_RGB24,
-                                      SWS_FAST_BILINEAR, nullptr, nullptr, nullptr);
-            lastBuiltScaler = wanted;
-        }
+    // A rotated phone or a new session brings frames of another size or format.
+    if (!m_scaler || !(m_scalerGeometry == wanted)) {
+        sws_freeContext(m_scaler);
+        m_scaler = sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), target.width(),
+                                  target.height(), AV_PIX_FMT_RGB24, SWS_FAST_BILINEAR, nullptr, nullptr, nullptr);
+        m_scalerGeometry = m_scaler ? wanted : ScalerGeometry{};
     }
     if (!m_scaler)
         return QImage();
@@ -97,7 +75,8 @@ QImage ScreenshotWriter::toImage(const AVFrame *frame)
                  [](void *p) { av_free(p); }, pixels);
     uint8_t *dst[4] = {pixels, nullptr, nullptr, nullptr};
     int dstStride[4] = {stride, 0, 0, 0};
-    sws_scale(m_scaler, frame->data, frame->linesize, 0, frame->height, dst, dstStride);
+    if (sws_scale(m_scaler, frame->data, frame->linesize, 0, frame->height, dst, dstStride) != target.height())
+        return QImage();
     return image;
 }
 

@@ -38,6 +38,22 @@ public:
     bool save(const AVFrame *frame, const QString &folder, const QString &serial, QString *path);
 
 private:
+    // What m_scaler was built for.
+    struct ScalerGeometry
+    {
+        int srcWidth = 0;
+        int srcHeight = 0;
+        int srcFormat = -1;
+        int dstWidth = 0;
+        int dstHeight = 0;
+        bool operator==(const ScalerGeometry &o) const
+        {
+            return srcWidth == o.srcWidth && srcHeight == o.srcHeight && srcFormat == o.srcFormat
+                   && dstWidth == o.dstWidth && dstHeight == o.dstHeight;
+        }
+    };
+
     QMutex m_mutex;
     SwsContext *m_scaler = nullptr;
+    ScalerGeometry m_scalerGeometry;
 };

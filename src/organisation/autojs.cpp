@@ -1,7 +1,7 @@
 #include "autojs.h"
 
-#include "adbclient.h"
-#include "adbpool.h"
+#include "adbtask.h"
+#include "adbworkpool.h"
 #include "autojsprotocol.h"
 #include "device.h"
 
@@ -54,27 +54,42 @@ void Autojs::run(const QString &autojsPath)
     m_socket->abort();
     m_receiveBuffer.clear();
 
+    dropForward();
     if (!m_device) {
         report(tr("Failed to connect to AutoJS server"), "error", 5000);
         return;
     }
-    // The rest happens when the forward, then the connection, is up or has failed; the user
-    // interface keeps running.
-    m_pendingPath = autojsPath;
-    const QString serial = m_device->adbConnectionSerial();
-    const quint16 localPort = m_localPort;
-    AdbPool::run(this, [serial, localPort] { return AdbClient::forward(serial, localPort, RemotePort); },
-                 [this, autojsPath](bool forwarded) {
-                     if (m_pendingPath != autojsPath)
-                         return;
-                     if (!forwarded) {
-                         m_pendingPath.clear();
-                         report(tr("Failed to connect to AutoJS server"), "error", 5000);
-                         return;
-                     }
-                     m_connectTimer->start(connectTimeoutMs);
-                     m_socket->connectToHost(QHostAddress::LocalHost, m_localPort);
-                 });
+    // The forward runs on the adb work pool, so a whole group's runs never hold up the window.
+    const QStringList args{"-s", m_device->adbConnectionSerial(), "forward", "tcp:" + QString::number(m_localPort),
+                           "tcp:" + QString::number(RemotePort)};
+    m_forward = new AdbTask({{args, AdbResult::Kind::Command, true, false}});
+    connect(m_forward, &AdbTask::finished, this, [this, autojsPath](const AdbResult &result) {
+        dropForward();
+        if (!result.ok()) {
+            report(tr("Failed to connect to AutoJS server"), "error", 5000);
+            return;
+        }
+        // The rest happens when the connection is up or has failed.
+        m_pendingPath = autojsPath;
+        m_connectTimer->start(connectTimeoutMs);
+        m_socket->connectToHost(QHostAddress::LocalHost, m_localPort);
+    });
+    AdbWorkPool::instance()->submit(m_forward);
+}
+
+void Autojs::dropForward()
+{
+    if (!m_forward)
+        return;
+    m_forward->disconnect(this);
+    AdbWorkPool::cancel(m_forward);
+    m_forward->deleteLater();
+    m_forward = nullptr;
+}
+
+Autojs::~Autojs()
+{
+    dropForward();
 }
 
 void Autojs::handleConnectFailed()

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
+class AdbTask;
 class Device;
 class QTcpSocket;
 class QTimer;
@@ -25,6 +26,7 @@ public:
 
     // The parent is the owning Device.
     explicit Autojs(QObject *parent);
+    ~Autojs() override;
 
     bool isRunning() const { return m_running; }
     quint16 localPort() const { return m_localPort; }
@@ -46,6 +48,7 @@ private:
     void handleReadyRead();
     void sendData(const QJsonObject &data);
     void report(const QString &message, const QString &type, int timeout);
+    void dropForward();
 
     QPointer<Device> m_device;
     QTcpSocket *m_socket;
@@ -55,4 +58,6 @@ private:
     quint16 m_localPort = 0;
     // The script waiting for the connection; empty when none is pending.
     QString m_pendingPath;
+    // The adb forward of the run under way, on the adb work pool.
+    AdbTask *m_forward = nullptr;
 };

@@ -1,13 +1,16 @@
 #include "devicegroup.h"
 
+#include "adbtask.h"
 #include "autojs.h"
 #include "controller.h"
 #include "device.h"
+#include "groupoperation.h"
 #include "groupreplay.h"
 #include "serverparams.h"
 
 #include <QFutureWatcher>
 #include <QPointer>
+#include <QQmlEngine>
 #include <QRandomGenerator>
 #include <QTimer>
 #include <QtConcurrent>
@@ -16,8 +19,6 @@
 
 namespace {
 DeviceGroup::StaggerIntervals stagger;
-
-const QString kDashLine = QStringLiteral("--------------------------------\n");
 }
 
 void DeviceGroup::setStaggerIntervals(const StaggerIntervals &intervals)
@@ -77,10 +78,13 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
         return false;
     for (int i = 0; i < deviceInfos.size(); ++i) {
         const ADBDeviceInfo &info = deviceInfos.at(i);
+        remember(info.adb_serial);
         // A child of the group from the start, so a group that ends before the insertion takes it along.
         auto *device = new Device(this, this, info.adb_serial);
         device->setConnectionType(info.is_usb_connection ? Device::USB : Device::WiFi);
+        m_arriving.append(device);
         QTimer::singleShot(i * stagger.addMs, this, [this, guard = QPointer<Device>(device)] {
+            m_arriving.removeAll(guard);
             if (guard)
                 insertDevice(guard);
         });
@@ -88,18 +92,30 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
     return true;
 }
 
-void DeviceGroup::appendRow(Device *device)
+void DeviceGroup::placeRow(Device *device)
 {
-    beginInsertRows(QModelIndex(), m_devices.size(), m_devices.size());
+    const int position = m_memberSerials.indexOf(device->adbConnectionSerial());
+    int row = m_devices.size();
+    if (position >= 0) {
+        for (int i = 0; i < m_devices.size(); ++i) {
+            if (m_memberSerials.indexOf(m_devices.at(i)->adbConnectionSerial()) > position) {
+                row = i;
+                break;
+            }
+        }
+    }
+    beginInsertRows(QModelIndex(), row, row);
     device->setParent(this);
     device->setDeviceGroup(this);
-    m_devices.append(device);
+    m_devices.insert(row, device);
     endInsertRows();
+    if (row < m_devices.size() - 1)
+        announceIndexes();
 }
 
 void DeviceGroup::insertDevice(Device *device)
 {
-    appendRow(device);
+    placeRow(device);
     applySettingsToDevice(device, QRandomGenerator::global()->generate());
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
@@ -110,9 +126,36 @@ void DeviceGroup::appendDevice(Device *device)
 {
     if (!device || m_devices.contains(device))
         return;
-    appendRow(device);
+    remember(device->adbConnectionSerial());
+    placeRow(device);
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
+}
+
+void DeviceGroup::remember(const QString &serial)
+{
+    if (serial.isEmpty() || m_memberSerials.contains(serial))
+        return;
+    m_memberSerials.append(serial);
+    emit membersChanged();
+}
+
+void DeviceGroup::setMemberSerials(const QStringList &serials)
+{
+    m_memberSerials = serials;
+}
+
+void DeviceGroup::forgetMember(const QString &serial)
+{
+    if (m_memberSerials.removeAll(serial) > 0)
+        emit membersChanged();
+}
+
+bool DeviceGroup::holdsSerial(const QString &serial) const
+{
+    const auto same = [&serial](const Device *device) { return device && device->adbConnectionSerial() == serial; };
+    return std::any_of(m_devices.cbegin(), m_devices.cend(), same)
+           || std::any_of(m_arriving.cbegin(), m_arriving.cend(), same);
 }
 
 void DeviceGroup::dropHost()
@@ -146,6 +189,7 @@ void DeviceGroup::removeDevice(Device *device)
     if (device == m_hostDevice)
         dropHost();
     takeRow(device);
+    forgetMember(device->adbConnectionSerial());
     emit deviceCountChanged();
     emit deviceRemovedFromGroup(device);
     announceIndexes();
@@ -183,13 +227,15 @@ void DeviceGroup::moveDevicesToGroup(const QStringList &serials, DeviceGroup *ta
             dropHost();
         device->setDeviceGroup(targetGroup);
         takeRow(device);
+        forgetMember(device->adbConnectionSerial());
         emit deviceRemovedFromGroup(device);
     }
     emit deviceCountChanged();
     announceIndexes();
 
     for (Device *device : std::as_const(moving)) {
-        targetGroup->appendRow(device);
+        targetGroup->remember(device->adbConnectionSerial());
+        targetGroup->placeRow(device);
         targetGroup->applySettingsToDevice(device, QRandomGenerator::global()->generate());
         emit targetGroup->deviceAddedIntoGroup(device);
     }
@@ -235,15 +281,11 @@ void DeviceGroup::replayHostMessage(const ControlMsg &msg)
 
 void DeviceGroup::startAllDevices()
 {
-    int scheduled = 0;
+    // All at once: the adb pool lets only a few launches talk to adb at the same time, so a
+    // hundred phones neither flood the adb server nor wait for a fixed stagger.
     for (Device *device : std::as_const(m_devices)) {
-        if (device->running())
-            continue;
-        QTimer::singleShot(scheduled * stagger.startMs, this, [guard = QPointer<Device>(device)] {
-            if (guard)
-                guard->startScrcpySession();
-        });
-        ++scheduled;
+        if (!device->running())
+            device->startScrcpySession();
     }
 }
 
@@ -257,28 +299,52 @@ void DeviceGroup::stopAllDevices()
     }
 }
 
-void DeviceGroup::screenshotAllDevices()
+GroupOperation *DeviceGroup::beginOperation()
 {
-    for (Device *device : std::as_const(m_devices))
-        device->takeScreenshot();
+    // An earlier operation runs on to its end and then goes; the dialog shows the newest.
+    if (m_operation) {
+        GroupOperation *previous = m_operation;
+        if (previous->running())
+            connect(previous, &GroupOperation::finished, previous, &QObject::deleteLater);
+        else
+            previous->deleteLater();
+    }
+    m_operation = new GroupOperation(this);
+    // Handed to QML as a return value: the group keeps it, not the script's garbage collector.
+    QQmlEngine::setObjectOwnership(m_operation, QQmlEngine::CppOwnership);
+    emit operationChanged();
+    return m_operation;
 }
 
-void DeviceGroup::installApk(const QString &apkPath)
+GroupOperation *DeviceGroup::screenshotAllDevices()
 {
-    for (Device *device : std::as_const(m_devices))
-        device->installAPK(apkPath);
+    GroupOperation *operation = beginOperation();
+    operation->startDeviceCalls(tr("Screenshot"), m_devices, [](Device *device) { device->takeScreenshot(); });
+    return operation;
 }
 
-void DeviceGroup::uploadFile(const QString &filePath)
+GroupOperation *DeviceGroup::installApk(const QString &apkPath)
 {
-    for (Device *device : std::as_const(m_devices))
-        device->uploadFile(filePath);
+    GroupOperation *operation = beginOperation();
+    operation->startAdb(tr("Install APK"), m_devices,
+                        [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
+    return operation;
 }
 
-void DeviceGroup::runAutojs(const QString &autojsPath)
+GroupOperation *DeviceGroup::uploadFile(const QString &filePath)
 {
-    for (Device *device : std::as_const(m_devices))
-        device->runAutojs(autojsPath);
+    GroupOperation *operation = beginOperation();
+    operation->startAdb(tr("Upload File"), m_devices,
+                        [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
+    return operation;
+}
+
+GroupOperation *DeviceGroup::runAutojs(const QString &autojsPath)
+{
+    GroupOperation *operation = beginOperation();
+    operation->startDeviceCalls(tr("Run AutoJS"), m_devices,
+                                [autojsPath](Device *device) { device->runAutojs(autojsPath); }, true);
+    return operation;
 }
 
 void DeviceGroup::stopAllAutojs()
@@ -289,19 +355,12 @@ void DeviceGroup::stopAllAutojs()
     }
 }
 
-QString DeviceGroup::executeADBCommand(const QString &input)
+GroupOperation *DeviceGroup::executeADBCommand(const QString &input)
 {
-    QString report;
-    // A copy: a device may leave the group while adb blocks.
-    const QList<QPointer<Device>> devices(m_devices.cbegin(), m_devices.cend());
-    for (int i = 0; i < devices.size(); ++i) {
-        report += QStringLiteral("Device %1:\n").arg(i + 1);
-        report += kDashLine;
-        if (devices.at(i))
-            report += devices.at(i)->executeADBCommand(input);
-        report += "\n\n";
-    }
-    return report;
+    GroupOperation *operation = beginOperation();
+    operation->startAdb(tr("ADB Command"), m_devices,
+                        [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
+    return operation;
 }
 
 void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const

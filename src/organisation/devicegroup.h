@@ -5,12 +5,14 @@
 #include <QAbstractListModel>
 #include <QJsonObject>
 #include <QList>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
 class Device;
+class GroupOperation;
 struct ControlMsg;
 
 // A named, ordered collection of phone sessions with the stream and layout settings they share.
@@ -21,6 +23,7 @@ class DeviceGroup : public QAbstractListModel
     Q_OBJECT
     QML_ELEMENT
     Q_MOC_INCLUDE("device.h")
+    Q_MOC_INCLUDE("groupoperation.h")
     Q_PROPERTY(QString name READ name NOTIFY nameChanged)
     Q_PROPERTY(int deviceCount READ deviceCount NOTIFY deviceCountChanged)
     Q_PROPERTY(QVariantList devicesForRepeater READ getDevicesForRepeater NOTIFY deviceCountChanged)
@@ -38,6 +41,7 @@ class DeviceGroup : public QAbstractListModel
     Q_PROPERTY(bool enableAudio READ enableAudio WRITE setEnableAudio NOTIFY enableAudioChanged)
     Q_PROPERTY(Orientation orientation READ orientation WRITE setOrientation NOTIFY orientationChanged)
     Q_PROPERTY(int bigViewWidth READ bigViewWidth WRITE setBigViewWidth NOTIFY bigViewWidthChanged)
+    Q_PROPERTY(GroupOperation *operation READ operation NOTIFY operationChanged)
 
 public:
     enum Orientation { Portrait = 0, Landscape = 1 };
@@ -49,7 +53,6 @@ public:
     struct StaggerIntervals
     {
         int addMs = 200;
-        int startMs = 200;
         int stopMs = 300;
         int clearMs = 500;
     };
@@ -69,6 +72,8 @@ public:
     int indexOf(Device *device) const { return m_devices.indexOf(device); }
     bool groupControlMode() const { return m_hostDevice != nullptr; }
     Device *hostDevice() const { return m_hostDevice; }
+    // The latest operation started on the whole group.
+    GroupOperation *operation() const { return m_operation; }
 
     bool showControlButtons() const { return m_showControlButtons; }
     int maxSize() const { return m_maxSize; }
@@ -89,6 +94,14 @@ public:
     // Removes the row and deletes the device later; a device not in the group is ignored.
     void removeDevice(Device *device);
 
+    // The serials of the group's phones in position order, attached or not: a phone that comes
+    // back takes its old place. Loading sets them without a signal.
+    const QStringList &memberSerials() const { return m_memberSerials; }
+    void setMemberSerials(const QStringList &serials);
+    void forgetMember(const QString &serial);
+    // Whether a session for the serial is in the group or on its way in.
+    bool holdsSerial(const QString &serial) const;
+
     // The settings record of device_groups.json. Loading stores the values without saving or
     // applying them; a missing key or one of the wrong type takes its default.
     void loadSettings(const QJsonObject &settings);
@@ -106,11 +119,12 @@ public:
     Q_INVOKABLE void stopGroupControl();
     Q_INVOKABLE void startAllDevices();
     Q_INVOKABLE void stopAllDevices();
-    Q_INVOKABLE void screenshotAllDevices();
-    Q_INVOKABLE void installApk(const QString &apkPath);
-    Q_INVOKABLE void uploadFile(const QString &filePath);
-    Q_INVOKABLE void runAutojs(const QString &autojsPath);
-    Q_INVOKABLE QString executeADBCommand(const QString &input);
+    // Each starts a GroupOperation on every phone at once and returns it (also as `operation`).
+    Q_INVOKABLE GroupOperation *screenshotAllDevices();
+    Q_INVOKABLE GroupOperation *installApk(const QString &apkPath);
+    Q_INVOKABLE GroupOperation *uploadFile(const QString &filePath);
+    Q_INVOKABLE GroupOperation *runAutojs(const QString &autojsPath);
+    Q_INVOKABLE GroupOperation *executeADBCommand(const QString &input);
     Q_INVOKABLE void stopAllAutojs();
     Q_INVOKABLE void setShowControlButtons(bool showControlButtons);
     Q_INVOKABLE void setMaxSize(int maxSize);
@@ -128,6 +142,7 @@ public:
     Q_INVOKABLE QVariantList getDevicesForRepeater() const;
 
 signals:
+    void operationChanged();
     void nameChanged();
     void deviceCountChanged();
     void deviceAddedIntoGroup(Device *device);
@@ -147,12 +162,16 @@ signals:
     void orientationChanged();
     void bigViewWidthChanged();
     void settingsChanged();
+    void membersChanged();
 
 private:
     // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
     // `random` (ignored when the delay setting is below one second).
     void applySettingsToDevice(Device *device, quint32 random) const;
-    void appendRow(Device *device);
+    GroupOperation *beginOperation();
+    // Inserts the row at the device's remembered position, or last.
+    void placeRow(Device *device);
+    void remember(const QString &serial);
     void insertDevice(Device *device);
     void takeRow(Device *device);
     void dropHost();
@@ -162,8 +181,12 @@ private:
     void changeSetting(T &field, T value, void (DeviceGroup::*changed)());
 
     Device *m_hostDevice = nullptr;
+    GroupOperation *m_operation = nullptr;
     QString m_name;
     QList<Device *> m_devices;
+    QStringList m_memberSerials;
+    // Devices made by addDevices and waiting for their staggered insertion.
+    QList<QPointer<Device>> m_arriving;
     bool m_showControlButtons = true;
     int m_maxSize = 720;
     int m_maxFPS = 30;

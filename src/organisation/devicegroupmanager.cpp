@@ -28,6 +28,11 @@ DeviceGroupManager::DeviceGroupManager(QObject *parent)
     emit currentSelectedGroupChanged();
     connect(m_scanWatcher, &QFutureWatcher<ScanResult>::finished, this, &DeviceGroupManager::finishScan);
     connect(DeviceTracker::instance(), &DeviceTracker::devicesChanged, this, &DeviceGroupManager::refreshFromAdb);
+    // The remembered phones that are attached now come back without waiting for a scan.
+    const bool remembersPhones = std::any_of(m_deviceGroups.cbegin(), m_deviceGroups.cend(),
+                                             [](const DeviceGroup *group) { return !group->memberSerials().isEmpty(); });
+    if (remembersPhones)
+        scanDevices();
 }
 
 DeviceGroupManager::~DeviceGroupManager()
@@ -54,27 +59,79 @@ int DeviceGroupManager::totalDeviceCount() const
 
 void DeviceGroupManager::load()
 {
-    const QJsonArray groups = JsonFile::read(filePath()).value("device_groups").toArray();
-    for (const QJsonValue &value : groups) {
-        const QJsonObject element = value.toObject();
-        const QString name = element.value("name").toString();
-        if (name.isEmpty())
-            continue;
+    const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_groups", QJsonValue::Array);
+    m_saveBlocked = loaded.blocked;
+    m_fileMessage = loaded.message;
+    for (const StoredGroup &stored : storedGroups(loaded.object)) {
         auto *group = new DeviceGroup(this);
-        group->renameTo(name);
-        if (element.contains("settings"))
-            group->loadSettings(element.value("settings").toObject());
+        group->renameTo(stored.name);
+        if (stored.hasSettings)
+            group->loadSettings(stored.settings);
+        group->setMemberSerials(stored.devices);
         adopt(group);
     }
 }
 
-void DeviceGroupManager::save() const
+QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJsonObject &file)
 {
+    QList<StoredGroup> groups;
+    QSet<QString> claimed;
+    for (const QJsonValue &value : file.value("device_groups").toArray()) {
+        const QJsonObject element = value.toObject();
+        StoredGroup group;
+        group.name = element.value("name").toString();
+        if (group.name.isEmpty())
+            continue;
+        group.hasSettings = element.contains("settings");
+        group.settings = element.value("settings").toObject();
+        for (const QJsonValue &serial : element.value("devices").toArray()) {
+            const QString text = serial.toString();
+            if (!text.isEmpty() && !claimed.contains(text)) {
+                claimed.insert(text);
+                group.devices.append(text);
+            }
+        }
+        groups.append(group);
+    }
+    return groups;
+}
+
+void DeviceGroupManager::save()
+{
+    if (m_saveBlocked)
+        return;
     QJsonArray groups;
-    for (const DeviceGroup *group : m_deviceGroups)
-        groups.append(QJsonObject{{"name", group->name()}, {"settings", group->settingsToJson()}});
-    // A failed write leaves the previous file in place; there is nobody to tell.
-    JsonFile::write(filePath(), QJsonObject{{"device_groups", groups}});
+    for (const DeviceGroup *group : std::as_const(m_deviceGroups)) {
+        groups.append(QJsonObject{{"name", group->name()},
+                                  {"settings", group->settingsToJson()},
+                                  {"devices", QJsonArray::fromStringList(group->memberSerials())}});
+    }
+    // A failed write leaves the previous file in place and the groups in memory.
+    const QString notSaved = JsonFile::notSavedMessage(filePath());
+    if (!JsonFile::write(filePath(), QJsonObject{{"device_groups", groups}}))
+        setFileMessage(notSaved);
+    else if (m_fileMessage == notSaved)
+        setFileMessage({});
+}
+
+void DeviceGroupManager::setFileMessage(const QString &message)
+{
+    if (message == m_fileMessage)
+        return;
+    m_fileMessage = message;
+    emit fileMessageChanged();
+}
+
+void DeviceGroupManager::claimMembers(DeviceGroup *owner)
+{
+    // A copy: forgetting in one group lets that group claim in turn.
+    const QStringList serials = owner->memberSerials();
+    for (DeviceGroup *group : std::as_const(m_deviceGroups)) {
+        if (group == owner)
+            continue;
+        for (const QString &serial : serials)
+            group->forgetMember(serial);
+    }
 }
 
 void DeviceGroupManager::adopt(DeviceGroup *group)
@@ -86,6 +143,13 @@ void DeviceGroupManager::adopt(DeviceGroup *group)
         emit deviceGroupsChanged();
     });
     connect(group, &DeviceGroup::settingsChanged, this, &DeviceGroupManager::save);
+    connect(group, &DeviceGroup::membersChanged, this, [this, group] {
+        // A removed group is no longer saved and claims nothing.
+        if (!m_deviceGroups.contains(group))
+            return;
+        claimMembers(group);
+        save();
+    });
     m_deviceGroups.append(group);
 }
 
@@ -162,12 +226,33 @@ void DeviceGroupManager::refreshFromAdb()
     refreshAvailableDevices(DeviceTracker::instance()->devices());
 }
 
+void DeviceGroupManager::placeKnownDevices(const QList<ADBDeviceInfo> &listed)
+{
+    const auto heldAnywhere = [this](const QString &serial) {
+        return std::any_of(m_deviceGroups.cbegin(), m_deviceGroups.cend(),
+                           [&serial](const DeviceGroup *group) { return group->holdsSerial(serial); });
+    };
+    for (DeviceGroup *group : std::as_const(m_deviceGroups)) {
+        QList<ADBDeviceInfo> returning;
+        for (const QString &serial : group->memberSerials()) {
+            const auto info = std::find_if(listed.cbegin(), listed.cend(),
+                                           [&serial](const ADBDeviceInfo &each) { return each.adb_serial == serial; });
+            if (info != listed.cend() && !heldAnywhere(serial))
+                returning.append(*info);
+        }
+        group->addDevices(returning);
+    }
+}
+
 void DeviceGroupManager::refreshAvailableDevices(const QList<ADBDeviceInfo> &listed)
 {
+    placeKnownDevices(listed);
     QSet<QString> grouped;
     for (const DeviceGroup *group : std::as_const(m_deviceGroups)) {
         for (const Device *device : group->devices())
             grouped.insert(device->adbConnectionSerial());
+        for (const QString &serial : group->memberSerials())
+            grouped.insert(serial);
     }
     QList<ADBDeviceInfo> available;
     for (const ADBDeviceInfo &info : listed) {

@@ -3,9 +3,11 @@
 #include "adbdeviceinfo.h"
 
 #include <QFutureWatcher>
+#include <QJsonObject>
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
 class Device;
@@ -25,6 +27,7 @@ class DeviceGroupManager : public QObject
     Q_PROPERTY(DeviceGroup *currentSelectedGroup READ currentSelectedGroup WRITE setCurrentSelectedGroup
                    NOTIFY currentSelectedGroupChanged)
     Q_PROPERTY(int totalDeviceCount READ totalDeviceCount)
+    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     explicit DeviceGroupManager(QObject *parent = nullptr);
@@ -35,9 +38,22 @@ public:
     QList<DeviceGroup *> deviceGroups() const { return m_deviceGroups; }
     DeviceGroup *currentSelectedGroup() const { return m_currentSelectedGroup; }
     int totalDeviceCount() const;
+    // What went wrong with device_groups.json, for the user; empty when nothing did.
+    QString fileMessage() const { return m_fileMessage; }
 
     // The full path of device_groups.json in the folder chosen in the settings.
     static QString filePath();
+
+    // One group as device_groups.json holds it.
+    struct StoredGroup
+    {
+        QString name;
+        bool hasSettings = false;
+        QJsonObject settings;
+        QStringList devices;
+    };
+    // The usable groups of the file's object: named ones, each serial kept by its first group only.
+    static QList<StoredGroup> storedGroups(const QJsonObject &file);
 
     Q_INVOKABLE void handleDeviceAdded(Device *device);
     Q_INVOKABLE void handleDeviceRemoved(Device *device);
@@ -49,6 +65,9 @@ public:
     // Restarts in the background; adbServerRestarted follows.
     Q_INVOKABLE void restartADBServer();
 
+    // Puts every listed phone that a group remembers back into that group, at its position.
+    void placeKnownDevices(const QList<ADBDeviceInfo> &listed);
+
 signals:
     void currentSelectedGroupChanged();
     void isScanningChanged();
@@ -56,6 +75,7 @@ signals:
     void deviceGroupsChanged();
     void scanError(const QString &message);
     void adbServerRestarted(bool restarted);
+    void fileMessageChanged();
 
 private:
     struct ScanResult
@@ -66,8 +86,11 @@ private:
     static ScanResult listDevices();
 
     void load();
-    void save() const;
+    void save();
+    void setFileMessage(const QString &message);
     void adopt(DeviceGroup *group);
+    // A serial belongs to one group: the one that took it last.
+    void claimMembers(DeviceGroup *owner);
     void refreshAvailableDevices(const QList<ADBDeviceInfo> &listed);
     void refreshFromAdb();
     void finishScan();
@@ -77,4 +100,7 @@ private:
     bool m_isScanning = false;
     QList<ADBDeviceInfo> m_availableDeviceInfos;
     QFutureWatcher<ScanResult> *m_scanWatcher;
+    QString m_fileMessage;
+    // The file could be neither read nor moved aside: it is never replaced.
+    bool m_saveBlocked = false;
 };

@@ -32,12 +32,22 @@ QString DeviceSettings::filePath() const
 void DeviceSettings::reload()
 {
     m_nicknames.clear();
-    const QJsonObject members = JsonFile::read(filePath()).value("device_nicknames").toObject();
+    const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_nicknames", QJsonValue::Object);
+    m_saveBlocked = loaded.blocked;
+    setFileMessage(loaded.message);
+    m_nicknames = nicknamesFrom(loaded.object);
+}
+
+QMap<QString, QString> DeviceSettings::nicknamesFrom(const QJsonObject &file)
+{
+    QMap<QString, QString> nicknames;
+    const QJsonObject members = file.value("device_nicknames").toObject();
     for (auto it = members.begin(); it != members.end(); ++it) {
         const QString nickname = it.value().toString();
         if (it.value().isString() && !nickname.isEmpty())
-            m_nicknames.insert(it.key(), nickname);
+            nicknames.insert(it.key(), nickname);
     }
+    return nicknames;
 }
 
 void DeviceSettings::save()
@@ -45,7 +55,22 @@ void DeviceSettings::save()
     QJsonObject members;
     for (auto it = m_nicknames.cbegin(); it != m_nicknames.cend(); ++it)
         members.insert(it.key(), it.value());
-    JsonFile::write(filePath(), QJsonObject{{"device_nicknames", members}});
+    if (m_saveBlocked)
+        return;
+    // A failed write leaves the previous file in place and the nicknames in memory.
+    const QString notSaved = JsonFile::notSavedMessage(filePath());
+    if (!JsonFile::write(filePath(), QJsonObject{{"device_nicknames", members}}))
+        setFileMessage(notSaved);
+    else if (m_fileMessage == notSaved)
+        setFileMessage({});
+}
+
+void DeviceSettings::setFileMessage(const QString &message)
+{
+    if (message == m_fileMessage)
+        return;
+    m_fileMessage = message;
+    emit fileMessageChanged();
 }
 
 void DeviceSettings::sync()

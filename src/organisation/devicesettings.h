@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -15,6 +16,7 @@ class DeviceSettings : public QObject
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
+    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     static DeviceSettings *instance();
@@ -28,15 +30,24 @@ public:
     Q_INVOKABLE void sync();
 
     QString filePath() const;
+    // The nicknames of the file's object: members whose value is a non-empty string.
+    static QMap<QString, QString> nicknamesFrom(const QJsonObject &file);
+    // What went wrong with device_nicknames.json, for the user; empty when nothing did.
+    QString fileMessage() const { return m_fileMessage; }
     // Reads the file again, dropping what is in memory; the application reads it once at start.
     void reload();
 
 signals:
     void deviceNicknameChanged(const QString &serial, const QString &nickname);
+    void fileMessageChanged();
 
 private:
     DeviceSettings();
     void save();
+    void setFileMessage(const QString &message);
 
     QMap<QString, QString> m_nicknames;
+    QString m_fileMessage;
+    // The file could be neither read nor moved aside: it is never replaced.
+    bool m_saveBlocked = false;
 };

@@ -17,14 +17,15 @@ int scaled(int value, double ratio)
 ControlMsg rescaled(const ControlMsg &msg, const QSize &hostFrame, const QSize &targetFrame)
 {
     ControlMsg copy = msg;
-    if (msg.type != ControlMsgType::InjectTouchEvent)
+    if (msg.type != ControlMsgType::InjectTouchEvent && msg.type != ControlMsgType::InjectScrollEvent)
         return copy;
     // A phone whose video has not started yet gets the host's coordinates as they are.
     if (hostFrame.width() <= 0 || hostFrame.height() < 1 || targetFrame.width() < 1 || targetFrame.height() <= 0)
         return copy;
     const double rx = double(targetFrame.width()) / hostFrame.width();
     const double ry = double(targetFrame.height()) / hostFrame.height();
-    ControlPosition &position = copy.touch.position;
+    ControlPosition &position =
+        msg.type == ControlMsgType::InjectTouchEvent ? copy.touch.position : copy.scroll.position;
     position.point = QPoint(scaled(position.point.x(), rx), scaled(position.point.y(), ry));
     position.screenSize = QSize(scaled(position.screenSize.width(), rx), scaled(position.screenSize.height(), ry));
     return copy;

@@ -17,7 +17,7 @@ struct Target
     QSize frameSize;
 };
 
-// The copy for one phone. Only a touch changes, and only when both frame sizes are known; the
+// The copy for one phone. Only a touch or a scroll changes, and only when both frame sizes are known; the
 // position and the screen size scale by target over host, halves rounded away from zero.
 ControlMsg rescaled(const ControlMsg &msg, const QSize &hostFrame, const QSize &targetFrame);
 

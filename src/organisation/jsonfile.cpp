@@ -1,5 +1,7 @@
 #include "jsonfile.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -16,6 +18,61 @@ QJsonObject read(const QString &path)
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
+Loaded load(const QString &path, const QString &key, QJsonValue::Type type)
+{
+    Loaded loaded;
+    QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink())
+        return loaded;
+    QFile file(path);
+    bool usable = false;
+    if (info.isFile() && file.open(QIODevice::ReadOnly)) {
+        usable = parse(file.readAll(), key, type, &loaded.object);
+        file.close();
+    }
+    if (usable)
+        return loaded;
+
+    loaded.keptAs = keepAside(path);
+    const QString name = QDir::toNativeSeparators(path);
+    if (loaded.keptAs.isEmpty()) {
+        loaded.blocked = true;
+        loaded.message = QCoreApplication::translate(
+                             "JsonFile", "%1 could not be read and could not be moved aside. Korvel will not save "
+                                         "over it; changes are kept only until Korvel closes.")
+                             .arg(name);
+    } else {
+        loaded.message = QCoreApplication::translate("JsonFile",
+                                                     "%1 could not be read. It was kept as %2 and Korvel started "
+                                                     "without it.")
+                             .arg(name, QDir::toNativeSeparators(loaded.keptAs));
+    }
+    return loaded;
+}
+
+bool parse(const QByteArray &bytes, const QString &key, QJsonValue::Type type, QJsonObject *object)
+{
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        return false;
+    const QJsonValue value = document.object().value(key);
+    if (!value.isUndefined() && value.type() != type)
+        return false;
+    *object = document.object();
+    return true;
+}
+
+QString keepAside(const QString &path)
+{
+    const QString stem = path + ".corrupt-" + QDateTime::currentDateTime().toString("yyyyMMdd-hhmmss");
+    QString target = stem;
+    // Two bad files within one second must not meet at the same name.
+    for (int n = 2; QFileInfo::exists(target) || QFileInfo(target).isSymLink(); ++n)
+        target = stem + "-" + QString::number(n);
+    return QFile::rename(path, target) ? target : QString();
+}
+
 bool write(const QString &path, const QJsonObject &object)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -29,6 +86,12 @@ bool write(const QString &path, const QJsonObject &object)
         return false;
     }
     return file.commit();
+}
+
+QString notSavedMessage(const QString &path)
+{
+    return QCoreApplication::translate("JsonFile", "%1 could not be saved. Changes are kept only until Korvel closes.")
+        .arg(QDir::toNativeSeparators(path));
 }
 
 }

@@ -2,6 +2,9 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/jsonfile.h ${CMAKE_CURRENT_LIST_DIR}/jsonfile.cpp
     ${CMAKE_CURRENT_LIST_DIR}/devicesettings.h ${CMAKE_CURRENT_LIST_DIR}/devicesettings.cpp
     ${CMAKE_CURRENT_LIST_DIR}/colormanager.h ${CMAKE_CURRENT_LIST_DIR}/colormanager.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/commonphrase.h ${CMAKE_CURRENT_LIST_DIR}/commonphrase.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/phrasecategory.h ${CMAKE_CURRENT_LIST_DIR}/phrasecategory.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/commonphrasemanager.h ${CMAKE_CURRENT_LIST_DIR}/commonphrasemanager.cpp
 )
 list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/devicegroup.h ${CMAKE_CURRENT_LIST_DIR}/devicegroup.cpp
@@ -15,4 +18,7 @@ list(APPEND KORVEL_SOURCES
 list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/autojsprotocol.h ${CMAKE_CURRENT_LIST_DIR}/autojsprotocol.cpp
     ${CMAKE_CURRENT_LIST_DIR}/autojs.h ${CMAKE_CURRENT_LIST_DIR}/autojs.cpp
+)
+list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/groupoperation.h ${CMAKE_CURRENT_LIST_DIR}/groupoperation.cpp
 )

@@ -3,11 +3,14 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Korvel
 
-// Raw adb commands on one phone or on every phone of a group. adb runs synchronously.
+// Raw adb commands on one phone or on every phone of a group, all phones at once; each phone's
+// answer streams into its own row.
 Dialog {
     id: dialog
     property Device device: null
     property DeviceGroup deviceGroup: null
+    // The run on display: the group's, or this dialog's own for a single phone.
+    property GroupOperation operation: null
 
     title: qsTr("ADB Command")
     modal: true
@@ -20,11 +23,15 @@ Dialog {
         const input = inputArea.text
         if (input.trim().length === 0)
             return
-        if (device)
-            outputArea.text = device.executeADBCommand(input)
-        if (deviceGroup)
-            outputArea.text = deviceGroup.executeADBCommand(input)
+        if (deviceGroup) {
+            operation = deviceGroup.executeADBCommand(input)
+        } else if (device) {
+            ownOperation.runCommand([device], input)
+            operation = ownOperation
+        }
     }
+
+    GroupOperation { id: ownOperation }
 
     background: Rectangle {
         color: ColorManager.backgroundDarkGray
@@ -69,26 +76,19 @@ Dialog {
             font.bold: true
         }
 
-        ScrollView {
+        Text {
+            text: qsTr("Command output will be displayed here...")
+            visible: dialog.operation === null
+            color: ColorManager.textGray
+            font.pixelSize: Theme.fontSmall
+        }
+
+        GroupOperationView {
+            objectName: "adbCommandOutput"
             Layout.fillWidth: true
             Layout.fillHeight: true
-            TextArea {
-                id: outputArea
-                objectName: "adbCommandOutput"
-                readOnly: true
-                selectByMouse: true
-                placeholderText: qsTr("Command output will be displayed here...")
-                placeholderTextColor: ColorManager.textGray
-                color: ColorManager.textWhite
-                font.family: "monospace"
-                font.pixelSize: Theme.fontSmall
-                wrapMode: TextArea.WrapAnywhere
-                background: Rectangle {
-                    color: ColorManager.backgroundPureBlack
-                    radius: Theme.radius
-                    border.color: ColorManager.borderDarkGray
-                }
-            }
+            visible: dialog.operation !== null
+            operation: dialog.operation
         }
 
         RowLayout {
@@ -103,7 +103,9 @@ Dialog {
                 text: qsTr("Clear")
                 textColor: ColorManager.textWhite
                 onClicked: {
-                    outputArea.text = ""
+                    if (dialog.operation && dialog.operation.running)
+                        dialog.operation.cancel()
+                    dialog.operation = null
                     inputArea.text = ""
                 }
             }

@@ -9,7 +9,6 @@ Dialog {
     modal: true
     anchors.centerIn: Overlay.overlay
     width: 420
-    standardButtons: Dialog.Close
 
     background: Rectangle {
         color: ColorManager.backgroundDarkGray
@@ -46,6 +45,13 @@ Dialog {
             font.pixelSize: Theme.fontSmall
             wrapMode: Text.WordWrap
             horizontalAlignment: Text.AlignHCenter
+        }
+        KVButton {
+            objectName: "aboutClose"
+            Layout.alignment: Qt.AlignRight
+            text: qsTr("Close")
+            textColor: ColorManager.textWhite
+            onClicked: dialog.close()
         }
     }
 }

@@ -12,6 +12,7 @@ Dialog {
     width: 640
 
     property string selectedLocale
+    property int adbMaxProcesses: 8
     property var paths: ({})
 
     readonly property var languages: [
@@ -30,6 +31,8 @@ Dialog {
 
     onAboutToShow: {
         selectedLocale = AppConfig.getLocale()
+        adbMaxProcesses = parseInt(AppConfig.getAppSetting("adbMaxProcesses", "8")) || 8
+        adbProcessesBox.value = adbMaxProcesses
         paths = {
             video: AppConfig.getVideoSavePath(),
             screenshot: AppConfig.getScreenshotSavePath(),
@@ -50,6 +53,7 @@ Dialog {
 
     function save() {
         AppConfig.setLocale(selectedLocale)
+        AppConfig.setAppSetting("adbMaxProcesses", String(adbProcessesBox.value))
         AppConfig.setVideoSavePath(paths.video)
         AppConfig.setScreenshotSavePath(paths.screenshot)
         AppConfig.setKeyMappingSavePath(paths.keyMapping)
@@ -84,6 +88,24 @@ Dialog {
                 model: dialog.languages.map(language => language.name)
                 onActivated: index => dialog.selectedLocale = dialog.languages[index].locale
             }
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            Text {
+                text: qsTr("adb processes at once")
+                color: ColorManager.textWhite
+                font.pixelSize: Theme.fontNormal
+                Layout.preferredWidth: 190
+            }
+            SpinBox {
+                id: adbProcessesBox
+                objectName: "adbProcessesBox"
+                from: 1
+                to: 64
+                editable: true
+            }
+            Item { Layout.fillWidth: true }
         }
 
         Repeater {

@@ -117,6 +117,7 @@ Window {
                 }
                 HeaderButton {
                     text: window.running ? "■" : "▶"
+                    toolTipText: window.running ? qsTr("Stop") : qsTr("Start")
                     textColor: window.running ? ColorManager.textRed : ColorManager.textGreen
                     font.pixelSize: 14
                     implicitWidth: 22

@@ -6,9 +6,8 @@ import Korvel
 Flickable {
     id: root
     property Device device: null
-    // The phrase list and the key-mapping picker belong to the view that holds the column.
-    property bool phraseSelectionAvailable: false
-    property bool keyMappingAvailable: false
+    property bool phraseSelectionAvailable: true
+    property bool keyMappingAvailable: true
 
     signal openPhraseSelectionDialog()
     signal openKeyMapProfilePicker()
@@ -42,6 +41,7 @@ Flickable {
         hoverEnabled: true
         enabled: root.device !== null
         focusPolicy: Qt.NoFocus
+        Accessible.name: tip
 
         background: Rectangle {
             radius: Theme.radius
@@ -176,6 +176,32 @@ Flickable {
             iconName: "power"
             tint: ColorManager.textRed
             onClicked: root.device.shutdown()
+        }
+    }
+
+    onOpenPhraseSelectionDialog: phraseDialogLoader.active = true
+    onOpenKeyMapProfilePicker: profilePickerLoader.active = true
+
+    // The phrase reaches this phone; under group control the host's paste is replayed on the group.
+    Loader {
+        id: phraseDialogLoader
+        active: false
+        sourceComponent: PhraseSelectionDialog {
+            onPhraseSelected: text => {
+                if (root.device && root.device.controller)
+                    root.device.controller.actionInputText(text)
+            }
+            onClosed: phraseDialogLoader.active = false
+            Component.onCompleted: open()
+        }
+    }
+    Loader {
+        id: profilePickerLoader
+        active: false
+        sourceComponent: KeyMapProfilePicker {
+            device: root.device
+            onClosed: profilePickerLoader.active = false
+            Component.onCompleted: open()
         }
     }
 

@@ -159,6 +159,7 @@ Rectangle {
                             implicitWidth: 26
                             implicitHeight: 26
                             text: groupSection.expanded ? "▲" : "▼"
+                            toolTipText: groupSection.expanded ? qsTr("Collapse") : qsTr("Expand")
                             textColor: ColorManager.textGreen
                             onClicked: root.setCollapsed(groupSection.group, groupSection.expanded)
                         }
@@ -231,6 +232,7 @@ Rectangle {
                                 implicitHeight: 24
                                 readonly property bool running: deviceRow.device !== null && deviceRow.device.running
                                 text: running ? "■" : "▶"
+                                toolTipText: running ? qsTr("Stop") : qsTr("Start")
                                 textColor: running ? ColorManager.textRed : ColorManager.textGreen
                                 onClicked: running ? deviceRow.device.stopScrcpySession() : deviceRow.device.startScrcpySession()
                             }
@@ -238,6 +240,7 @@ Rectangle {
                                 implicitWidth: 24
                                 implicitHeight: 24
                                 text: "X"
+                                toolTipText: qsTr("Remove Device")
                                 textColor: ColorManager.textRed
                                 onClicked: deviceRow.device.removeFromDeviceGroup()
                             }

@@ -210,6 +210,7 @@ Dialog {
                         Layout.fillHeight: true
                         KVCheckBox {
                             anchors.verticalCenter: parent.verticalCenter
+                            Accessible.name: row.serial
                             checked: dialog.isChecked(row.serial)
                             onClicked: dialog.toggle(row.serial)
                         }
@@ -252,6 +253,7 @@ Dialog {
             KVButton {
                 objectName: "scanAddButton"
                 text: qsTr("Add to Group")
+                enabled: dialog.canAdd
                 textColor: dialog.canAdd ? ColorManager.textGreen : ColorManager.textGray
                 onClicked: dialog.addToGroup()
             }

@@ -149,12 +149,14 @@ Item {
             HeaderButton {
                 objectName: "startStopButton"
                 text: root.running ? "■" : "▶"
+                toolTipText: root.running ? qsTr("Stop") : qsTr("Start")
                 textColor: root.running ? ColorManager.textRed : ColorManager.textGreen
                 onClicked: root.running ? root.device.stopScrcpySession() : root.device.startScrcpySession()
             }
             HeaderButton {
                 objectName: "removeButton"
                 text: "X"
+                toolTipText: qsTr("Remove Device")
                 textColor: ColorManager.textRed
                 onClicked: root.device.removeFromDeviceGroup()
             }

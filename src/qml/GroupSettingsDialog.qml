@@ -59,6 +59,7 @@ Dialog {
         }
         Slider {
             id: slider
+            Accessible.name: row.label
             Layout.fillWidth: true
             snapMode: Slider.SnapAlways
             value: row.value
@@ -102,6 +103,7 @@ Dialog {
         }
         Switch {
             id: toggle
+            Accessible.name: switchRow.label
             checked: switchRow.checked
             onToggled: {
                 if (checked !== switchRow.checked)

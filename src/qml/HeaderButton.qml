@@ -15,6 +15,8 @@ AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.NoFocus
     font.pixelSize: 12
+    // Screen readers say what the button does, not the glyph it shows.
+    Accessible.name: toolTipText.length > 0 ? toolTipText : text
 
     background: Rectangle {
         radius: 3

@@ -14,6 +14,8 @@ Button {
     rightPadding: 12
     font.pixelSize: Theme.fontNormal
     hoverEnabled: true
+    // Named even when accessibility is switched on after the button was made.
+    Accessible.name: text.length > 0 ? text : toolTipText
 
     contentItem: Text {
         text: control.text

@@ -7,6 +7,7 @@ CheckBox {
     id: control
     font.pixelSize: Theme.fontNormal
     spacing: 6
+    Accessible.name: text
 
     indicator: Rectangle {
         implicitWidth: 16

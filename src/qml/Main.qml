@@ -68,9 +68,8 @@ ApplicationWindow {
             MenuButton {
                 objectName: "toolsMenu"
                 text: qsTr("Tools")
-                // These open dialogs that arrive with phrases and key mapping.
-                MenuItem { text: qsTr("Common Phrases"); enabled: false }
-                MenuItem { text: qsTr("Key Mapping"); enabled: false }
+                MenuItem { text: qsTr("Common Phrases"); onTriggered: commonPhrasesDialog.open() }
+                MenuItem { text: qsTr("Key Mapping"); onTriggered: keyMappingDialog.open() }
             }
             MenuButton {
                 objectName: "settingsMenu"
@@ -139,4 +138,44 @@ ApplicationWindow {
         id: appSettingsDialog
         objectName: "appSettingsDialog"
     }
+    CommonPhrasesDialog {
+        id: commonPhrasesDialog
+        objectName: "commonPhrasesDialog"
+    }
+    KeyMappingDialog {
+        id: keyMappingDialog
+        objectName: "keyMappingDialog"
+        group: window.currentGroup
+    }
+
+    // A data file that could not be read or saved is named to the user, never lost in silence.
+    KVAlert {
+        id: fileAlert
+        objectName: "fileAlert"
+        function report(messages) {
+            const text = messages.filter(message => message !== "").join("
+
+")
+            if (text !== "")
+                show(qsTr("Data Files"), text)
+        }
+    }
+    Connections {
+        target: groupManager
+        function onFileMessageChanged() { fileAlert.report([groupManager.fileMessage]) }
+    }
+    Connections {
+        target: DeviceSettings
+        function onFileMessageChanged() { fileAlert.report([DeviceSettings.fileMessage]) }
+    }
+    Connections {
+        target: KeyMapping
+        function onFileMessageChanged() { fileAlert.report([KeyMapping.fileMessage]) }
+    }
+    Connections {
+        target: CommonPhraseManager
+        function onFileMessageChanged() { fileAlert.report([CommonPhraseManager.fileMessage]) }
+    }
+    Component.onCompleted: fileAlert.report([groupManager.fileMessage, DeviceSettings.fileMessage,
+                                             KeyMapping.fileMessage, CommonPhraseManager.fileMessage])
 }

@@ -9,6 +9,8 @@ Item {
     default property alias entries: menu.contentData
     readonly property alias menu: menu
 
+    Accessible.role: Accessible.ButtonMenu
+    Accessible.name: text
     implicitWidth: label.implicitWidth + 28
     implicitHeight: Theme.headerHeight
 

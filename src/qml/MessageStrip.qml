@@ -32,6 +32,7 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
         anchors.rightMargin: 2
         text: "×"
+        toolTipText: qsTr("Close")
         onClicked: strip.dismissed()
     }
 }

@@ -18,10 +18,9 @@ MouseArea {
     propagateComposedEvents: false
     preventStealing: true
     cursorShape: Qt.ArrowCursor
-    activeFocusOnTab: true
 
     onPressed: mouse => {
-        area.forceActiveFocus()
+        keySink.forceActiveFocus()
         isDragging = true
         if (logButtons)
             console.log("onPressed - DOWN, button:", mouse.button, mouse.buttons)
@@ -50,16 +49,47 @@ MouseArea {
         console.log("Mouse event CANCELED - isDragging:", isDragging)
     }
 
-    Keys.onPressed: event => {
-        console.log("onPressed - KEY:", event.key)
+    onWheel: wheel => {
         if (canControl)
-            device.controller.handleKeyEvent(6, event.key, event.modifiers, event.text)
-        event.accepted = true
+            device.controller.handleWheelEvent(wheel.x, wheel.y, wheel.angleDelta.x, wheel.angleDelta.y, wheel.buttons)
+        wheel.accepted = true
     }
-    Keys.onReleased: event => {
-        console.log("onReleased - KEY:", event.key)
-        if (canControl)
-            device.controller.handleKeyEvent(7, event.key, event.modifiers, event.text)
-        event.accepted = true
+
+    // Holds the keyboard focus of the view. Keys are taken before the field sees them and go out as
+    // key codes; only what an input method commits (Chinese, accented letters) lands in the field,
+    // and that is sent as text.
+    TextInput {
+        id: keySink
+        objectName: "keySink"
+        width: 1
+        height: 1
+        opacity: 0
+        activeFocusOnTab: true
+
+        onTextChanged: {
+            if (text.length === 0)
+                return
+            if (area.canControl)
+                area.device.controller.handleInputMethodText(text)
+            text = ""
+        }
+        // A key held while the view loses focus would never see its release here.
+        onActiveFocusChanged: {
+            if (!activeFocus && area.canControl)
+                area.device.controller.releaseKeyMappings()
+        }
+
+        Keys.onPressed: event => {
+            console.log("onPressed - KEY:", event.key)
+            if (area.canControl)
+                area.device.controller.handleKeyEvent(6, event.key, event.modifiers, event.text)
+            event.accepted = true
+        }
+        Keys.onReleased: event => {
+            console.log("onReleased - KEY:", event.key)
+            if (area.canControl)
+                area.device.controller.handleKeyEvent(7, event.key, event.modifiers, event.text)
+            event.accepted = true
+        }
     }
 }

@@ -109,26 +109,26 @@ Item {
                 id: moreMenu
                 objectName: "moreGroupActionsMenu"
                 y: moreButton.height
-                MenuItem { text: qsTr("Screenshot"); onTriggered: root.group.screenshotAllDevices() }
+                MenuItem { text: qsTr("Screenshot"); onTriggered: root.showOperation(root.group.screenshotAllDevices()) }
                 MenuItem {
                     text: qsTr("Install APK")
                     onTriggered: {
                         const group = root.group
-                        picker.pick(qsTr("Select APK File"), [qsTr("APK files (*.apk)")], path => group.installApk(path))
+                        picker.pick(qsTr("Select APK File"), [qsTr("APK files (*.apk)")], path => root.showOperation(group.installApk(path)))
                     }
                 }
                 MenuItem {
                     text: qsTr("Upload File")
                     onTriggered: {
                         const group = root.group
-                        picker.pick(qsTr("Select File"), [qsTr("All files (*.*)")], path => group.uploadFile(path))
+                        picker.pick(qsTr("Select File"), [qsTr("All files (*.*)")], path => root.showOperation(group.uploadFile(path)))
                     }
                 }
                 MenuItem {
                     text: qsTr("Run AutoJS")
                     onTriggered: {
                         const group = root.group
-                        picker.pick(qsTr("Select autojs Script"), [qsTr("autojs files (*.js)")], path => group.runAutojs(path))
+                        picker.pick(qsTr("Select autojs Script"), [qsTr("autojs files (*.js)")], path => root.showOperation(group.runAutojs(path)))
                     }
                 }
                 MenuItem { text: qsTr("Stop AutoJS"); onTriggered: root.group.stopAllAutojs() }
@@ -185,8 +185,16 @@ Item {
 
     FilePicker { id: picker }
 
+    function showOperation(operation) {
+        operationDialog.operation = operation
+        operationDialog.open()
+    }
+
+    GroupOperationDialog { id: operationDialog }
+
     ADBCommandDialog {
         id: adbCommandDialog
+        objectName: "groupAdbCommandDialog"
         deviceGroup: root.group
     }
 

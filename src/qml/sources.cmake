@@ -29,7 +29,15 @@ list(APPEND KORVEL_QML_FILES
     src/qml/DeviceRenameDialog.qml
     src/qml/DeviceInfoDialog.qml
     src/qml/ADBCommandDialog.qml
+    src/qml/GroupOperationView.qml
+    src/qml/GroupOperationDialog.qml
     src/qml/ADBRestartDialog.qml
     src/qml/AboutDialog.qml
     src/qml/AppSettingsDialog.qml
+    src/qml/KVConfirm.qml
+    src/qml/CustomCircleCursor.qml
+    src/qml/CommonPhrasesDialog.qml
+    src/qml/PhraseSelectionDialog.qml
+    src/qml/KeyMappingDialog.qml
+    src/qml/KeyMapProfilePicker.qml
 )

@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QTemporaryFile>
+#include <QTcpServer>
 #include <QtTest>
 
 using Args = QStringList;
@@ -91,7 +92,7 @@ private slots:
         row("startServer", [] { return AdbClient::startServer(); }, {"start-server"});
         row("devices", [] { return AdbClient::devices().isEmpty(); }, {"devices", "-l"});
         row("connect", [] { return AdbClient::connect("S1", "127.0.0.5", 5555); }, {"-s", "S1", "connect", "127.0.0.5:5555"});
-        row("disconnect", [] { return AdbClient::disconnect("S1"); }, {"-s", "S1", "disconnect"});
+        row("disconnect", [] { return AdbClient::disconnect("127.0.0.1:5555"); }, {"disconnect", "127.0.0.1:5555"});
         row("usb", [] { return AdbClient::usb("S1"); }, {"-s", "S1", "usb"});
         row("tcpip", [] { return AdbClient::tcpip("S1", 5555); }, {"-s", "S1", "tcpip", "5555"});
         row("reboot", [] { return AdbClient::reboot("S1"); }, {"-s", "S1", "reboot"});
@@ -108,6 +109,7 @@ private slots:
     {
         QFETCH(Operation, operation);
         QFETCH(Args, expected);
+        m_adb.addRule("disconnect 127.0.0.1:5555", 0, "disconnected 127.0.0.1:5555");
         QVERIFY(operation());
         QCOMPARE(m_adb.calls(), QList<Args>{expected});
     }
@@ -123,6 +125,55 @@ private slots:
         m_adb.clear();
         m_adb.addRule("-s S1 reboot", 1, {}, "device not found");
         QVERIFY(!AdbClient::reboot("S1"));
+    }
+
+    void disconnectNeedsAdbsOwnAnswer_data()
+    {
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("out");
+        QTest::addColumn<bool>("result");
+        QTest::newRow("dropped") << 0 << "disconnected 127.0.0.1:5555" << true;
+        QTest::newRow("unknown address") << 1 << "error: no such device '127.0.0.1:5555'" << false;
+        QTest::newRow("status 0 without the answer") << 0 << "" << false;
+    }
+
+    void disconnectNeedsAdbsOwnAnswer()
+    {
+        QFETCH(int, exitCode);
+        QFETCH(QString, out);
+        QFETCH(bool, result);
+        m_adb.addRule("disconnect *", exitCode, out);
+        QCOMPARE(AdbClient::disconnect("127.0.0.1:5555"), result);
+    }
+
+    void quitKillsOnlyAServerKorvelStarted_data()
+    {
+        QTest::addColumn<bool>("runningAtStart");
+        QTest::addColumn<bool>("restartedByUser");
+        QTest::addColumn<bool>("killed");
+        QTest::newRow("none at start") << false << false << true;
+        QTest::newRow("the user's own") << true << false << false;
+        QTest::newRow("the user's own, restarted in Korvel") << true << true << true;
+    }
+
+    void quitKillsOnlyAServerKorvelStarted()
+    {
+        QFETCH(bool, runningAtStart);
+        QFETCH(bool, restartedByUser);
+        QFETCH(bool, killed);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(server.serverPort()));
+        if (!runningAtStart)
+            server.close();
+        QCOMPARE(AdbClient::serverListening(), runningAtStart);
+        AdbClient::noteServerAtStart();
+        if (restartedByUser)
+            QVERIFY(AdbClient::restartServer());
+        m_adb.clear();
+        QCOMPARE(AdbClient::killOwnServer(), killed);
+        QCOMPARE(m_adb.calls(), killed ? QList<Args>{Args{"kill-server"}} : QList<Args>{});
+        qunsetenv("ANDROID_ADB_SERVER_PORT");
     }
 
     void restartStopsWhenKillFails()
@@ -141,25 +192,38 @@ private slots:
         QVERIFY(m_adb.calls().isEmpty());
     }
 
-    void installPushesThenInstalls()
+    void installUsesATemporaryNameAndRemovesIt_data()
     {
-        QTemporaryFile apk(QDir::tempPath() + "/korvel_XXXXXX.apk");
-        QVERIFY(apk.open());
-        const QString name = QFileInfo(apk.fileName()).fileName();
-        m_adb.addRule("-s S1 shell pm install*", 0, "Success\\n");
-        QVERIFY(AdbClient::installApk("S1", apk.fileName()));
-        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"-s", "S1", "push", apk.fileName(), "/data/local/tmp/"},
-                                             Args{"-s", "S1", "shell", "pm install -r /data/local/tmp/" + name}}));
+        QTest::addColumn<int>("pushExit");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("installed");
+        QTest::addColumn<int>("calls");
+        QTest::newRow("installed") << 0 << "Success\\n" << true << 3;
+        QTest::newRow("refused") << 0 << "Failure [INSTALL_FAILED_OLDER_SDK]\\n" << false << 3;
+        QTest::newRow("failed push installs nothing") << 1 << "Success\\n" << false << 2;
     }
 
-    void installRunsEvenWhenPushFailsAndFailsOnError()
+    void installUsesATemporaryNameAndRemovesIt()
     {
-        m_adb.addRule("-s S1 push*", 1, {}, "no space left");
-        m_adb.addRule("-s S1 shell pm install*", 1, {}, "Error: file not found");
-        QTemporaryFile apk;
+        QFETCH(int, pushExit);
+        QFETCH(QString, answer);
+        QFETCH(bool, installed);
+        QFETCH(int, calls);
+        QTemporaryFile apk(QDir::tempPath() + "/My App (1);reboot_XXXXXX.apk");
         QVERIFY(apk.open());
-        QVERIFY(!AdbClient::installApk("S1", apk.fileName()));
-        QCOMPARE(m_adb.calls().size(), 2);
+        m_adb.addRule("-s S1 push*", pushExit, {}, pushExit ? "adb: error: no space left\\n" : "");
+        m_adb.addRule("-s S1 shell pm install*", 0, answer);
+        QCOMPARE(AdbClient::installApk("S1", apk.fileName()), installed);
+
+        const QList<Args> made = m_adb.calls();
+        QCOMPARE(made.size(), calls);
+        const QString remote = made.at(0).last();
+        QVERIFY2(QRegularExpression("^/data/local/tmp/korvel-[0-9a-f-]{36}\\.apk$").match(remote).hasMatch(),
+                 qPrintable(remote));
+        QCOMPARE(made.at(0), (Args{"-s", "S1", "push", apk.fileName(), remote}));
+        if (calls == 3)
+            QCOMPARE(made.at(1), (Args{"-s", "S1", "shell", "pm", "install", "-r", remote}));
+        QCOMPARE(made.last(), (Args{"-s", "S1", "shell", "rm", "-f", remote}));
     }
 
     void shutdownChoosesEmulatorOrReboot_data()

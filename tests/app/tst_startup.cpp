@@ -7,6 +7,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
+#include <QTcpServer>
 #include <QtTest>
 
 Q_IMPORT_QML_PLUGIN(KorvelPlugin)
@@ -64,8 +65,29 @@ private slots:
     void initTestCase()
     {
         qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
+        // No adb server answers on this port, so the one Korvel's adb calls would start is its own.
+        {
+            QTcpServer probe;
+            QVERIFY(probe.listen(QHostAddress::LocalHost));
+            qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(probe.serverPort()));
+        }
         previousHandler = qInstallMessageHandler(collectWarnings);
         AppStartup::configureApplication();
+        // A damaged phrase file, as a crash or another program may leave it.
+        const QString phrases = AppConfig::instance()->getCommonPhraseSavePath();
+        QDir(phrases).removeRecursively();
+        QVERIFY(QDir().mkpath(phrases));
+        QFile damaged(phrases + "/common_phrases.json");
+        QVERIFY(damaged.open(QIODevice::WriteOnly));
+        damaged.write("{\"categories\": [");
+        damaged.close();
+        // A groups file left cut short by hand: the window must say where it went.
+        const QString groups = AppConfig::instance()->getDeviceGroupSavePath() + "/device_groups.json";
+        QVERIFY(QDir().mkpath(QFileInfo(groups).path()));
+        QFile corrupt(groups);
+        QVERIFY(corrupt.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        corrupt.write("{\"device_groups\": [");
+        corrupt.close();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
     }
@@ -91,13 +113,33 @@ private slots:
         QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
     }
 
+    void damagedFilesAreKeptAndNamedToTheUser()
+    {
+        // The user is told where each file went; it is kept as it was and nothing is written over it.
+        auto *alert = find("fileAlert");
+        QTRY_VERIFY(alert->property("opened").toBool());
+        const QString message = alert->property("message").toString();
+        QVERIFY2(message.contains("device_groups.json could not be read") && message.contains("device_groups.json.corrupt-"),
+                 qPrintable(message));
+        const QString folder = AppConfig::instance()->getCommonPhraseSavePath();
+        const QStringList kept = QDir(folder).entryList({"common_phrases.json.corrupt-*"}, QDir::Files);
+        QCOMPARE(kept.size(), 1);
+        QVERIFY2(message.contains(kept.first()), qPrintable(message));
+        QFile file(folder + "/" + kept.first());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("{\"categories\": ["));
+        QVERIFY(!QFile::exists(folder + "/common_phrases.json"));
+        QMetaObject::invokeMethod(alert, "close");
+        QTRY_VERIFY(!alert->property("visible").toBool());
+    }
+
     void headerAndMenus()
     {
         QCOMPARE(find("headerTitle")->property("text").toString(), QString("Korvel Multi-Phones Control"));
         QCOMPARE(find<QQuickItem>("headerBar")->height(), 44.0);
         QCOMPARE(find("devicesMenu")->property("text").toString(), QString("Devices"));
         QCOMPARE(menuEntries("devicesMenu"), (QStringList{"Scan Devices", "Manage Device Groups", "Restart ADB Server"}));
-        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases (disabled)", "Key Mapping (disabled)"}));
+        QCOMPARE(menuEntries("toolsMenu"), (QStringList{"Common Phrases", "Key Mapping"}));
         QCOMPARE(menuEntries("settingsMenu"), (QStringList{"About APP", "APP Settings"}));
     }
 
@@ -120,6 +162,8 @@ private slots:
         QTest::newRow("Scan Devices") << QByteArray("devicesMenu") << 0 << QByteArray("scanDialog");
         QTest::newRow("Manage Device Groups") << QByteArray("devicesMenu") << 1 << QByteArray("groupManagerDialog");
         QTest::newRow("Restart ADB Server") << QByteArray("devicesMenu") << 2 << QByteArray("adbRestartDialog");
+        QTest::newRow("Common Phrases") << QByteArray("toolsMenu") << 0 << QByteArray("commonPhrasesDialog");
+        QTest::newRow("Key Mapping") << QByteArray("toolsMenu") << 1 << QByteArray("keyMappingDialog");
         QTest::newRow("About APP") << QByteArray("settingsMenu") << 0 << QByteArray("aboutDialog");
         QTest::newRow("APP Settings") << QByteArray("settingsMenu") << 1 << QByteArray("appSettingsDialog");
     }

@@ -112,7 +112,7 @@ void TestController::slotsKeepTheirOrder()
         "actionSwipeLeft", "actionSwipeRight", "actionReboot", "actionShutdown", "actionSleep", "actionWakeUp",
         "actionVolumeUp", "actionVolumeDown", "actionCopy", "actionPaste", "actionCut", "actionRotateScreen",
         "installApk", "uploadFile", "actionInputText", "handleMouseEvent", "processMouseEvent", "handleKeyEvent",
-        "handleKeyMapping", "send", "groupSend", "setClickDelayMilliSeconds", "setWallpaper", "resetVideo"};
+        "handleKeyMapping", "releaseKeyMappings", "handleWheelEvent", "handleInputMethodText", "send", "groupSend", "setClickDelayMilliSeconds", "setWallpaper", "resetVideo"};
     const QMetaObject &meta = Controller::staticMetaObject;
     QStringList names;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
@@ -264,8 +264,9 @@ void TestController::failedUploadIsReported()
     QSignalSpy messages(&session.device, &Device::deviceMessage);
     session.controller->uploadFile(file.fileName());
     QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 10000);
-    QCOMPARE(messages[0], (QVariantList{"File upload failed", "error", 5000}));
-    QCOMPARE(m_adb.calls().value(0), (QStringList{"-s", "S1", "push", file.fileName(), "/sdcard/Download/"}));
+    QCOMPARE(messages[0], (QVariantList{"File upload failed: remote couldn't create file", "error", 5000}));
+    QCOMPARE(m_adb.calls().value(0), (QStringList{"-s", "S1", "push", file.fileName(),
+                                                  "/sdcard/Download/" + QFileInfo(file.fileName()).fileName()}));
 }
 
 void TestController::wallpaperCarriesTheNickname()

@@ -304,6 +304,8 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(removed.count(), 1, 10000);
         QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->adb().listed(wifiSerial), 10000);
         QCOMPARE(group.deviceCount(), 1);
+        // Only that address went: the phone's other network connection stays.
+        QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(usbDevice->adbConnectionSerial()), 10000);
 
         // A phone that adb does not know cannot switch.
         Device unknown(nullptr, &group, "127.0.0.1:1");

@@ -96,7 +96,7 @@ void TestAutojs::startServer(Device &device)
 
 QTcpSocket *TestAutojs::waitForPeer()
 {
-    // The event loop runs meanwhile: the forward is reported to the script runner through it.
+    // The bridge connects once its adb forward has finished, which needs the event loop.
     if (!QTest::qWaitFor([this] { return m_server->hasPendingConnections(); }, 5000))
         return nullptr;
     return m_server->nextPendingConnection();

@@ -65,6 +65,14 @@ private:
         return names;
     }
 
+    static QStringList serialsOf(const DeviceGroup *group)
+    {
+        QStringList serials;
+        for (const Device *device : group->devices())
+            serials << device->adbConnectionSerial();
+        return serials;
+    }
+
     static QStringList serialsOf(const QList<ADBDeviceInfo> &infos)
     {
         QStringList serials;
@@ -80,7 +88,7 @@ private slots:
     void initTestCase()
     {
         AdbClient::setProgram(m_adb.program());
-        DeviceGroup::setStaggerIntervals({0, 0, 0, 0});
+        DeviceGroup::setStaggerIntervals({0, 0, 0});
     }
 
     void init()
@@ -110,27 +118,29 @@ private slots:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QStringList>("names");
+        QTest::addColumn<bool>("keptAside");
         QTest::addColumn<bool>("rewritten");
         const QByteArray good = R"({"name":"Rack","settings":{"maxSize":1080}})";
         QTest::newRow("corrupt") << QByteArray("{\"device_groups\": [ {\"name\": \"Ra") << QStringList{"Default Group"}
-                                 << true;
-        QTest::newRow("empty file") << QByteArray() << QStringList{"Default Group"} << true;
-        QTest::newRow("top-level array") << QByteArray("[" + good + "]") << QStringList{"Default Group"} << true;
+                                 << true << true;
+        QTest::newRow("empty file") << QByteArray() << QStringList{"Default Group"} << true << true;
+        QTest::newRow("top-level array") << QByteArray("[" + good + "]") << QStringList{"Default Group"} << true << true;
         QTest::newRow("groups not an array") << QByteArray(R"({"device_groups":{"name":"Rack"}})")
-                                             << QStringList{"Default Group"} << true;
+                                             << QStringList{"Default Group"} << true << true;
         QTest::newRow("only an empty name") << QByteArray(R"({"device_groups":[{"name":"","settings":{}}]})")
-                                            << QStringList{"Default Group"} << true;
+                                            << QStringList{"Default Group"} << false << true;
         QTest::newRow("bad elements around a good one")
             << QByteArray(R"({"device_groups":[42,{"name":7},{"settings":{}},null,)" + good + "]}")
-            << QStringList{"Rack"} << false;
+            << QStringList{"Rack"} << false << false;
         QTest::newRow("duplicate names") << QByteArray(R"({"device_groups":[)" + good + "," + good + R"(,{"name":"B"}]})")
-                                         << QStringList{"Rack", "Rack", "B"} << false;
+                                         << QStringList{"Rack", "Rack", "B"} << false << false;
     }
 
     void oddFiles()
     {
         QFETCH(QByteArray, content);
         QFETCH(QStringList, names);
+        QFETCH(bool, keptAside);
         QFETCH(bool, rewritten);
         writeFile(content);
         DeviceGroupManager manager;
@@ -143,6 +153,20 @@ private slots:
             // Loading alone never rewrites what was read.
             QCOMPARE(fileBytes(), content);
         }
+        // What the user had is kept, byte for byte, under a name the message gives.
+        const QStringList aside = QDir(m_folder).entryList({"device_groups.json.corrupt-*"}, QDir::Files);
+        QCOMPARE(aside.size(), keptAside ? 1 : 0);
+        if (!keptAside) {
+            QCOMPARE(manager.fileMessage(), QString());
+            return;
+        }
+        QVERIFY2(QRegularExpression(R"(^device_groups\.json\.corrupt-\d{8}-\d{6}$)").match(aside.first()).hasMatch(),
+                 qPrintable(aside.first()));
+        QFile kept(QDir(m_folder).filePath(aside.first()));
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), content);
+        QVERIFY2(manager.fileMessage().contains(file()) && manager.fileMessage().contains(kept.fileName()),
+                 qPrintable(manager.fileMessage()));
     }
 
     void settingsSurviveOddElements()
@@ -246,7 +270,7 @@ private slots:
         QCOMPARE(manager.currentSelectedGroup(), nullptr);
     }
 
-    void unwritableFolderIsSilent()
+    void unwritableFolderIsReported()
     {
         // The save folder lies below a plain file, so it can never be made.
         QFile blocker(m_root.filePath("blocker"));
@@ -255,8 +279,59 @@ private slots:
         AppConfig::instance()->setDeviceGroupSavePath(m_root.filePath("blocker/groups"));
         DeviceGroupManager manager;
         QCOMPARE(namesOf(manager), QStringList{"Default Group"});
+        const QString message = manager.fileMessage();
+        QVERIFY2(message.contains(m_root.filePath("blocker/groups/device_groups.json")) && message.contains("could not be saved"),
+                 qPrintable(message));
         manager.createDeviceGroup("X");
         QCOMPARE(manager.deviceGroups().size(), 2);
+
+        // Once the folder can be written, the next save goes through and the message goes away.
+        QSignalSpy changed(&manager, &DeviceGroupManager::fileMessageChanged);
+        QVERIFY(QFile::remove(blocker.fileName()));
+        manager.deviceGroups().at(1)->setMaxFPS(60);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(manager.fileMessage(), QString());
+        QCOMPARE(namesOf(manager), (QStringList{"Default Group", "X"}));
+    }
+
+    void rememberedPhonesComeBackInTheirPlaces()
+    {
+        // C and A are attached, X is not; a serial claimed by two groups stays with the first.
+        m_adb.addRule("devices -l", 0, "List of devices attached\\nA device usb:1-1\\nB device usb:1-2\\nC device usb:1-3\\n");
+        const QByteArray content = R"({"device_groups":[
+            {"name":"Rack","devices":["C","A","X","B"]},
+            {"name":"Shelf","devices":["B","D",7,""]}]})";
+        writeFile(content);
+        DeviceGroupManager manager;
+        DeviceGroup *rack = manager.deviceGroups().at(0);
+        DeviceGroup *shelf = manager.deviceGroups().at(1);
+        QCOMPARE(shelf->memberSerials(), QStringList{"D"});
+        QTRY_COMPARE(serialsOf(rack), (QStringList{"C", "A", "B"}));
+        QCOMPARE(shelf->deviceCount(), 0);
+        QCOMPARE(fileBytes(), content);
+        QVERIFY(manager.availableDeviceInfos().isEmpty());
+
+        // X is listed later: it takes its place between A and B.
+        manager.placeKnownDevices({ADBDeviceInfo{"A"}, ADBDeviceInfo{"X"}});
+        QTRY_COMPARE(serialsOf(rack), (QStringList{"C", "A", "X", "B"}));
+
+        // Moving a phone hands it over; removing it forgets it, so a later listing offers it.
+        rack->moveDevicesToGroup({"A"}, shelf);
+        QCOMPARE(shelf->memberSerials(), (QStringList{"D", "A"}));
+        rack->devices().first()->removeFromDeviceGroup();
+        QCOMPARE(rack->memberSerials(), (QStringList{"X", "B"}));
+        const QJsonArray saved = fileGroups();
+        QCOMPARE(saved.at(0).toObject().value("devices").toArray(), QJsonArray({"X", "B"}));
+        QCOMPARE(saved.at(1).toObject().value("devices").toArray(), QJsonArray({"D", "A"}));
+        manager.scanDevices();
+        QTRY_VERIFY(!manager.isScanning());
+        QCOMPARE(serialsOf(manager.availableDeviceInfos()), QStringList{"C"});
+        QCOMPARE(serialsOf(rack), (QStringList{"X", "B"}));
+
+        // A fresh start on the same file finds everyone where they were.
+        DeviceGroupManager again;
+        QTRY_COMPARE(serialsOf(again.deviceGroups().at(0)), (QStringList{"B"}));
+        QTRY_COMPARE(serialsOf(again.deviceGroups().at(1)), (QStringList{"A"}));
     }
 
     void scanOffersPhonesInNoGroup()

@@ -109,7 +109,7 @@ private slots:
         QCOMPARE(fileMembers(), (QJsonObject{{"good", "Rack"}, {"other", "X"}}));
     }
 
-    void unusableFilesReadAsEmpty_data()
+    void unusableFilesAreKeptAside_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("corrupt") << QByteArray("{\"device_nicknames\": {\"a\": ");
@@ -118,22 +118,43 @@ private slots:
         QTest::newRow("empty") << QByteArray();
     }
 
-    void unusableFilesReadAsEmpty()
+    void unusableFilesAreKeptAside()
     {
         QFETCH(QByteArray, content);
+        const QDir folder(QFileInfo(file()).path());
         writeFile(content);
+        QSignalSpy message(settings(), &DeviceSettings::fileMessageChanged);
         settings()->reload();
         QVERIFY(settings()->getAllDeviceSerials().isEmpty());
-        QCOMPARE(settings()->getDeviceNickname("a"), QString());
+        QCOMPARE(message.count(), 1);
+
+        // The next rename writes a new file; the user's own stays, named in the message.
+        settings()->setDeviceNickname("a", "Alpha");
+        QCOMPARE(fileMembers(), QJsonObject({{"a", "Alpha"}}));
+        const QStringList aside = folder.entryList({"device_nicknames.json.corrupt-*"}, QDir::Files);
+        QCOMPARE(aside.size(), 1);
+        QFile kept(folder.filePath(aside.first()));
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), content);
+        QVERIFY2(settings()->fileMessage().contains(file()) && settings()->fileMessage().contains(kept.fileName()),
+                 qPrintable(settings()->fileMessage()));
+
+        // A good file clears the message.
+        settings()->reload();
+        QCOMPARE(settings()->fileMessage(), QString());
+        QVERIFY(kept.remove());
     }
 
-    void unreadableFileReadsAsEmpty()
+    void unreadableFileIsKeptAside()
     {
         // A folder where the file should be cannot be read as a file, even by root.
-        QVERIFY(QDir().mkpath(file()));
+        QVERIFY(QDir().mkpath(file() + "/inside"));
         settings()->reload();
         QVERIFY(settings()->getAllDeviceSerials().isEmpty());
-        QVERIFY(QDir(file()).removeRecursively());
+        QVERIFY(!QFileInfo::exists(file()));
+        const QStringList aside = QDir(QFileInfo(file()).path()).entryList({"device_nicknames.json.corrupt-*"}, QDir::Dirs);
+        QCOMPARE(aside.size(), 1);
+        QVERIFY(QDir(QFileInfo(file()).path() + "/" + aside.first()).removeRecursively());
     }
 
     void failedSaveKeepsPreviousFile()

@@ -69,10 +69,12 @@ private slots:
         const ControlMsg pasteCopy = GroupReplay::rescaled(paste, QSize(1080, 2400), QSize(720, 1600));
         QCOMPARE(pasteCopy.text, QByteArray("hello"));
         QVERIFY(pasteCopy.clipboard.paste);
-        // A scroll carries a position too, but only touches are rescaled.
+        // A scroll lands where the host's pointer was, at each phone's scale, like a touch.
         const ControlMsg scroll = ControlMsg::injectScroll({QPoint(540, 1200), QSize(1080, 2400)}, 0, 1, 0);
-        QCOMPARE(GroupReplay::rescaled(scroll, QSize(1080, 2400), QSize(720, 1600)).scroll.position.point,
-                 QPoint(540, 1200));
+        const ControlMsg scrollCopy = GroupReplay::rescaled(scroll, QSize(1080, 2400), QSize(720, 1600));
+        QCOMPARE(scrollCopy.scroll.position.point, QPoint(360, 800));
+        QCOMPARE(scrollCopy.scroll.position.screenSize, QSize(720, 1600));
+        QCOMPARE(scrollCopy.scroll.vscroll, 1.0f);
     }
 
     void phonesWithoutControllerAreSkipped()

@@ -25,6 +25,7 @@ TestCase {
     Component { id: infoComponent; DeviceInfoDialog { device: testDevice } }
     Component { id: renameComponent; DeviceRenameDialog { device: testDevice } }
     Component { id: bigViewComponent; BigDeviceView { device: testDevice } }
+    Component { id: operationComponent; GroupOperationDialog { operation: testGroup.executeADBCommand("shell true") } }
 
     function openAndClose(component, expectedTitle) {
         const dialog = createTemporaryObject(component, testCase)
@@ -41,7 +42,8 @@ TestCase {
             { tag: "group settings", component: settingsComponent, title: "Group Settings" },
             { tag: "adb command", component: commandComponent, title: "ADB Command" },
             { tag: "device information", component: infoComponent, title: "Device Information" },
-            { tag: "rename", component: renameComponent, title: "Rename Device" }
+            { tag: "rename", component: renameComponent, title: "Rename Device" },
+            { tag: "group operation", component: operationComponent, title: "ADB Command" }
         ]
     }
 

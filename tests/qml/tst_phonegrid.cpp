@@ -1,9 +1,12 @@
 #include "appstartup.h"
+#include "commonphrasemanager.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "keymapping.h"
 #include "phonefixture.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
@@ -77,6 +80,23 @@ private:
         return nullptr;
     }
 
+    // The first visible item that matches, anywhere in the window or under `under`.
+    QQuickItem *visibleItem(const std::function<bool(QQuickItem *)> &wanted, QQuickItem *under = nullptr) const
+    {
+        std::function<QQuickItem *(QQuickItem *)> search = [&](QQuickItem *at) -> QQuickItem * {
+            if (!at->isVisible())
+                return nullptr;
+            if (wanted(at))
+                return at;
+            for (QQuickItem *child : at->childItems()) {
+                if (QQuickItem *found = search(child))
+                    return found;
+            }
+            return nullptr;
+        };
+        return search(under ? under : window()->contentItem());
+    }
+
     DeviceGroupManager *manager() const { return window()->findChild<DeviceGroupManager *>("deviceGroupManager"); }
     DeviceGroup *group() const { return manager()->currentSelectedGroup(); }
 
@@ -118,10 +138,12 @@ private slots:
         }
         // Start from the one default group, as on a first run.
         QFile::remove(DeviceGroupManager::filePath());
-        DeviceGroup::setStaggerIntervals({20, 20, 30, 50});
+        DeviceGroup::setStaggerIntervals({20, 30, 50});
         Device::setStepDelay(100);
 
         previousHandler = qInstallMessageHandler(collectWarnings);
+        // As with a screen reader running: controls name themselves from the start.
+        QAccessible::setActive(true);
         AppStartup::configureApplication();
         m_engine = new QQmlApplicationEngine;
         AppStartup::loadUserInterface(*m_engine);
@@ -154,10 +176,8 @@ private slots:
 
     void addsCheckedPhonesToTheGroup()
     {
-        // Nothing is checked: the button does nothing and the dialog stays.
-        click(item("scanAddButton"));
-        QTest::qWait(100);
-        QVERIFY(scanDialog()->property("opened").toBool());
+        // Nothing is checked: the button is disabled.
+        QVERIFY(!item("scanAddButton")->isEnabled());
         QCOMPARE(group()->deviceCount(), 0);
         // One row by clicking it, then all of them.
         click(item("scanRow_" + m_serials.at(1)));
@@ -177,6 +197,21 @@ private slots:
             QCOMPARE(cellItem(serial, "deviceTitle")->property("text").toString(), QString::number(row + 1));
             QVERIFY(cellItem(serial, "clickToStart")->isVisible());
         }
+    }
+
+    void groupCommandShowsARowPerPhone()
+    {
+        QObject *dialog = window()->findChild<QObject *>("groupAdbCommandDialog");
+        QVERIFY(dialog);
+        QMetaObject::invokeMethod(dialog, "open");
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        item("adbCommandInput")->setProperty("text", "shell echo rack");
+        click(item("adbCommandExecute"));
+        QTRY_COMPARE_WITH_TIMEOUT(item("operationSummary")->property("text").toString(), QString("3 done"), 15000);
+        QCOMPARE(item("operationRows")->property("count").toInt(), 3);
+        QVERIFY(!item("operationCancel")->isEnabled());
+        QMetaObject::invokeMethod(dialog, "close");
+        QTRY_VERIFY(!dialog->property("visible").toBool());
     }
 
     void startAllShowsEveryPhoneLive()
@@ -241,6 +276,119 @@ private slots:
         QCOMPARE(keys.at(0).value("keycode").toInt(), 29);
         QCOMPARE(keys.at(0).value("action").toInt(), 0);
         QCOMPARE(keys.at(1).value("action").toInt(), 1);
+
+        // A wheel turn scrolls at the pointer's place on the phone.
+        QQuickItem *video = cellItem(device->adbConnectionSerial(), "videoItem");
+        const QPointF local(video->width() / 2, video->height() / 4);
+        const QPointF scene = video->mapToScene(local);
+        QWheelEvent wheel(scene, window()->mapToGlobal(scene.toPoint()), QPoint(), QPoint(0, -120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QGuiApplication::sendEvent(window(), &wheel);
+        QTRY_COMPARE_WITH_TIMEOUT(controls(target, "InjectScrollEvent").size(), 1, 5000);
+        const QJsonObject scroll = controls(target, "InjectScrollEvent").first();
+        QVERIFY(qAbs(scroll.value("x").toInt() - frame.width() / 2) <= 2);
+        QVERIFY(qAbs(scroll.value("y").toInt() - frame.height() / 4) <= 2);
+        QCOMPARE(scroll.value("vscroll").toDouble(), -1.0);
+
+        // What an input method commits is pasted as text.
+        QInputMethodEvent commit;
+        commit.setCommitString("你好");
+        QVERIFY(window()->focusObject());
+        QGuiApplication::sendEvent(window()->focusObject(), &commit);
+        QTRY_COMPARE_WITH_TIMEOUT(controls(target, "SetClipboard").size(), 1, 5000);
+        QCOMPARE(controls(target, "SetClipboard").first().value("text").toString(), QString("你好"));
+        QCOMPARE(controls(target, "SetClipboard").first().value("paste").toBool(), true);
+        QCOMPARE(controls(target, "InjectKeycode").size(), 2);
+    }
+
+    void phraseAndProfileChosenOnTheCellAct()
+    {
+        Device *device = group()->devices().at(0);
+        const QString serial = device->adbConnectionSerial();
+        PhoneSimProcess *target = phone(serial);
+        CommonPhraseManager *phrases = CommonPhraseManager::instance();
+        phrases->addCategory("Farm");
+        const QString category = phrases->getCategoriesList().last()->id();
+        phrases->addPhrase("收菜 ok", category);
+        phrases->setCurrentCategoryId(category);
+        const int before = controls(target, "SetClipboard").size();
+
+        // The phrase chosen in the cell's list is pasted on that phone only.
+        QMetaObject::invokeMethod(visibleItem([&](QQuickItem *i) { return i->property("tip") == "Select Phrase"; },
+                                              item("deviceView_" + serial)),
+                                  "clicked");
+        QQuickItem *phrase = nullptr;
+        QTRY_VERIFY((phrase = visibleItem([](QQuickItem *i) { return i->property("text") == "收菜 ok"; })));
+        click(phrase);
+        QTRY_COMPARE_WITH_TIMEOUT(controls(target, "SetClipboard").size(), before + 1, 5000);
+        QCOMPARE(controls(target, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));
+        QCOMPARE(controls(target, "SetClipboard").last().value("paste").toBool(), true);
+        for (Device *other : group()->devices().mid(1))
+            QVERIFY(controls(phone(other->adbConnectionSerial()), "SetClipboard").isEmpty());
+
+        // The profile picker switches the phone's key mapping, and its button says which.
+        KeyMapping::instance()->removeProfile("Cell");
+        QVERIFY(KeyMapping::instance()->addProfile("Cell"));
+        QMetaObject::invokeMethod(visibleItem([&](QQuickItem *i) { return i->property("tip") == "Key Mapping"; },
+                                              item("deviceView_" + serial)),
+                                  "clicked");
+        QQuickItem *profile = nullptr;
+        QTRY_VERIFY((profile = visibleItem([](QQuickItem *i) { return i->property("text") == "Cell"; })));
+        click(profile);
+        QVERIFY(device->currentKeyMappingProfile());
+        QCOMPARE(device->currentKeyMappingProfile()->name(), QString("Cell"));
+        QVERIFY(visibleItem([](QQuickItem *i) { return i->property("tip") == "KeyMapping: Cell"; }));
+        device->setCurrentKeyMappingProfile(nullptr);
+        // The test's own data leaves the files as they were.
+        KeyMapping::instance()->removeProfile("Cell");
+        phrases->removeCategory(category);
+    }
+
+    void everyButtonHasAnAccessibleName()
+    {
+        // Screen readers and UI automation read what a button does, never a bare glyph.
+        const auto buttons = [this] {
+            QList<QQuickItem *> found;
+            std::function<void(QQuickItem *)> collect = [&](QQuickItem *item) {
+                // What is hidden is not read out.
+                if (!item->isVisible())
+                    return;
+                if (item->inherits("QQuickAbstractButton"))
+                    found << item;
+                for (QQuickItem *child : item->childItems())
+                    collect(child);
+            };
+            collect(window()->contentItem());
+            return found;
+        };
+        const auto checkNames = [](const QList<QQuickItem *> &found) {
+            for (QQuickItem *button : found) {
+                QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button);
+                QVERIFY2(accessible, qPrintable(button->property("text").toString()));
+                const QString name = accessible->text(QAccessible::Name);
+                const bool worded = std::any_of(name.cbegin(), name.cend(), [](QChar c) { return c.isLetter(); });
+                QVERIFY2(worded, qPrintable(QString("%1 \"%2\" (%3)")
+                                                .arg(button->objectName(), name, button->property("text").toString())));
+            }
+        };
+        // Three running phones with their header and their 24 control buttons each, and the bars.
+        const QList<QQuickItem *> inWindow = buttons();
+        QVERIFY2(inWindow.size() > 3 * 27, qPrintable(QString::number(inWindow.size())));
+        checkNames(inWindow);
+
+        // And in every dialog of the menus, each while it is open.
+        for (const char *name : {"groupManagerDialog", "adbRestartDialog", "aboutDialog", "appSettingsDialog",
+                                 "commonPhrasesDialog", "keyMappingDialog"}) {
+            QObject *dialog = window()->findChild<QObject *>(name);
+            QVERIFY2(dialog, name);
+            QMetaObject::invokeMethod(dialog, "open");
+            QTRY_VERIFY(dialog->property("opened").toBool());
+            const QList<QQuickItem *> withDialog = buttons();
+            QVERIFY2(withDialog.size() > inWindow.size(), name);
+            checkNames(withDialog);
+            QMetaObject::invokeMethod(dialog, "close");
+            QTRY_VERIFY(!dialog->property("visible").toBool());
+        }
     }
 
     void bigViewTakesThePhoneAndGivesItBack()

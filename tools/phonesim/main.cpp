@@ -91,6 +91,8 @@ int runPhone(int argc, char **argv)
         {"wifi-address", "The phone's own Wi-Fi address, 127.0.0.x.", "address"},
         {"reboot-delay", "Milliseconds a reboot keeps the phone away.", "ms", "2000"},
         {"audio", "Sound capture: on, disabled (no capture before Android 11) or error (capture fails).", "mode", "on"},
+        {"fail-install", "The package manager refuses every install with this code, e.g. INSTALL_FAILED_OLDER_SDK.", "code"},
+        {"slow-sync", "Pushed files arrive at no more than this many bytes per second.", "bytes"},
     });
     parser.process(app);
 
@@ -126,6 +128,14 @@ int runPhone(int argc, char **argv)
     profile.audio = parser.value("audio");
     if (profile.audio != "on" && profile.audio != "disabled" && profile.audio != "error")
         return fail("--audio must be on, disabled or error");
+    profile.failInstall = parser.value("fail-install");
+    if (!profile.failInstall.isEmpty() && !QRegularExpression("^[A-Z0-9_]+$").match(profile.failInstall).hasMatch())
+        return fail("--fail-install takes a code in capitals, e.g. INSTALL_FAILED_OLDER_SDK");
+    if (parser.isSet("slow-sync")) {
+        profile.slowSyncBytesPerSecond = parser.value("slow-sync").toInt(&ok);
+        if (!ok || profile.slowSyncBytesPerSecond <= 0)
+            return fail("--slow-sync takes a positive number of bytes per second");
+    }
     if (!QDir().mkpath(profile.dataDir))
         return fail("cannot create data folder " + profile.dataDir);
 

@@ -5,6 +5,7 @@
 
 #include <QLoggingCategory>
 #include <QTcpSocket>
+#include <QTimer>
 
 Q_LOGGING_CATEGORY(lcAdbd, "phonesim.adbd", QtWarningMsg)
 
@@ -137,7 +138,15 @@ void AdbConnection::handle(const AdbMessage &message)
             send(AdbMessage::Clse, message.arg1, message.arg0);
             break;
         }
-        send(AdbMessage::Okay, message.arg1, message.arg0);
+        const int delayMs = stream->readRate() > 0 ? int(qint64(message.data.size()) * 1000 / stream->readRate()) : 0;
+        if (delayMs > 0) {
+            // adb sends the next chunk only after this acknowledgement: the transfer slows down.
+            QTimer::singleShot(delayMs, stream, [this, local = message.arg1, remote = message.arg0] {
+                send(AdbMessage::Okay, local, remote);
+            });
+        } else {
+            send(AdbMessage::Okay, message.arg1, message.arg0);
+        }
         stream->handleWrite(message.data);
         break;
     }

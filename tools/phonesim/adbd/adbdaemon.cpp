@@ -4,6 +4,7 @@
 #include "adbstream.h"
 #include "autojsserver.h"
 #include "journal.h"
+#include "packageinstallsession.h"
 #include "phone.h"
 #include "shellsession.h"
 #include "simserver.h"
@@ -15,9 +16,9 @@
 #include <QTimer>
 
 namespace {
-// What adb 29 makes use of: the shell protocol with exit codes, stat v2 for push, and the
-// phone creating parent folders of pushed files.
-const char *const features = "shell_v2,stat_v2,fixed_push_mkdir,fixed_push_symlink_timestamp,apex,remount_shell";
+// What adb 29 makes use of: the shell protocol with exit codes, stat v2 for push, the phone
+// creating parent folders of pushed files, and "cmd" for streamed installs.
+const char *const features = "shell_v2,cmd,stat_v2,fixed_push_mkdir,fixed_push_symlink_timestamp,apex,remount_shell";
 constexpr quint16 EchoPort = 7;
 constexpr quint16 AutojsPort = 7347;
 }
@@ -93,6 +94,10 @@ void AdbDaemon::acceptConnections(QTcpServer *server)
 
 bool AdbDaemon::openService(AdbConnection *connection, AdbStream *stream, const QByteArray &destination)
 {
+    if (PackageInstallSession::handles(destination)) {
+        new PackageInstallSession(m_phone, stream, destination);
+        return true;
+    }
     if (ShellSession::handles(destination)) {
         auto *session = new ShellSession(*this, stream, destination);
         session->start();

@@ -25,6 +25,9 @@ public:
     void close() override;
     bool isOpen() const override { return !m_closed && !m_closing; }
     qint64 pendingBytes() const override { return m_pending; }
+    // Bytes per second the phone takes in on this stream; 0 for as fast as they come.
+    int readRate() const { return m_readRate; }
+    void setReadRate(int bytesPerSecond) { m_readRate = bytesPerSecond; }
 
     // Called by the connection.
     void accept();                         // the PC's OPEN was accepted: OKAY went out, writes may flow
@@ -45,5 +48,6 @@ private:
     bool m_closed = false;
     QList<QByteArray> m_queue;
     qint64 m_pending = 0;
-    int m_inFlight = -1;   // size of the unacknowledged WRTE, -1 when none
+    int m_inFlight = -1;
+    int m_readRate = 0;   // size of the unacknowledged WRTE, -1 when none
 };

@@ -114,8 +114,10 @@ ShellCommands::Result ShellCommands::runCommand(QStringList words)
         return {line("/"), {}, 0};
     if (name == "echo")
         return {line(args.join(' ')), {}, 0};
-    if (name == "true")
+    if (name == "true" || name == "export")
         return {};
+    if (name == "exec")
+        return runCommand(args);
     if (name == "false")
         return {{}, {}, 1};
     if (name == "id")
@@ -239,11 +241,14 @@ ShellCommands::Result ShellCommands::pm(const QStringList &args)
     }
     const bool zip = file.read(2) == "PK";
     file.close();
+    const QString refusal = m_phone.profile().failInstall;
     entry.insert("sha256", sha256Of(local));
-    entry.insert("ok", zip);
+    entry.insert("ok", zip && refusal.isEmpty());
     m_phone.journal().write("install", entry);
     if (!zip)
         return {line(QString("Failure [INSTALL_FAILED_INVALID_APK: Failed to parse %1: not a valid zip archive]").arg(path)), {}, 1};
+    if (!refusal.isEmpty())
+        return {line(QString("Failure [%1: refused on request]").arg(refusal)), {}, 1};
     return {"Success\n", {}, 0};
 }
 

@@ -5,8 +5,12 @@
 #include "journal.h"
 #include "phone.h"
 #include "shellcommands.h"
+#include "shellline.h"
 #include "shellpacket.h"
 #include "simserver.h"
+
+#include <QDateTime>
+#include <QTimer>
 
 ShellSession::ShellSession(AdbDaemon &daemon, AdbStream *stream, const QByteArray &service)
     : QObject(stream)
@@ -45,6 +49,15 @@ void ShellSession::runLine(const QString &commandLine)
         startServer(commandLine);
         return;
     }
+    // "adb logcat" arrives as: export ANDROID_LOG_TAGS="''"; exec logcat ...
+    for (ShellLine::Command command : ShellLine::parse(commandLine)) {
+        if (command.words.value(0) == "exec")
+            command.words.removeFirst();
+        if (command.words.value(0) == "logcat") {
+            startLogcat(command.words);
+            return;
+        }
+    }
     ShellCommands commands(m_daemon);
     const ShellCommands::Result result = commands.run(commandLine);
     sendOut(result.out);
@@ -70,6 +83,27 @@ void ShellSession::startServer(const QString &commandLine)
     // The adb process on the PC went away: the server dies with its shell.
     connect(m_stream, &AdbStream::closed, server, &SimServer::kill);
     server->start();
+}
+
+void ShellSession::startLogcat(const QStringList &words)
+{
+    // A phone's log never ends by itself: lines keep coming until adb on the PC is killed,
+    // except for a dump (-d), which prints what there is and exits.
+    const bool dump = words.contains("-d");
+    auto writeLine = [this] {
+        const QString stamp = QDateTime::currentDateTime().toString("MM-dd hh:mm:ss.zzz");
+        sendOut(QString("%1  1234  1234 I phonesim: log line %2\n").arg(stamp).arg(++m_logLines).toUtf8());
+    };
+    if (dump) {
+        for (int i = 0; i < 3; ++i)
+            writeLine();
+        finish(0);
+        return;
+    }
+    auto *ticker = new QTimer(this);
+    connect(ticker, &QTimer::timeout, this, writeLine);
+    ticker->start(50);
+    writeLine();
 }
 
 void ShellSession::received(const QByteArray &data)

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 
 class AdbDaemon;
 class AdbStream;
@@ -26,6 +27,7 @@ public:
 private:
     void runLine(const QString &commandLine);
     void startServer(const QString &commandLine);
+    void startLogcat(const QStringList &words);
     void received(const QByteArray &data);
     void interactiveInput(const QByteArray &data);
     void sendOut(const QByteArray &data);
@@ -42,4 +44,5 @@ private:
     QByteArray m_lineBuffer;
     QPointer<SimServer> m_server;
     bool m_finished = false;
+    int m_logLines = 0;
 };

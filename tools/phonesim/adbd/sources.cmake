@@ -10,6 +10,7 @@ list(APPEND PHONESIM_ADBD_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/shellcommands.h ${CMAKE_CURRENT_LIST_DIR}/shellcommands.cpp
     ${CMAKE_CURRENT_LIST_DIR}/shellsession.h ${CMAKE_CURRENT_LIST_DIR}/shellsession.cpp
     ${CMAKE_CURRENT_LIST_DIR}/syncsession.h ${CMAKE_CURRENT_LIST_DIR}/syncsession.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/packageinstallsession.h ${CMAKE_CURRENT_LIST_DIR}/packageinstallsession.cpp
     ${CMAKE_CURRENT_LIST_DIR}/phoneproperties.h ${CMAKE_CURRENT_LIST_DIR}/phoneproperties.cpp
     ${CMAKE_CURRENT_LIST_DIR}/phoneadmin.h ${CMAKE_CURRENT_LIST_DIR}/phoneadmin.cpp
 )

@@ -24,6 +24,7 @@ SyncSession::SyncSession(Phone *phone, AdbStream *stream)
     , m_stream(stream)
 {
     connect(stream, &AdbStream::dataReceived, this, &SyncSession::received);
+    stream->setReadRate(phone->profile().slowSyncBytesPerSecond);
 }
 
 SyncSession::~SyncSession() = default;   // an unfinished push is discarded by QSaveFile

@@ -28,6 +28,8 @@ struct PhoneProfile
     // "on", or what a phone without sound answers on the audio socket: "disabled" (Android 10
     // and older) or "error" (capture failed).
     QString audio = "on";
+    QString failInstall;      // when set, the package manager refuses every install with this code
+    int slowSyncBytesPerSecond = 0;   // when above 0, pushes arrive no faster than this
 };
 
 // The state of one simulated phone shared by the adb daemon and the simulated server.

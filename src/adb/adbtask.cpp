@@ -1,0 +1,121 @@
+#include "adbtask.h"
+
+#include "adbjob.h"
+
+#include <QFileInfo>
+#include <QUuid>
+
+AdbTask::AdbTask(const QList<Step> &steps, QObject *parent)
+    : QObject(parent)
+    , m_steps(steps)
+{
+}
+
+QList<AdbTask::Step> AdbTask::commandSteps(const QString &serial, const QString &input)
+{
+    QList<Step> steps;
+    for (const QString &rawLine : input.split('\n')) {
+        const QString line = rawLine.trimmed();
+        if (line.isEmpty())
+            continue;
+        const QStringList args = QStringList{"-s", serial} + line.split(' ', Qt::SkipEmptyParts);
+        steps.append({args, AdbResult::kindOf(args), false, false});
+    }
+    return steps;
+}
+
+QList<AdbTask::Step> AdbTask::installSteps(const QString &serial, const QString &localApk)
+{
+    // The phone only ever sees a name of our own making, so the user's file name can hold any
+    // character without reaching the phone's shell.
+    const QString remote = QString(installFolder) + "korvel-"
+        + QUuid::createUuid().toString(QUuid::WithoutBraces) + ".apk";
+    return {
+        {{"-s", serial, "push", localApk, remote}, AdbResult::Kind::Push, true, false},
+        {{"-s", serial, "shell", "pm", "install", "-r", remote}, AdbResult::Kind::Install, true, false},
+        {{"-s", serial, "shell", "rm", "-f", remote}, AdbResult::Kind::Command, false, true},
+    };
+}
+
+QList<AdbTask::Step> AdbTask::uploadSteps(const QString &serial, const QString &localFile)
+{
+    // The sync protocol carries the remote name as it is; no shell parses it.
+    const QString remote = QString(uploadFolder) + QFileInfo(localFile).fileName();
+    return {{{"-s", serial, "push", localFile, remote}, AdbResult::Kind::Push, true, false}};
+}
+
+void AdbTask::start()
+{
+    if (m_started || m_finished)
+        return;
+    m_started = true;
+    emit started();
+    runStep();
+}
+
+void AdbTask::cancel()
+{
+    if (m_finished || m_cancelled)
+        return;
+    // Only the clean-up is left: the verdict is already known and stands.
+    if (m_started && m_next > 0 && m_steps.at(m_next - 1).cleanup)
+        return;
+    m_cancelled = true;
+    m_result = {AdbResult::Status::Cancelled, tr("Cancelled"), {}};
+    if (!m_started) {
+        finish();
+        return;
+    }
+    if (m_job)
+        m_job->cancel();
+}
+
+void AdbTask::runStep()
+{
+    const bool skipping = m_failed || m_cancelled;
+    while (m_next < m_steps.size() && skipping && !m_steps.at(m_next).cleanup)
+        ++m_next;
+    if (m_next >= m_steps.size()) {
+        finish();
+        return;
+    }
+    const Step &step = m_steps.at(m_next++);
+    m_job = new AdbJob(step.args, step.kind, this);
+    if (!step.cleanup)
+        connect(m_job, &AdbJob::output, this, &AdbTask::output);
+    connect(m_job, &AdbJob::finished, this, &AdbTask::stepFinished);
+    m_job->start();
+}
+
+void AdbTask::stepFinished(const AdbResult &result)
+{
+    const Step &step = m_steps.at(m_next - 1);
+    m_job->deleteLater();
+    if (!step.cleanup && !m_cancelled) {
+        if (step.kind == AdbResult::Kind::Command) {
+            m_commandOutput += result.text;
+            if (!result.text.endsWith('\n'))
+                m_commandOutput += '\n';
+        }
+        // The first failure is the verdict; later lines of a command still run and report.
+        if (!m_hasFailure)
+            m_result = result;
+        if (!result.ok()) {
+            m_hasFailure = true;
+            m_failed = m_failed || step.stopOnFailure || result.status == AdbResult::Status::TimedOut;
+        }
+    }
+    runStep();
+}
+
+void AdbTask::finish()
+{
+    if (m_finished)
+        return;
+    m_finished = true;
+    AdbResult result = m_result;
+    // A time-out keeps its reason: what the lines printed has already streamed out.
+    if (!m_commandOutput.isEmpty() && !m_cancelled && result.status != AdbResult::Status::TimedOut)
+        result.text = m_commandOutput;
+    emit finished(result);
+}

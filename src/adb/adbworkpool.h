@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QSet>
+#include <QThread>
+
+#include <atomic>
+
+class AdbTask;
+
+// The thread that runs group and single-phone adb work (installs, uploads, commands), apart from
+// the user interface and from Qt's global pool, with a bound on the adb processes at once.
+class AdbWorkPool : public QObject
+{
+    Q_OBJECT
+public:
+    static constexpr int defaultMaxRunning = 8;
+    // The application setting that holds the bound.
+    static constexpr const char *settingKey = "adbMaxProcesses";
+
+    static AdbWorkPool *instance();
+    ~AdbWorkPool() override;
+
+    int maxRunning() const { return m_maxRunning; }
+    // Zero or less restores the default.
+    void setMaxRunning(int count);
+    // Tasks handed over and not finished yet, queued or running.
+    int activeCount() const { return m_active; }
+    int runningCount() const { return m_runningCount; }
+
+    // Takes a parentless task living on the calling thread; it moves to the pool's thread and
+    // starts when a place is free. The caller keeps ownership: it deletes the task with
+    // deleteLater() once `finished` arrived, or after cancelling it.
+    void submit(AdbTask *task);
+    // Cancels a submitted task from any thread.
+    static void cancel(AdbTask *task);
+
+private:
+    AdbWorkPool();
+    void startQueued();
+    void taskEnded(QObject *task);
+
+    QThread m_thread;
+    QObject *m_context = nullptr;
+    // Touched on the pool's thread only.
+    QList<QPointer<AdbTask>> m_queue;
+    QSet<QObject *> m_running;
+    std::atomic<int> m_maxRunning{defaultMaxRunning};
+    std::atomic<int> m_active{0};
+    std::atomic<int> m_runningCount{0};
+};

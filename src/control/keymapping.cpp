@@ -1,0 +1,241 @@
+#include "keymapping.h"
+
+#include "appconfig.h"
+#include "jsonfile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QJSEngine>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+KeyMapping::KeyMapping()
+{
+    loadFromFile();
+}
+
+KeyMapping *KeyMapping::instance()
+{
+    static KeyMapping *mapping = new KeyMapping;
+    return mapping;
+}
+
+KeyMapping *KeyMapping::create(QQmlEngine *, QJSEngine *)
+{
+    KeyMapping *mapping = instance();
+    QJSEngine::setObjectOwnership(mapping, QJSEngine::CppOwnership);
+    return mapping;
+}
+
+QString KeyMapping::getConfigFilePath() const
+{
+    const QString folder = AppConfig::instance()->getKeyMappingSavePath();
+    QDir().mkpath(folder);
+    return folder + "/keymappings.json";
+}
+
+QStringList KeyMapping::profileNames() const
+{
+    QStringList names;
+    for (const KeyMappingProfile *profile : m_profiles)
+        names.append(profile->name());
+    return names;
+}
+
+QVariantList KeyMapping::currentMappings() const
+{
+    return m_current ? m_current->getMappings() : QVariantList();
+}
+
+KeyMappingProfile *KeyMapping::makeProfile(const QString &name)
+{
+    auto *profile = new KeyMappingProfile(name, this);
+    // Every edit is kept at once, whichever profile the editor shows.
+    connect(profile, &KeyMappingProfile::mappingsChanged, this, &KeyMapping::saveToFile);
+    connect(profile, &KeyMappingProfile::mappingsChanged, this, [this, profile] {
+        if (profile == m_current)
+            emit currentMappingsChanged();
+    });
+    return profile;
+}
+
+void KeyMapping::setCurrentProfile(KeyMappingProfile *profile)
+{
+    if (profile && !m_profiles.contains(profile))
+        return;
+    if (profile == m_current)
+        return;
+    m_current = profile;
+    emit currentProfileChanged();
+    emit currentMappingsChanged();
+    saveToFile();
+}
+
+bool KeyMapping::addProfile(const QString &profileName)
+{
+    if (profileName.isEmpty() || hasProfile(profileName))
+        return false;
+    m_profiles.append(makeProfile(profileName));
+    emit profilesChanged();
+    saveToFile();
+    return true;
+}
+
+void KeyMapping::removeProfile(const QString &profileName)
+{
+    KeyMappingProfile *profile = getProfile(profileName);
+    if (!profile)
+        return;
+    m_profiles.removeOne(profile);
+    const bool wasCurrent = profile == m_current;
+    if (wasCurrent)
+        m_current = nullptr;
+    // Sessions hold the profile weakly: deleting it turns their key mapping off.
+    profile->deleteLater();
+    emit profilesChanged();
+    if (wasCurrent) {
+        emit currentProfileChanged();
+        emit currentMappingsChanged();
+    }
+    saveToFile();
+}
+
+KeyMappingProfile *KeyMapping::getProfile(const QString &profileName) const
+{
+    for (KeyMappingProfile *profile : m_profiles) {
+        if (profile->name() == profileName)
+            return profile;
+    }
+    return nullptr;
+}
+
+bool KeyMapping::hasProfile(const QString &profileName) const
+{
+    return getProfile(profileName) != nullptr;
+}
+
+bool KeyMapping::saveToFile()
+{
+    if (m_saveBlocked)
+        return false;
+    QJsonObject profiles;
+    for (const KeyMappingProfile *profile : m_profiles) {
+        QJsonArray entries;
+        for (const KeyMappingEntry &entry : profile->entries())
+            entries.append(entry.toJson());
+        profiles.insert(profile->name(), entries);
+    }
+    const QJsonObject root{{"version", "1.0"},
+                           {"currentProfile", m_current ? m_current->name() : QString()},
+                           {"profiles", profiles}};
+    return JsonFile::write(getConfigFilePath(), root);
+}
+
+void KeyMapping::clearProfiles()
+{
+    const bool hadCurrent = m_current;
+    m_current = nullptr;
+    qDeleteAll(m_profiles);
+    m_profiles.clear();
+    if (hadCurrent) {
+        emit currentProfileChanged();
+        emit currentMappingsChanged();
+    }
+}
+
+void KeyMapping::setFileMessage(const QString &problem)
+{
+    if (problem == m_fileMessage)
+        return;
+    m_fileMessage = problem;
+    emit fileMessageChanged();
+}
+
+bool KeyMapping::loadFromFile()
+{
+    const QString path = getConfigFilePath();
+    if (!QFile::exists(path))
+        return false;
+    m_saveBlocked = false;
+    setFileMessage(QString());
+
+    const JsonFile::Loaded loaded = JsonFile::load(path, "profiles", QJsonValue::Object);
+    if (!loaded.message.isEmpty()) {
+        clearProfiles();
+        emit profilesChanged();
+        m_saveBlocked = loaded.blocked;
+        setFileMessage(loaded.message);
+        return false;
+    }
+    const QJsonObject root = loaded.object;
+    const QJsonValue profilesValue = root.value("profiles");
+
+    clearProfiles();
+    const QJsonObject profiles = profilesValue.toObject();
+    for (auto it = profiles.begin(); it != profiles.end(); ++it) {
+        KeyMappingProfile *profile = makeProfile(it.key());
+        // Entries that cannot be mappings (wrong types, a second entry for one key) are left out.
+        for (const QJsonValue &value : it.value().toArray()) {
+            KeyMappingEntry entry;
+            if (value.isObject() && KeyMappingEntry::fromJson(value.toObject(), &entry))
+                profile->append(entry);
+        }
+        m_profiles.append(profile);
+    }
+    emit profilesChanged();
+    if (KeyMappingProfile *current = getProfile(root.value("currentProfile").toString())) {
+        m_current = current;
+        emit currentProfileChanged();
+        emit currentMappingsChanged();
+    }
+    return true;
+}
+
+QString KeyMapping::keyDisplayText(int key, int modifiers)
+{
+    switch (key) {
+    case Qt::Key_Control:
+    case Qt::Key_Alt:
+    case Qt::Key_Shift:
+    case Qt::Key_Meta:
+        return QString();
+    default:
+        break;
+    }
+    QString prefix;
+#ifdef Q_OS_MACOS
+    if (modifiers & Qt::ControlModifier)
+        prefix += "Cmd+";
+    if (modifiers & Qt::MetaModifier)
+        prefix += "Ctrl+";
+#else
+    if (modifiers & Qt::ControlModifier)
+        prefix += "Ctrl+";
+    if (modifiers & Qt::MetaModifier)
+        prefix += "Meta+";
+#endif
+    if (modifiers & Qt::AltModifier)
+        prefix += "Alt+";
+    if (modifiers & Qt::ShiftModifier)
+        prefix += "Shift+";
+
+    if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9))
+        return prefix + QChar(key);
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F12)
+        return prefix + "F" + QString::number(key - Qt::Key_F1 + 1);
+    static const QHash<int, QString> names{
+        {Qt::Key_Space, "Space"},       {Qt::Key_Minus, "-"},           {Qt::Key_Equal, "="},
+        {Qt::Key_BracketLeft, "["},     {Qt::Key_BracketRight, "]"},    {Qt::Key_Backslash, "\\"},
+        {Qt::Key_Semicolon, ";"},       {Qt::Key_Apostrophe, "'"},      {Qt::Key_Comma, ","},
+        {Qt::Key_Period, "."},          {Qt::Key_Slash, "/"},           {Qt::Key_QuoteLeft, "`"},
+        {Qt::Key_Escape, "Esc"},        {Qt::Key_Tab, "Tab"},           {Qt::Key_Return, "Enter"},
+        {Qt::Key_Enter, "Enter"},       {Qt::Key_Backspace, "Backspace"}, {Qt::Key_Delete, "Delete"},
+        {Qt::Key_Insert, "Insert"},     {Qt::Key_Home, "Home"},         {Qt::Key_End, "End"},
+        {Qt::Key_PageUp, "PageUp"},     {Qt::Key_PageDown, "PageDown"}, {Qt::Key_Left, "Left"},
+        {Qt::Key_Right, "Right"},       {Qt::Key_Up, "Up"},             {Qt::Key_Down, "Down"},
+    };
+    const auto name = names.constFind(key);
+    return prefix + (name != names.cend() ? *name : "Key_" + QString::number(key));
+}

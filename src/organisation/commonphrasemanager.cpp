@@ -1,0 +1,208 @@
+#include "commonphrasemanager.h"
+
+#include "appconfig.h"
+#include "jsonfile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJSEngine>
+#include <QJsonArray>
+#include <QJsonObject>
+
+CommonPhraseManager::CommonPhraseManager()
+{
+    loadData();
+}
+
+CommonPhraseManager *CommonPhraseManager::instance()
+{
+    static CommonPhraseManager *manager = new CommonPhraseManager;
+    return manager;
+}
+
+CommonPhraseManager *CommonPhraseManager::create(QQmlEngine *, QJSEngine *)
+{
+    CommonPhraseManager *manager = instance();
+    QJSEngine::setObjectOwnership(manager, QJSEngine::CppOwnership);
+    return manager;
+}
+
+QString CommonPhraseManager::filePath() const
+{
+    return AppConfig::instance()->getCommonPhraseSavePath() + "/common_phrases.json";
+}
+
+QQmlListProperty<CommonPhrase> CommonPhraseManager::phrases()
+{
+    return QQmlListProperty<CommonPhrase>(this, &m_phrases);
+}
+
+QQmlListProperty<PhraseCategory> CommonPhraseManager::categories()
+{
+    return QQmlListProperty<PhraseCategory>(this, &m_categories);
+}
+
+void CommonPhraseManager::setCurrentCategoryId(const QString &id)
+{
+    if (id == m_currentCategoryId)
+        return;
+    m_currentCategoryId = id;
+    emit currentCategoryIdChanged();
+}
+
+void CommonPhraseManager::addCategory(const QString &name, const QString &description)
+{
+    auto *category = new PhraseCategory(this);
+    category->setName(name);
+    category->setDescription(description);
+    m_categories.append(category);
+    emit categoriesChanged();
+    saveData();
+}
+
+void CommonPhraseManager::removeCategory(const QString &categoryId)
+{
+    for (int i = int(m_categories.size()) - 1; i >= 0; --i) {
+        if (m_categories[i]->id() != categoryId)
+            continue;
+        // A category's phrases go with it.
+        for (int p = int(m_phrases.size()) - 1; p >= 0; --p) {
+            if (m_phrases[p]->category() == categoryId)
+                m_phrases.takeAt(p)->deleteLater();
+        }
+        m_categories.takeAt(i)->deleteLater();
+        break;
+    }
+    emit categoriesChanged();
+    emit phrasesChanged();
+    saveData();
+}
+
+void CommonPhraseManager::updateCategory(const QString &categoryId, const QString &name, const QString &description)
+{
+    if (PhraseCategory *category = getCategoryById(categoryId)) {
+        category->setName(name);
+        category->setDescription(description);
+    }
+    emit categoriesChanged();
+    saveData();
+}
+
+PhraseCategory *CommonPhraseManager::getCategoryById(const QString &categoryId) const
+{
+    for (PhraseCategory *category : m_categories) {
+        if (category->id() == categoryId)
+            return category;
+    }
+    return nullptr;
+}
+
+void CommonPhraseManager::addPhrase(const QString &text, const QString &categoryId, const QString &description)
+{
+    auto *phrase = new CommonPhrase(this);
+    phrase->setText(text);
+    phrase->setCategory(categoryId);
+    phrase->setDescription(description);
+    m_phrases.append(phrase);
+    emit phrasesChanged();
+    saveData();
+}
+
+void CommonPhraseManager::removePhrase(const QString &phraseId)
+{
+    if (CommonPhrase *phrase = getPhraseById(phraseId)) {
+        m_phrases.removeOne(phrase);
+        phrase->deleteLater();
+    }
+    emit phrasesChanged();
+    saveData();
+}
+
+void CommonPhraseManager::updatePhrase(const QString &phraseId, const QString &text, const QString &categoryId,
+                                       const QString &description)
+{
+    if (CommonPhrase *phrase = getPhraseById(phraseId)) {
+        phrase->setText(text);
+        phrase->setCategory(categoryId);
+        phrase->setDescription(description);
+    }
+    emit phrasesChanged();
+    saveData();
+}
+
+CommonPhrase *CommonPhraseManager::getPhraseById(const QString &phraseId) const
+{
+    for (CommonPhrase *phrase : m_phrases) {
+        if (phrase->id() == phraseId)
+            return phrase;
+    }
+    return nullptr;
+}
+
+QList<CommonPhrase *> CommonPhraseManager::getPhrasesByCategory(const QString &categoryId) const
+{
+    QList<CommonPhrase *> found;
+    for (CommonPhrase *phrase : m_phrases) {
+        if (phrase->category() == categoryId)
+            found.append(phrase);
+    }
+    return found;
+}
+
+void CommonPhraseManager::saveData()
+{
+    if (m_saveBlocked)
+        return;
+    QJsonArray categories;
+    for (const PhraseCategory *category : m_categories)
+        categories.append(category->toJson());
+    QJsonArray phrases;
+    for (const CommonPhrase *phrase : m_phrases)
+        phrases.append(phrase->toJson());
+    JsonFile::write(filePath(), QJsonObject{{"categories", categories},
+                                            {"phrases", phrases},
+                                            {"currentCategoryId", m_currentCategoryId}});
+}
+
+void CommonPhraseManager::clear()
+{
+    qDeleteAll(m_phrases);
+    m_phrases.clear();
+    qDeleteAll(m_categories);
+    m_categories.clear();
+}
+
+void CommonPhraseManager::setFileMessage(const QString &problem)
+{
+    if (problem == m_fileMessage)
+        return;
+    m_fileMessage = problem;
+    emit fileMessageChanged();
+}
+
+void CommonPhraseManager::loadData()
+{
+    const QString path = filePath();
+    if (!QFile::exists(path))
+        return;
+    m_saveBlocked = false;
+    setFileMessage(QString());
+
+    clear();
+    const JsonFile::Loaded loaded = JsonFile::load(path, "phrases", QJsonValue::Array);
+    m_saveBlocked = loaded.blocked;
+    setFileMessage(loaded.message);
+    const QJsonObject root = loaded.object;
+    for (const QJsonValue &value : root.value("categories").toArray()) {
+        if (value.isObject())
+            m_categories.append(PhraseCategory::fromJson(value.toObject(), this));
+    }
+    for (const QJsonValue &value : root.value("phrases").toArray()) {
+        if (value.isObject())
+            m_phrases.append(CommonPhrase::fromJson(value.toObject(), this));
+    }
+    m_currentCategoryId = root.value("currentCategoryId").toString();
+    emit categoriesChanged();
+    emit phrasesChanged();
+    emit currentCategoryIdChanged();
+}

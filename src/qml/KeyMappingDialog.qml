@@ -1,0 +1,581 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Korvel
+
+// Edits key-mapping profiles: keys are captured from the keyboard, points are placed on a live
+// picture of one of the group's phones.
+Dialog {
+    id: dialog
+    property DeviceGroup group: null
+    readonly property KeyMappingProfile profile: profileCombo.currentIndex >= 0
+                                                 ? KeyMapping.getProfile(profileCombo.currentText) : null
+    readonly property var runningDevices: {
+        const devices = group ? group.devicesForRepeater : []
+        return devices.filter(device => device && device.running)
+    }
+    readonly property Device previewDevice: runningDevices.length > 0
+                                            ? runningDevices[Math.min(Math.max(0, phoneCombo.currentIndex),
+                                                                      runningDevices.length - 1)] : null
+
+    // The editor: -1 adds, otherwise the index of the entry being changed.
+    property bool editing: false
+    property int editIndex: -1
+    property int keyCode: 0
+    property int modifiers: 0
+    property string keyDisplay: ""
+    property int type: 0
+    property real pointX: 0.5
+    property real pointY: 0.5
+    property int count: 1
+    property real startX: 0.2
+    property real startY: 0.5
+    property real endX: 0.8
+    property real endY: 0.5
+    property int duration: 200
+    property bool placingEnd: false
+    property string problem: ""
+
+    title: qsTr("Key Mapping Settings")
+    modal: true
+    anchors.centerIn: Overlay.overlay
+    width: 1200
+    height: 600
+    padding: 14
+
+    onAboutToShow: {
+        const current = KeyMapping.currentProfile ? KeyMapping.profileNames.indexOf(KeyMapping.currentProfile.name) : -1
+        profileCombo.currentIndex = current >= 0 ? current : (KeyMapping.profileNames.length > 0 ? 0 : -1)
+        editing = false
+        creating = false
+    }
+
+    property bool creating: false
+
+    function startEdit(index) {
+        problem = ""
+        editIndex = index
+        const entry = index >= 0 ? profile.mappings[index] : null
+        keyCode = entry ? entry.keyCode : 0
+        modifiers = entry ? entry.modifiers : 0
+        keyDisplay = entry ? entry.keyDisplay : ""
+        type = entry ? entry.type : 0
+        const data = entry ? entry.data : ({})
+        pointX = type === 0 && entry ? data.x : 0.5
+        pointY = type === 0 && entry ? data.y : 0.5
+        count = type === 0 && entry ? data.count : 1
+        startX = type === 1 ? data.startX : 0.2
+        startY = type === 1 ? data.startY : 0.5
+        endX = type === 1 ? data.endX : 0.8
+        endY = type === 1 ? data.endY : 0.5
+        duration = type === 1 ? data.duration : 200
+        placingEnd = false
+        editing = true
+        keyField.forceActiveFocus()
+    }
+
+    function inUnit(value) {
+        return !isNaN(value) && value >= 0 && value <= 1
+    }
+
+    function saveEntry() {
+        if (!profile)
+            return
+        if (keyDisplay.length === 0) {
+            problem = qsTr("Press a key...")
+            return
+        }
+        let data
+        if (type === 0) {
+            if (!inUnit(pointX) || !inUnit(pointY) || count < 1 || count > 10) {
+                problem = qsTr("Values out of range.")
+                return
+            }
+            data = { x: pointX, y: pointY, count: count }
+        } else {
+            if (!inUnit(startX) || !inUnit(startY) || !inUnit(endX) || !inUnit(endY)
+                    || duration < 50 || duration > 2000) {
+                problem = qsTr("Values out of range.")
+                return
+            }
+            data = { startX: startX, startY: startY, endX: endX, endY: endY, duration: duration }
+        }
+        const saved = editIndex >= 0
+                ? profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
+                : profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
+        if (!saved) {
+            problem = qsTr("This key is already mapped in this profile.")
+            return
+        }
+        editing = false
+    }
+
+    function place(fx, fy) {
+        fx = Math.round(Math.min(1, Math.max(0, fx)) * 100) / 100
+        fy = Math.round(Math.min(1, Math.max(0, fy)) * 100) / 100
+        if (type === 0) {
+            pointX = fx
+            pointY = fy
+        } else if (placingEnd) {
+            endX = fx
+            endY = fy
+        } else {
+            startX = fx
+            startY = fy
+        }
+    }
+
+    background: Rectangle {
+        color: ColorManager.backgroundDarkGray
+        border.color: ColorManager.borderDarkGreen
+        radius: Theme.radius
+    }
+    header: Label {
+        text: dialog.title
+        padding: 14
+        color: ColorManager.textGreen
+        font.pixelSize: Theme.fontTitle
+        font.bold: true
+    }
+
+    component Caption: Text {
+        color: ColorManager.textGray
+        font.pixelSize: Theme.fontNormal
+    }
+    component FractionField: KVTextField {
+        property real value
+        signal edited(real value)
+        Layout.preferredWidth: 70
+        text: value.toFixed(2)
+        validator: DoubleValidator { bottom: 0; top: 1; decimals: 3; notation: DoubleValidator.StandardNotation }
+        onTextEdited: edited(Number(text))
+    }
+
+    contentItem: RowLayout {
+        spacing: 14
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            spacing: 8
+
+            RowLayout {
+                Caption { text: qsTr("Mapping Profile:") }
+                ComboBox {
+                    id: profileCombo
+                    objectName: "profileCombo"
+                    Layout.preferredWidth: 200
+                    model: KeyMapping.profileNames
+                    Accessible.name: qsTr("Mapping Profile:")
+                    onActivated: dialog.editing = false
+                }
+                KVButton {
+                    objectName: "newProfileButton"
+                    text: qsTr("New")
+                    onClicked: {
+                        dialog.creating = true
+                        profileNameField.text = ""
+                        profileNameField.forceActiveFocus()
+                    }
+                }
+                KVButton {
+                    objectName: "deleteProfileButton"
+                    text: qsTr("Delete Profile")
+                    textColor: ColorManager.textRed
+                    enabled: dialog.profile !== null
+                    onClicked: {
+                        const name = profileCombo.currentText
+                        const question = qsTr("Are you sure you want to delete profile") + " \"" + name + "\"?"
+                        confirmDelete.ask(question, () => {
+                            KeyMapping.removeProfile(name)
+                            profileCombo.currentIndex = KeyMapping.profileNames.length > 0 ? 0 : -1
+                            dialog.editing = false
+                        })
+                    }
+                }
+            }
+
+            RowLayout {
+                visible: dialog.creating
+                Caption { text: qsTr("Create New Profile"); color: ColorManager.textGreen }
+                Caption { text: qsTr("Profile Name:") }
+                KVTextField {
+                    id: profileNameField
+                    objectName: "profileNameField"
+                    Layout.fillWidth: true
+                    placeholderText: qsTr("Enter profile name...")
+                    Accessible.name: qsTr("Profile Name:")
+                    onAccepted: createButton.clicked()
+                }
+                KVButton {
+                    id: createButton
+                    objectName: "createProfileButton"
+                    text: qsTr("Create")
+                    enabled: profileNameField.text.trim().length > 0
+                    onClicked: {
+                        const name = profileNameField.text.trim()
+                        if (!KeyMapping.addProfile(name)) {
+                            dialog.problem = qsTr("A profile with this name already exists.")
+                            return
+                        }
+                        dialog.problem = ""
+                        profileCombo.currentIndex = KeyMapping.profileNames.indexOf(name)
+                        dialog.creating = false
+                    }
+                }
+                KVButton {
+                    text: qsTr("Cancel")
+                    textColor: ColorManager.textWhite
+                    onClicked: {
+                        dialog.creating = false
+                        dialog.problem = ""
+                    }
+                }
+            }
+            Text {
+                objectName: "createProblemText"
+                visible: dialog.creating && dialog.problem.length > 0
+                text: dialog.problem
+                color: ColorManager.textRed
+                font.pixelSize: Theme.fontSmall
+            }
+
+            // The mapping table.
+            Rectangle {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                color: ColorManager.backgroundBlack
+                radius: Theme.radius
+                border.color: ColorManager.borderDarkGray
+
+                ColumnLayout {
+                    anchors.fill: parent
+                    anchors.margins: 6
+                    spacing: 4
+                    RowLayout {
+                        Caption { Layout.preferredWidth: 110; text: qsTr("Key") }
+                        Caption { Layout.preferredWidth: 70; text: qsTr("Type") }
+                        Caption { Layout.preferredWidth: 60; text: qsTr("Count") }
+                        Caption { Layout.preferredWidth: 100; text: qsTr("Duration(ms)") }
+                        Caption { Layout.fillWidth: true; text: qsTr("Actions") }
+                    }
+                    ListView {
+                        objectName: "mappingTable"
+                        Layout.fillWidth: true
+                        Layout.fillHeight: true
+                        clip: true
+                        spacing: 2
+                        model: dialog.profile ? dialog.profile.mappings : []
+                        delegate: RowLayout {
+                            required property var modelData
+                            required property int index
+                            width: ListView.view.width
+                            Text {
+                                Layout.preferredWidth: 110
+                                text: modelData.keyDisplay
+                                color: ColorManager.textWhite
+                                font.pixelSize: Theme.fontNormal
+                            }
+                            Text {
+                                Layout.preferredWidth: 70
+                                text: modelData.type === 0 ? qsTr("Touch") : qsTr("Swipe")
+                                color: ColorManager.textWhite
+                                font.pixelSize: Theme.fontNormal
+                            }
+                            Text {
+                                Layout.preferredWidth: 60
+                                text: modelData.type === 0 ? modelData.data.count : "-"
+                                color: ColorManager.textWhite
+                                font.pixelSize: Theme.fontNormal
+                            }
+                            Text {
+                                Layout.preferredWidth: 100
+                                text: modelData.type === 1 ? modelData.data.duration : "-"
+                                color: ColorManager.textWhite
+                                font.pixelSize: Theme.fontNormal
+                            }
+                            KVButton {
+                                implicitHeight: 24
+                                text: qsTr("Edit")
+                                onClicked: dialog.startEdit(index)
+                            }
+                            KVButton {
+                                implicitHeight: 24
+                                text: qsTr("Delete")
+                                textColor: ColorManager.textRed
+                                onClicked: dialog.profile.removeMapping(index)
+                            }
+                            Item { Layout.fillWidth: true }
+                        }
+                    }
+                }
+            }
+
+            RowLayout {
+                KVButton {
+                    objectName: "addMappingButton"
+                    text: qsTr("Add New Mapping")
+                    enabled: dialog.profile !== null
+                    onClicked: dialog.startEdit(-1)
+                }
+                Item { Layout.fillWidth: true }
+                KVButton {
+                    objectName: "closeButton"
+                    text: qsTr("Close")
+                    textColor: ColorManager.textWhite
+                    onClicked: dialog.close()
+                }
+            }
+        }
+
+        // The editor.
+        ColumnLayout {
+            Layout.preferredWidth: 360
+            Layout.fillHeight: true
+            spacing: 8
+
+            GridLayout {
+                visible: dialog.editing
+                columns: 4
+                columnSpacing: 8
+                rowSpacing: 6
+
+                Text {
+                    Layout.columnSpan: 4
+                    text: dialog.editIndex < 0 ? qsTr("Add New Key Mapping")
+                                               : dialog.type === 0 ? qsTr("Edit Key Mapping") : qsTr("Edit Swipe Mapping")
+                    color: ColorManager.textGreen
+                    font.pixelSize: Theme.fontNormal
+                    font.bold: true
+                }
+
+                Caption { text: qsTr("Key:") }
+                KVTextField {
+                    id: keyField
+                    objectName: "keyField"
+                    Layout.columnSpan: 3
+                    Layout.fillWidth: true
+                    readOnly: true
+                    text: dialog.keyDisplay
+                    placeholderText: qsTr("Press a key...")
+                    Accessible.name: qsTr("Key:")
+                    Keys.onPressed: event => {
+                        const display = KeyMapping.keyDisplayText(event.key, event.modifiers)
+                        event.accepted = true
+                        if (display.length === 0)
+                            return
+                        dialog.keyCode = event.key
+                        dialog.modifiers = event.modifiers
+                        dialog.keyDisplay = display
+                    }
+                }
+
+                Caption { text: qsTr("Type:") }
+                ComboBox {
+                    id: typeCombo
+                    objectName: "typeCombo"
+                    Layout.columnSpan: 3
+                    model: [qsTr("Touch"), qsTr("Swipe")]
+                    currentIndex: dialog.type
+                    Accessible.name: qsTr("Type:")
+                    onActivated: index => dialog.type = index
+                }
+
+                Caption { text: qsTr("X:"); visible: dialog.type === 0 }
+                FractionField {
+                    objectName: "xField"
+                    visible: dialog.type === 0
+                    value: dialog.pointX
+                    Accessible.name: qsTr("X:")
+                    onEdited: value => dialog.pointX = value
+                }
+                Caption { text: qsTr("Y:"); visible: dialog.type === 0 }
+                FractionField {
+                    objectName: "yField"
+                    visible: dialog.type === 0
+                    value: dialog.pointY
+                    Accessible.name: qsTr("Y:")
+                    onEdited: value => dialog.pointY = value
+                }
+                Caption { text: qsTr("Count:"); visible: dialog.type === 0 }
+                SpinBox {
+                    objectName: "countField"
+                    visible: dialog.type === 0
+                    from: 1
+                    to: 10
+                    value: dialog.count
+                    Accessible.name: qsTr("Count:")
+                    onValueModified: dialog.count = value
+                }
+                Caption { text: qsTr("(1-10)"); visible: dialog.type === 0; Layout.columnSpan: 2 }
+
+                Caption { text: qsTr("Start X:"); visible: dialog.type === 1 }
+                FractionField {
+                    objectName: "startXField"
+                    visible: dialog.type === 1
+                    value: dialog.startX
+                    Accessible.name: qsTr("Start X:")
+                    onEdited: value => dialog.startX = value
+                }
+                Caption { text: qsTr("Start Y:"); visible: dialog.type === 1 }
+                FractionField {
+                    objectName: "startYField"
+                    visible: dialog.type === 1
+                    value: dialog.startY
+                    Accessible.name: qsTr("Start Y:")
+                    onEdited: value => dialog.startY = value
+                }
+                Caption { text: qsTr("End X:"); visible: dialog.type === 1 }
+                FractionField {
+                    objectName: "endXField"
+                    visible: dialog.type === 1
+                    value: dialog.endX
+                    Accessible.name: qsTr("End X:")
+                    onEdited: value => dialog.endX = value
+                }
+                Caption { text: qsTr("End Y:"); visible: dialog.type === 1 }
+                FractionField {
+                    objectName: "endYField"
+                    visible: dialog.type === 1
+                    value: dialog.endY
+                    Accessible.name: qsTr("End Y:")
+                    onEdited: value => dialog.endY = value
+                }
+                Caption { text: qsTr("Duration(ms):"); visible: dialog.type === 1 }
+                SpinBox {
+                    objectName: "durationField"
+                    visible: dialog.type === 1
+                    from: 50
+                    to: 2000
+                    stepSize: 50
+                    editable: true
+                    value: dialog.duration
+                    Accessible.name: qsTr("Duration:")
+                    onValueModified: dialog.duration = value
+                }
+                Caption { text: qsTr("(50-2000ms)"); visible: dialog.type === 1; Layout.columnSpan: 2 }
+
+                RowLayout {
+                    Layout.columnSpan: 4
+                    visible: dialog.type === 1
+                    RadioButton {
+                        objectName: "placeStart"
+                        text: qsTr("Start")
+                        checked: !dialog.placingEnd
+                        onClicked: dialog.placingEnd = false
+                    }
+                    RadioButton {
+                        objectName: "placeEnd"
+                        text: qsTr("End")
+                        checked: dialog.placingEnd
+                        onClicked: dialog.placingEnd = true
+                    }
+                }
+
+                Text {
+                    objectName: "problemText"
+                    Layout.columnSpan: 4
+                    visible: dialog.problem.length > 0
+                    text: dialog.problem
+                    color: ColorManager.textRed
+                    font.pixelSize: Theme.fontSmall
+                }
+
+                RowLayout {
+                    Layout.columnSpan: 4
+                    KVButton {
+                        objectName: "saveMappingButton"
+                        text: qsTr("Save")
+                        onClicked: dialog.saveEntry()
+                    }
+                    KVButton {
+                        text: qsTr("Cancel")
+                        textColor: ColorManager.textWhite
+                        onClicked: dialog.editing = false
+                    }
+                }
+            }
+
+            RowLayout {
+                visible: dialog.runningDevices.length > 1
+                Caption { text: qsTr("Phone:") }
+                ComboBox {
+                    id: phoneCombo
+                    objectName: "phoneCombo"
+                    Layout.fillWidth: true
+                    model: dialog.runningDevices.map(device => device.nickName.length > 0 ? device.nickName
+                                                                                           : device.adbConnectionSerial)
+                    Accessible.name: qsTr("Phone:")
+                }
+            }
+
+            Item { Layout.fillHeight: true }
+        }
+
+        // The live picture: a click places the point being edited.
+        ColumnLayout {
+            Layout.fillHeight: true
+            Rectangle {
+                id: picture
+                objectName: "mappingPicture"
+                Layout.alignment: Qt.AlignTop
+                Layout.preferredHeight: 480
+                Layout.preferredWidth: Math.round(480 / Theme.phoneAspect)
+                color: ColorManager.backgroundPureBlack
+                border.color: ColorManager.borderDarkGray
+
+                YuvFboItem {
+                    id: preview
+                    anchors.fill: parent
+                    anchors.margins: 1
+                    source: dialog.visible && dialog.previewDevice ? dialog.previewDevice.videoFrames : null
+                }
+                Text {
+                    anchors.centerIn: parent
+                    width: parent.width - 20
+                    visible: dialog.previewDevice === null
+                    text: qsTr("Start a phone of the current group to see its screen here.")
+                    color: ColorManager.textGray
+                    font.pixelSize: Theme.fontSmall
+                    wrapMode: Text.Wrap
+                    horizontalAlignment: Text.AlignHCenter
+                }
+                MouseArea {
+                    anchors.fill: parent
+                    enabled: dialog.editing
+                    cursorShape: dialog.editing ? Qt.CrossCursor : Qt.ArrowCursor
+                    onClicked: mouse => dialog.place(mouse.x / width, mouse.y / height)
+                }
+
+                // The profile's points while browsing; the edited entry's while editing.
+                Repeater {
+                    model: dialog.editing || !dialog.profile ? [] : dialog.profile.mappings
+                    delegate: CustomCircleCursor {
+                        required property var modelData
+                        fractionX: modelData.type === 0 ? modelData.data.x : modelData.data.startX
+                        fractionY: modelData.type === 0 ? modelData.data.y : modelData.data.startY
+                        label: modelData.keyDisplay
+                    }
+                }
+                CustomCircleCursor {
+                    objectName: "pointCursor"
+                    visible: dialog.editing
+                    fractionX: dialog.type === 0 ? dialog.pointX : dialog.startX
+                    fractionY: dialog.type === 0 ? dialog.pointY : dialog.startY
+                    label: dialog.type === 0 ? dialog.keyDisplay : qsTr("Start")
+                }
+                CustomCircleCursor {
+                    objectName: "endCursor"
+                    visible: dialog.editing && dialog.type === 1
+                    fractionX: dialog.endX
+                    fractionY: dialog.endY
+                    color: ColorManager.textYellow
+                    label: qsTr("End")
+                }
+            }
+            Item { Layout.fillHeight: true }
+        }
+    }
+
+    KVConfirm { id: confirmDelete; objectName: "confirmQuestion" }
+}

@@ -1,0 +1,8 @@
+#include "fuzzinput.h"
+
+#include <QtGlobal>
+
+void FuzzInput::quietQt()
+{
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+}

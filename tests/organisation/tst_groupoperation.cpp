@@ -1,0 +1,325 @@
+#include "adbjob.h"
+#include "adbworkpool.h"
+#include "appconfig.h"
+#include "device.h"
+#include "devicegroup.h"
+#include "groupoperation.h"
+#include "phonefixture.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <unistd.h>
+
+// Operations on many phones through Debian's real adb and simulated phones: every phone gets its
+// row and its verdict, awkward file names arrive intact and run nothing, cancel leaves nothing.
+class TestGroupOperation : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<PhoneFixture> m_fixture;
+    QTemporaryDir m_files;
+    QList<PhoneSimProcess *> m_good;   // three phones that accept installs
+    PhoneSimProcess *m_refusing = nullptr;
+    PhoneSimProcess *m_slow = nullptr;
+
+    static QByteArray sha256(const QByteArray &data)
+    {
+        return QCryptographicHash::hash(data, QCryptographicHash::Sha256).toHex();
+    }
+
+    QString writeFile(const QString &name, const QByteArray &content)
+    {
+        QFile file(m_files.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            return {};
+        return file.fileName();
+    }
+
+    static QByteArray apkBytes(int size = 4096)
+    {
+        QByteArray bytes("PK\x03\x04", 4);
+        for (int i = 0; bytes.size() < size; ++i)
+            bytes += char('a' + i % 26);
+        return bytes;
+    }
+
+    // A group of its own over the given phones, in this order.
+    static void fill(DeviceGroup &group, const QList<PhoneSimProcess *> &phones)
+    {
+        for (PhoneSimProcess *phone : phones)
+            group.appendDevice(new Device(nullptr, &group, phone->serial()));
+    }
+
+    // adb processes started by this test that are still alive.
+    static QStringList adbChildren()
+    {
+        QStringList found;
+        const QString self = QString::number(getpid());
+        for (const QString &pid : QDir("/proc").entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            QFile stat("/proc/" + pid + "/stat");
+            if (!stat.open(QIODevice::ReadOnly))
+                continue;
+            const QString text = QString::fromUtf8(stat.readAll());
+            const int close = text.lastIndexOf(')');
+            const QString name = text.mid(text.indexOf('(') + 1, close - text.indexOf('(') - 1);
+            const QString parent = text.mid(close + 2).section(' ', 1, 1);
+            if (name == "adb" && parent == self)
+                found << pid;
+        }
+        return found;
+    }
+
+    QStringList tmpListing(PhoneSimProcess *phone) const
+    {
+        const AdbRunner::Result listing = m_fixture->adb().run({"-s", phone->serial(), "shell", "ls", "/data/local/tmp"});
+        return QString::fromUtf8(listing.out).split('\n', Qt::SkipEmptyParts);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(AdbRunner::available());
+        QVERIFY(m_files.isValid());
+        m_fixture = std::make_unique<PhoneFixture>(15821);
+        for (int i = 0; i < 3; ++i) {
+            PhoneSimProcess *phone = m_fixture->addPhone({720, 1600});
+            QVERIFY2(phone, qPrintable(m_fixture->error()));
+            m_good << phone;
+        }
+        m_refusing = m_fixture->addPhone({720, 1600}, {"--fail-install", "INSTALL_FAILED_OLDER_SDK"});
+        QVERIFY2(m_refusing, qPrintable(m_fixture->error()));
+        m_slow = m_fixture->addPhone({720, 1600}, {"--slow-sync", "65536"});
+        QVERIFY2(m_slow, qPrintable(m_fixture->error()));
+    }
+
+    void cleanupTestCase() { m_fixture.reset(); }
+
+    void cleanup()
+    {
+        AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "8");
+        AdbJob::setTimeouts(30000, 300000);
+    }
+
+    void installReportsEveryPhone()
+    {
+        const QByteArray apk = apkBytes(200000);
+        const QString path = writeFile("rack.apk", apk);
+        DeviceGroup group;
+        fill(group, m_good + QList<PhoneSimProcess *>{m_refusing});
+        GroupOperation *operation = group.installApk(path);
+        QCOMPARE(group.operation(), operation);
+        QCOMPARE(operation->rowCount(), 4);
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
+
+        for (int row = 0; row < 3; ++row) {
+            QCOMPARE(operation->state(row), GroupOperation::Done);
+            QCOMPARE(operation->output(row), QString("Success"));
+            QCOMPARE(m_good[row]->journal("install").last().value("sha256").toString().toUtf8(), sha256(apk));
+        }
+        QCOMPARE(operation->state(3), GroupOperation::Failed);
+        QVERIFY2(operation->output(3).startsWith("Failure [INSTALL_FAILED_OLDER_SDK"), qPrintable(operation->output(3)));
+        QCOMPARE(operation->summary(), QString("3 done, 1 failed"));
+        QVERIFY(operation->report().startsWith("Device 1:\n" + QString(32, '-') + "\nSuccess\n\n\n"));
+
+        // The temporary copy is gone from every phone, also where the install failed.
+        for (PhoneSimProcess *phone : m_good + QList<PhoneSimProcess *>{m_refusing}) {
+            const QStringList left = tmpListing(phone);
+            QVERIFY2(left.filter(".apk").isEmpty(), qPrintable(phone->serial() + ": " + left.join(' ')));
+        }
+
+        // Retry reruns only the failed phone.
+        const int installsBefore = m_good[0]->journal("install").size();
+        operation->retryFailed();
+        QCOMPARE(operation->state(0), GroupOperation::Done);
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
+        QCOMPARE(operation->state(3), GroupOperation::Failed);
+        QCOMPARE(m_good[0]->journal("install").size(), installsBefore);
+        QCOMPARE(m_refusing->journal("install").size(), 2);
+    }
+
+    void typedInstallStreamsThePackage()
+    {
+        // "install" typed in the command dialog: adb streams the package to the package manager.
+        const QByteArray apk = apkBytes(300000);
+        const QString path = writeFile("typed.apk", apk);
+        DeviceGroup group;
+        fill(group, {m_good[1], m_refusing});
+        GroupOperation *operation = group.executeADBCommand("install -r " + path);
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
+        QCOMPARE(operation->state(0), GroupOperation::Done);
+        QCOMPARE(operation->state(1), GroupOperation::Failed);
+        QVERIFY2(operation->output(1).startsWith("Failure [INSTALL_FAILED_OLDER_SDK"), qPrintable(operation->output(1)));
+        const QJsonObject streamed = m_good[1]->journal("install").last();
+        QCOMPARE(streamed.value("path").toString(), QString("(streamed)"));
+        QCOMPARE(streamed.value("sha256").toString().toUtf8(), sha256(apk));
+    }
+
+    void awkwardNamesArriveIntact_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("spaces and parentheses") << "My App (1).apk";
+        QTest::newRow("quotes") << "it's \"quoted\".apk";
+        QTest::newRow("command separator") << "a;reboot;.apk";
+        QTest::newRow("substitution") << "$(reboot) $HOME `id`.apk";
+        QTest::newRow("non-ASCII") << "应用 Ünïcode ç.apk";
+        QTest::newRow("error in the name") << "error failed Failure [X].apk";
+    }
+
+    void awkwardNamesArriveIntact()
+    {
+        QFETCH(QString, name);
+        const QByteArray apk = apkBytes(5000 + name.size());
+        const QString path = writeFile(name, apk);
+        QVERIFY(!path.isEmpty());
+        PhoneSimProcess *phone = m_good[0];
+        DeviceGroup group;
+        fill(group, {phone});
+
+        GroupOperation *install = group.installApk(path);
+        QTRY_VERIFY_WITH_TIMEOUT(!install->running(), 30000);
+        QCOMPARE(install->state(0), GroupOperation::Done);
+        QCOMPARE(phone->journal("install").last().value("sha256").toString().toUtf8(), sha256(apk));
+
+        GroupOperation *upload = group.uploadFile(path);
+        QTRY_VERIFY_WITH_TIMEOUT(!upload->running(), 30000);
+        QCOMPARE(upload->state(0), GroupOperation::Done);
+        const QJsonObject push = phone->journal("push").last();
+        QCOMPARE(push.value("path").toString(), "/sdcard/Download/" + name);
+        QCOMPARE(push.value("sha256").toString().toUtf8(), sha256(apk));
+
+        // Nothing of the name ever reached the phone's shell, so nothing in it ran.
+        QVERIFY(phone->journal("reboot").isEmpty());
+        for (const QJsonObject &shell : phone->journal("shell"))
+            QVERIFY2(!shell.value("command").toString().contains("reboot"), qPrintable(shell.value("command").toString()));
+        QVERIFY(tmpListing(phone).filter(".apk").isEmpty());
+    }
+
+    void cancelStopsRunningAndQueuedWork()
+    {
+        // 65536 bytes a second: this upload would take half a minute.
+        const QString path = writeFile("big.bin", QByteArray(2 * 1024 * 1024, 'x'));
+        // One adb process at a time, as the user can set it: the second phone waits its turn.
+        QCOMPARE(AdbWorkPool::instance()->maxRunning(), 8);
+        AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "1");
+        DeviceGroup group;
+        fill(group, {m_slow, m_good[1]});
+        GroupOperation *operation = group.uploadFile(path);
+        QTRY_COMPARE_WITH_TIMEOUT(operation->state(0), GroupOperation::Running, 10000);
+        QCOMPARE(operation->state(1), GroupOperation::Queued);
+
+        QElapsedTimer clock;
+        clock.start();
+        operation->cancel();
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 1000);
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(operation->state(0), GroupOperation::Cancelled);
+        QCOMPARE(operation->state(1), GroupOperation::Cancelled);
+        QCOMPARE(operation->summary(), QString("2 cancelled"));
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+        QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 1000);
+
+        // The queued phone never started; the slow one kept no partial file.
+        for (const QJsonObject &push : m_good[1]->journal("push"))
+            QVERIFY(!push.value("path").toString().endsWith("big.bin"));
+        QVERIFY(!QFile::exists(m_slow->sandboxPath("/sdcard/Download/big.bin")));
+    }
+
+    void sessionCallsAnswerPerPhone()
+    {
+        const QString script = writeFile("hello.js", "toast('hello');");
+        DeviceGroup group;
+        fill(group, {m_good[0], m_good[1]});
+        GroupOperation *run = group.runAutojs(script);
+        QTRY_VERIFY_WITH_TIMEOUT(!run->running(), 15000);
+        for (int row = 0; row < 2; ++row) {
+            QCOMPARE(run->state(row), GroupOperation::Done);
+            QCOMPARE(run->output(row), QString("AutoJS script started"));
+            QTRY_VERIFY_WITH_TIMEOUT(!m_good[row]->journal("autojs").isEmpty(), 5000);
+        }
+        // Without a mirroring session there is no picture to save: every phone says so at once.
+        GroupOperation *shots = group.screenshotAllDevices();
+        QVERIFY(!shots->running());
+        QCOMPARE(shots->summary(), QString("2 failed"));
+        QCOMPARE(shots->output(1), QString("Not Connected"));
+
+        // Mirrored phones save their pictures, each answering for itself.
+        QTemporaryDir pictures;
+        AppConfig::instance()->setScreenshotSavePath(pictures.path());
+        for (Device *device : group.devices())
+            device->startScrcpySession();
+        for (Device *device : group.devices())
+            QTRY_VERIFY_WITH_TIMEOUT(device->frameSize().isValid(), 15000);
+        shots = group.screenshotAllDevices();
+        QTRY_VERIFY_WITH_TIMEOUT(!shots->running(), 15000);
+        QCOMPARE(shots->summary(), QString("2 done"));
+        QCOMPARE(shots->output(0), QString("Screenshot Saved"));
+        QCOMPARE(QDir(pictures.path()).entryList({"*.jpg"}).size(), 2);
+        for (Device *device : group.devices())
+            device->stopScrcpySession();
+        for (Device *device : group.devices())
+            QTRY_VERIFY_WITH_TIMEOUT(!device->running(), 15000);
+    }
+
+    void failedPushStopsTheInstall()
+    {
+        DeviceGroup group;
+        fill(group, {m_good[0]});
+        const int installs = m_good[0]->journal("install").size();
+        GroupOperation *operation = group.installApk(m_files.filePath("never written.apk"));
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
+        QCOMPARE(operation->state(0), GroupOperation::Failed);
+        QVERIFY2(operation->output(0).contains("No such file or directory"), qPrintable(operation->output(0)));
+        // The package manager was never asked; the clean-up still ran.
+        QCOMPARE(m_good[0]->journal("install").size(), installs);
+        QVERIFY(m_good[0]->journal("shell").last().value("command").toString().startsWith("rm -f /data/local/tmp/korvel-"));
+    }
+
+    void silentTransferTimesOut()
+    {
+        // A push says nothing until it ends; past the transfer time-out it is given up.
+        AdbJob::setTimeouts(30000, 1000);
+        const QString path = writeFile("slow.bin", QByteArray(1024 * 1024, 'y'));
+        DeviceGroup group;
+        fill(group, {m_slow});
+        GroupOperation *operation = group.uploadFile(path);
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
+        QCOMPARE(operation->state(0), GroupOperation::TimedOut);
+        QCOMPARE(operation->summary(), QString("1 timed out"));
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+    }
+
+    void bareShellEndsAtOnce()
+    {
+        // An interactive shell reads commands from adb's input; it gets none and ends.
+        DeviceGroup group;
+        fill(group, {m_good[0], m_good[1]});
+        GroupOperation *operation = group.executeADBCommand("shell");
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 5000);
+        QCOMPARE(operation->summary(), QString("2 done"));
+    }
+
+    void logcatStreamsUntilCancelled()
+    {
+        // The phone's own command dialog: one row, run through the same table.
+        Device device(nullptr, nullptr, m_good[2]->serial());
+        GroupOperation own;
+        GroupOperation *operation = &own;
+        // Silence for a third of a second would end it; the lines keep it going far longer.
+        AdbJob::setTimeouts(300, 300000);
+        operation->runCommand({QVariant::fromValue<QObject *>(&device)}, "logcat");
+        QCOMPARE(operation->rowCount(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(operation->output(0).count("log line") >= 30, 10000);
+        QCOMPARE(operation->state(0), GroupOperation::Running);
+        operation->cancel();
+        QTRY_COMPARE_WITH_TIMEOUT(operation->state(0), GroupOperation::Cancelled, 1000);
+        QVERIFY(operation->output(0).contains("I phonesim: log line 3\n"));
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+    }
+};
+
+QTEST_MAIN(TestGroupOperation)
+#include "tst_groupoperation.moc"

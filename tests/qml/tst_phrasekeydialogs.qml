@@ -1,0 +1,166 @@
+import QtQuick
+import QtQuick.Controls
+import QtTest
+import Korvel
+
+// The phrase and key-mapping dialogs: each opens, edits and keeps its work in the backend.
+TestCase {
+    id: testCase
+    name: "PhraseKeyDialogs"
+    when: windowShown
+    visible: true
+    width: 1100
+    height: 760
+
+    function init() {
+        failOnWarning(/.*/)
+        // What an earlier, interrupted run left in the files.
+        for (const name of ["Harvest", "Picker"])
+            KeyMapping.removeProfile(name)
+        for (const category of CommonPhraseManager.getCategoriesList()) {
+            if (category.name === "Farm chat" || category.name === "Replies")
+                CommonPhraseManager.removeCategory(category.id)
+        }
+    }
+
+    Component { id: phrasesComponent; CommonPhrasesDialog {} }
+    Component { id: selectionComponent; PhraseSelectionDialog {} }
+    Component { id: keyMappingComponent; KeyMappingDialog {} }
+    Component { id: pickerComponent; KeyMapProfilePicker {} }
+    Component { id: deviceComponent; Device {} }
+    SignalSpy { id: selectedSpy; signalName: "phraseSelected" }
+
+    function openDialog(component, properties) {
+        const dialog = createTemporaryObject(component, testCase, properties || {})
+        dialog.open()
+        tryVerify(() => dialog.opened)
+        return dialog
+    }
+
+    function itemWithText(root, text) {
+        const children = root.contentItem ? [root.contentItem] : Array.from(root.children)
+        for (const child of children.concat(Array.from(root.children || []))) {
+            if (child.text === text && child.visible)
+                return child
+            const found = itemWithText(child, text)
+            if (found)
+                return found
+        }
+        return null
+    }
+
+    function confirmDelete(dialog) {
+        const question = findChild(dialog, "confirmQuestion")
+        tryVerify(() => question.opened)
+        mouseClick(findChild(question, "confirmDelete"))
+        tryVerify(() => !question.visible)
+    }
+
+    function test_commonPhrasesDialogEditsTheLibrary() {
+        const before = CommonPhraseManager.getCategoriesList().length
+        const dialog = openDialog(phrasesComponent)
+        findChild(dialog, "categoryField").text = "Farm chat"
+        mouseClick(findChild(dialog, "addCategoryButton"))
+        const category = CommonPhraseManager.getCategoriesList().find(c => c.name === "Farm chat")
+        verify(category)
+        compare(CommonPhraseManager.getCategoriesList().length, before + 1)
+
+        mouseClick(itemWithText(findChild(dialog, "categoryList"), "Farm chat"))
+        compare(dialog.categoryId, category.id)
+        findChild(dialog, "phraseField").text = "收菜了"
+        mouseClick(findChild(dialog, "addPhraseButton"))
+        compare(CommonPhraseManager.getPhrasesByCategory(category.id).map(p => p.text), ["收菜了"])
+
+        // Edit the phrase in place.
+        mouseClick(itemWithText(findChild(dialog, "phraseList"), "收菜了"))
+        findChild(dialog, "phraseField").text = "收菜啦"
+        mouseClick(findChild(dialog, "addPhraseButton"))
+        compare(CommonPhraseManager.getPhrasesByCategory(category.id).map(p => p.text), ["收菜啦"])
+
+        // Deleting the category takes its phrases with it.
+        mouseClick(findChild(dialog, "deleteCategoryButton"))
+        confirmDelete(dialog)
+        verify(!CommonPhraseManager.getCategoryById(category.id))
+        compare(CommonPhraseManager.getPhrasesByCategory(category.id).length, 0)
+        dialog.close()
+    }
+
+    function test_phraseSelectionHandsOverTheText() {
+        CommonPhraseManager.addCategory("Replies")
+        const category = CommonPhraseManager.getCategoriesList().find(c => c.name === "Replies")
+        CommonPhraseManager.addPhrase("ok 👍", category.id)
+        const dialog = openDialog(selectionComponent)
+        selectedSpy.target = dialog
+        selectedSpy.clear()
+        mouseClick(itemWithText(findChild(dialog, "phraseCategoryList"), "Replies"))
+        mouseClick(itemWithText(findChild(dialog, "phraseList"), "ok 👍"))
+        compare(selectedSpy.count, 1)
+        compare(selectedSpy.signalArguments[0][0], "ok 👍")
+        tryVerify(() => !dialog.visible)
+        CommonPhraseManager.removeCategory(category.id)
+    }
+
+    function test_keyMappingDialogCreatesAProfileAndAMapping() {
+        const dialog = openDialog(keyMappingComponent)
+        mouseClick(findChild(dialog, "newProfileButton"))
+        findChild(dialog, "profileNameField").text = "Harvest"
+        mouseClick(findChild(dialog, "createProfileButton"))
+        verify(KeyMapping.hasProfile("Harvest"))
+        compare(findChild(dialog, "profileCombo").currentText, "Harvest")
+        // A second profile of the same name is refused with a reason.
+        mouseClick(findChild(dialog, "newProfileButton"))
+        findChild(dialog, "profileNameField").text = "Harvest"
+        mouseClick(findChild(dialog, "createProfileButton"))
+        verify(findChild(dialog, "createProblemText").visible)
+        compare(KeyMapping.profileNames.filter(name => name === "Harvest").length, 1)
+
+        mouseClick(findChild(dialog, "addMappingButton"))
+        const keyField = findChild(dialog, "keyField")
+        tryVerify(() => keyField.activeFocus)
+        // A bare modifier is not a key of its own.
+        keyPress(Qt.Key_Shift)
+        keyRelease(Qt.Key_Shift)
+        compare(keyField.text, "")
+        keyClick(Qt.Key_Q, Qt.ControlModifier)
+        compare(keyField.text, "Ctrl+Q")
+
+        // A click on the picture places the tap.
+        const picture = findChild(dialog, "mappingPicture")
+        mouseClick(picture, picture.width * 0.25, picture.height * 0.75)
+        mouseClick(findChild(dialog, "saveMappingButton"))
+        const mappings = KeyMapping.getProfile("Harvest").mappings
+        compare(mappings.length, 1)
+        compare(mappings[0].keyDisplay, "Ctrl+Q")
+        compare(mappings[0].keyCode, Qt.Key_Q)
+        compare(mappings[0].modifiers, Qt.ControlModifier)
+        compare(mappings[0].type, 0)
+        fuzzyCompare(mappings[0].data.x, 0.25, 0.011)
+        fuzzyCompare(mappings[0].data.y, 0.75, 0.011)
+        compare(mappings[0].data.count, 1)
+
+        // The same key again is refused with a reason.
+        mouseClick(findChild(dialog, "addMappingButton"))
+        keyClick(Qt.Key_Q, Qt.ControlModifier)
+        mouseClick(findChild(dialog, "saveMappingButton"))
+        verify(findChild(dialog, "problemText").visible)
+        compare(KeyMapping.getProfile("Harvest").mappings.length, 1)
+
+        mouseClick(findChild(dialog, "deleteProfileButton"))
+        confirmDelete(dialog)
+        verify(!KeyMapping.hasProfile("Harvest"))
+        dialog.close()
+    }
+
+    function test_profilePickerSwitchesThePhone() {
+        KeyMapping.addProfile("Picker")
+        const device = createTemporaryObject(deviceComponent, testCase)
+        let dialog = openDialog(pickerComponent, { device: device })
+        mouseClick(itemWithText(dialog, "Picker"))
+        compare(device.currentKeyMappingProfile.name, "Picker")
+        tryVerify(() => !dialog.visible)
+        dialog = openDialog(pickerComponent, { device: device })
+        mouseClick(findChild(dialog, "noKeyMap"))
+        compare(device.currentKeyMappingProfile, null)
+        KeyMapping.removeProfile("Picker")
+    }
+}
