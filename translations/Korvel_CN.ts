@@ -209,6 +209,33 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>AudioDemuxer</name>
+    <message>
+        <source>Audio is not available on this phone (Android 11 or later)</source>
+        <translation>此手机无法提供音频（需要 Android 11 或更高版本）</translation>
+    </message>
+    <message>
+        <source>Audio capture failed on this phone</source>
+        <translation>此手机音频采集失败</translation>
+    </message>
+    <message>
+        <source>Sound cannot be played: %1</source>
+        <translation>无法播放声音：%1</translation>
+    </message>
+    <message>
+        <source>no Opus decoder in this FFmpeg</source>
+        <translation>此 FFmpeg 中没有 Opus 解码器</translation>
+    </message>
+    <message>
+        <source>out of memory for the Opus decoder</source>
+        <translation>Opus 解码器内存不足</translation>
+    </message>
+    <message>
+        <source>the Opus decoder did not open: %1 (error code: %2)</source>
+        <translation>Opus 解码器无法打开：%1（错误代码：%2）</translation>
+    </message>
+</context>
+<context>
     <name>Autojs</name>
     <message>
         <source>Failed to connect to AutoJS server</source>
@@ -1371,6 +1398,25 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>MediaRecorder</name>
+    <message>
+        <source>Stop Recording</source>
+        <translation>停止录制</translation>
+    </message>
+    <message>
+        <source>Record Failed</source>
+        <translation>录制失败</translation>
+    </message>
+    <message>
+        <source>Record Started</source>
+        <translation>开始录制</translation>
+    </message>
+    <message>
+        <source>Record Stopped</source>
+        <translation>录制已停止</translation>
     </message>
 </context>
 <context>

@@ -209,6 +209,33 @@ shell ps</translation>
     </message>
 </context>
 <context>
+    <name>AudioDemuxer</name>
+    <message>
+        <source>Audio is not available on this phone (Android 11 or later)</source>
+        <translation>此手機無法提供音訊（需要 Android 11 或更新版本）</translation>
+    </message>
+    <message>
+        <source>Audio capture failed on this phone</source>
+        <translation>此手機音訊擷取失敗</translation>
+    </message>
+    <message>
+        <source>Sound cannot be played: %1</source>
+        <translation>無法播放聲音：%1</translation>
+    </message>
+    <message>
+        <source>no Opus decoder in this FFmpeg</source>
+        <translation>此 FFmpeg 中沒有 Opus 解碼器</translation>
+    </message>
+    <message>
+        <source>out of memory for the Opus decoder</source>
+        <translation>Opus 解碼器記憶體不足</translation>
+    </message>
+    <message>
+        <source>the Opus decoder did not open: %1 (error code: %2)</source>
+        <translation>Opus 解碼器無法開啟：%1（錯誤代碼：%2）</translation>
+    </message>
+</context>
+<context>
     <name>Autojs</name>
     <message>
         <source>Failed to connect to AutoJS server</source>
@@ -1371,6 +1398,25 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>關閉</translation>
+    </message>
+</context>
+<context>
+    <name>MediaRecorder</name>
+    <message>
+        <source>Stop Recording</source>
+        <translation>停止錄製</translation>
+    </message>
+    <message>
+        <source>Record Failed</source>
+        <translation>錄製失敗</translation>
+    </message>
+    <message>
+        <source>Record Started</source>
+        <translation>開始錄製</translation>
+    </message>
+    <message>
+        <source>Record Stopped</source>
+        <translation>錄製已停止</translation>
     </message>
 </context>
 <context>

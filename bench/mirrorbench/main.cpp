@@ -101,6 +101,85 @@ const QStringList headers{
     "adb server CPU ms/frame", "note",
 };
 
+// A round with sound or recording beside a plain round of the same phones in the same run.
+struct ExtraRow
+{
+    QString what;
+    MirrorRound::Result plain;
+    MirrorRound::Result extra;
+};
+
+const QStringList extraHeaders{
+    "round", "phones", "plain fps/phone", "with it fps/phone", "plain CPU cores/phone", "with it CPU cores/phone", "extra CPU cores/phone",
+    "plain CPU ms/frame", "with it CPU ms/frame", "extra CPU ms/frame", "sound frames/s/phone", "recorded MB/s/phone",
+};
+
+QStringList extraColumns(const ExtraRow &row)
+{
+    const auto coresPerPhone = [](const MirrorRound::Result &r) {
+        return r.ok && r.seconds > 0 && r.phones > 0 ? r.cpuSeconds / r.seconds / r.phones : -1;
+    };
+    const auto msPerFrame = [](const MirrorRound::Result &r) {
+        return r.ok && r.frames > 0 ? r.cpuSeconds * 1000 / double(r.frames) : -1;
+    };
+    const double plainCores = coresPerPhone(row.plain);
+    const double extraCores = coresPerPhone(row.extra);
+    const double plainMs = msPerFrame(row.plain);
+    const double extraMs = msPerFrame(row.extra);
+    const double phoneSeconds = row.extra.seconds * row.extra.phones;
+    const auto fps = [](const MirrorRound::Result &r) {
+        return r.ok && r.seconds > 0 && r.phones > 0 ? double(r.frames) / r.seconds / r.phones : -1;
+    };
+    return {
+        row.what,
+        QString::number(row.extra.phones),
+        number(fps(row.plain), 1),
+        number(fps(row.extra), 1),
+        number(plainCores, 3),
+        number(extraCores, 3),
+        plainCores >= 0 && extraCores >= 0 ? QString::number(extraCores - plainCores, 'f', 3) : "n/a",
+        number(plainMs, 2),
+        number(extraMs, 2),
+        plainMs >= 0 && extraMs >= 0 ? QString::number(extraMs - plainMs, 'f', 2) : "n/a",
+        number(phoneSeconds > 0 ? double(row.extra.audioFrames) / phoneSeconds : -1, 1),
+        number(phoneSeconds > 0 && row.extra.recordedBytes > 0 ? row.extra.recordedBytes / 1e6 / phoneSeconds : -1, 2),
+    };
+}
+
+void writeExtras(QTextStream &out, const std::vector<ExtraRow> &extras)
+{
+    if (extras.empty())
+        return;
+    out << "\n## Sound and recording\n\n"
+        << "Each round runs the same phones twice in this run: plain mirroring as above, then with the "
+           "phones' sound decoded and played (\"sound\") or with every phone recording to a Matroska file "
+           "(\"recording\").\n\n"
+        << "| " << extraHeaders.join(" | ") << " |\n|---|";
+    for (int i = 1; i < extraHeaders.size(); ++i)
+        out << "---:|";
+    out << "\n";
+    for (const ExtraRow &row : extras) {
+        out << "| " << extraColumns(row).join(" | ") << " |\n";
+        if (!row.plain.ok)
+            out << "\n" << row.what << ", plain round: " << row.plain.error << "\n";
+        if (!row.extra.ok)
+            out << "\n" << row.what << ": " << row.extra.error << "\n";
+    }
+    out << "\n- **fps/phone**: pictures presented per phone and second in each of the two rounds; where "
+           "the round with sound or recording shows fewer, the machine (phones, adb and Korvel together) "
+           "was saturated and the CPU figures compare unequal work.\n"
+        << "- **CPU cores/phone**: CPU time of the process over wall time, divided by the phones; "
+           "**extra** is the round with sound or recording minus the plain round.\n"
+        << "- **CPU ms/frame**: CPU time over the pictures presented; for the recording round its extra is "
+           "the cost of one recorded picture (packet copy, queue, Matroska muxing and file writing on the "
+           "recording threads).\n"
+        << "- **sound frames/s/phone**: 20 ms Opus frames decoded per phone and second (50 when nothing is "
+           "lost). Decoding and playing are included: `bench/mirror` plays into a private PulseAudio "
+           "null sink (without a sound server the player has no device and takes nothing).\n"
+        << "- **recorded MB/s/phone**: size of the recordings over the measured phone-seconds (the files "
+           "also hold the settling time, so this is an upper bound).\n";
+}
+
 void printRow(const QStringList &cells)
 {
     QTextStream out(stdout);
@@ -113,7 +192,8 @@ void printRow(const QStringList &cells)
 }
 
 bool writeReport(const QString &path, const QStringList &machine, const QString &stream, qint64 fileFrames,
-                 double seconds, const std::vector<Row> &rows, const QString &command)
+                 double seconds, const std::vector<Row> &rows, const QString &command,
+                 const std::vector<ExtraRow> &extras = {})
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
@@ -188,6 +268,7 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
            "all decoding runs on the one thread that reads the sockets.\n"
         << "- **adb server CPU ms/frame**: CPU time of the adb server relaying the sockets (from "
            "`/proc/PID/stat`, 10 ms resolution) divided by the pictures presented.\n";
+    writeExtras(out, extras);
     return true;
 }
 
@@ -203,6 +284,8 @@ int main(int argc, char *argv[])
     parser.addOption({"counts", "Comma-separated phone counts, one round each.", "list", "1,4,8,16"});
     parser.addOption({"seconds", "Measured seconds per round.", "seconds", "10"});
     parser.addOption({"output", "Markdown file for the results.", "file"});
+    parser.addOption({"audio-phones", "Phones of the round with sound (0: none).", "count", "16"});
+    parser.addOption({"record-phones", "Phones of the recording round (0: none).", "count", "8"});
     parser.process(app);
 
     QTextStream err(stderr);
@@ -255,9 +338,13 @@ int main(int argc, char *argv[])
     out << "Stream " << stream << ": " << fileFrames << " frames" << Qt::endl << Qt::endl;
     printRow(headers);
 
+    const int audioPhones = parser.value("audio-phones").toInt();
+    const int recordPhones = parser.value("record-phones").toInt();
     const QString command = "bench_mirror --counts " + parser.value("counts") + " --seconds "
-                            + parser.value("seconds");
+                            + parser.value("seconds") + " --audio-phones " + QString::number(audioPhones)
+                            + " --record-phones " + QString::number(recordPhones);
     std::vector<Row> rows;
+    std::vector<ExtraRow> extras;
     int status = 0;
     {
         // Stops its phones and the adb server when it goes, whatever happened before.
@@ -291,6 +378,35 @@ int main(int argc, char *argv[])
             rows.push_back(std::move(row));
             if (parser.isSet("output"))
                 writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command);
+        }
+        const QList<QPair<QString, int>> extraRounds{{"sound", audioPhones}, {"recording", recordPhones}};
+        for (const auto &[what, count] : extraRounds) {
+            if (count < 1 || status != 0 || stopRequested())
+                continue;
+            while (!stopRequested() && int(fixture.phones().size()) < count) {
+                if (!fixture.addPhone({720, 1600}, {"--stream-file", stream})) {
+                    err << "bench_mirror: " << fixture.error() << Qt::endl;
+                    status = 1;
+                    break;
+                }
+            }
+            if (status != 0 || stopRequested())
+                break;
+            ExtraRow row;
+            row.what = what;
+            MirrorRound plain(fixture, port, stopRequested);
+            row.plain = plain.run(count, seconds, 2000);
+            MirrorRound::Options options;
+            options.audio = what == "sound";
+            options.record = what == "recording";
+            MirrorRound extra(fixture, port, stopRequested);
+            row.extra = extra.run(count, seconds, 2000, options);
+            out << extraColumns(row).join("  ") << Qt::endl;
+            if (!row.plain.ok || !row.extra.ok)
+                status = 1;
+            extras.push_back(row);
+            if (parser.isSet("output"))
+                writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command, extras);
         }
     }
     if (stopRequested()) {

@@ -1,7 +1,9 @@
 #include "mirrorround.h"
 
+#include "audiodecoder.h"
 #include "device.h"
 #include "framehandoff.h"
+#include "mediarecorder.h"
 #include "devicegroup.h"
 #include "phonefixture.h"
 #include "phoneprobe.h"
@@ -9,12 +11,14 @@
 #include "yuvfboitem.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <time.h>
 #include <unistd.h>
@@ -101,7 +105,7 @@ double MirrorRound::adbServerCpuSeconds()
     return (fields.at(11).toDouble() + fields.at(12).toDouble()) / ticks;
 }
 
-MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs)
+MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs, Options options)
 {
     Result result;
     const auto &phones = m_fixture.phones();
@@ -116,6 +120,7 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
         params->setMaxSize(0);
         params->setMaxFps(0);
         params->setBitRate(4000000);
+        params->setAudio(options.audio);
         device->addVideoPacketProbe(session.probe.get());
         // Watched as by a view on screen, so that every picture is decoded; the GUI thread sees
         // each hand-off as a view does.
@@ -140,8 +145,36 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     if (result.error.isEmpty() && !waitUntil(allShowPictures, 30000 + 2000 * int(sessions.size())))
         result.error = m_stopRequested() ? "stopped" : "not every phone showed a picture within the time limit";
 
+    if (result.error.isEmpty() && options.record) {
+        for (Session &s : sessions)
+            s.device->startRecord();
+        const auto allRecording = [&] {
+            return std::all_of(sessions.begin(), sessions.end(),
+                               [](const Session &s) { return s.device->videoRecorder()->isRecording(); });
+        };
+        if (!waitUntil(allRecording, 10000))
+            result.error = "not every phone started recording";
+    }
+    qint64 audioFramesBefore = 0;
+    // Counted on the sessions' media threads.
+    auto audioFrames = std::make_shared<std::atomic<qint64>>(0);
+    if (result.error.isEmpty() && options.audio) {
+        const auto allHaveSound = [&] {
+            return std::all_of(sessions.begin(), sessions.end(),
+                               [](const Session &s) { return s.device->audioDecoder() != nullptr; });
+        };
+        if (!waitUntil(allHaveSound, 10000))
+            result.error = "not every phone opened its sound";
+        for (Session &s : sessions) {
+            if (AudioDecoder *decoder = s.device->audioDecoder())
+                QObject::connect(decoder, &AudioDecoder::frameDecoded, decoder, [audioFrames] { ++*audioFrames; },
+                                 Qt::DirectConnection);
+        }
+    }
+
     if (result.error.isEmpty()) {
         waitUntil([] { return false; }, warmupMs);
+        audioFramesBefore = *audioFrames;
         for (Session &s : sessions) {
             s.probe->startCounting();
             s.publishedAtStart = s.device->videoFrames()->framesPublished();
@@ -160,6 +193,7 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
             s.probe->stopCounting();
             s.decoded = s.device->videoFrames()->framesPublished() - s.publishedAtStart;
         }
+        result.audioFrames = *audioFrames - audioFramesBefore;
         if (m_stopRequested())
             result.error = "stopped";
     }
@@ -177,6 +211,23 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     }
     std::sort(result.latenciesNs.begin(), result.latenciesNs.end());
 
+    QStringList recordings;
+    for (Session &s : sessions) {
+        if (s.device && options.record) {
+            recordings << s.device->videoRecorder()->filePath();
+            s.device->stopRecord();
+        }
+    }
+    if (options.record) {
+        waitUntil([&] {
+            return std::none_of(sessions.begin(), sessions.end(),
+                                [](const Session &s) { return s.device && s.device->videoRecorder()->isRecording(); });
+        }, 30000);
+        for (const QString &path : recordings) {
+            result.recordedBytes += QFileInfo(path).size();
+            QFile::remove(path);
+        }
+    }
     for (Session &s : sessions) {
         if (s.device)
             s.device->stopScrcpySession();

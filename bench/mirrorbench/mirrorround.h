@@ -12,6 +12,13 @@ class PhoneFixture;
 class MirrorRound
 {
 public:
+    // What each session does besides mirroring.
+    struct Options
+    {
+        bool audio = false;      // the phone's sound is decoded and played as well
+        bool record = false;     // every session records to a Matroska file
+    };
+
     struct Result
     {
         bool ok = false;
@@ -25,13 +32,16 @@ public:
         double slowestPhoneFps = 0;
         qint64 packetsWithoutFrame = 0;
         std::vector<qint64> latenciesNs;
+        qint64 audioFrames = 0;    // sound frames decoded, all phones, in the window
+        qint64 recordedBytes = 0;  // size of the recordings, all phones, whole recording
     };
 
     MirrorRound(PhoneFixture &fixture, quint16 adbServerPort, std::function<bool()> stopRequested);
 
     // Starts the sessions, waits until every phone shows pictures, lets them settle for warmupMs,
     // measures for seconds, then stops every session again, on failure too.
-    Result run(int phones, double seconds, int warmupMs);
+    Result run(int phones, double seconds, int warmupMs, Options options);
+    Result run(int phones, double seconds, int warmupMs) { return run(phones, seconds, warmupMs, Options()); }
 
 private:
     // Runs the event loop until done() holds, the timeout passes or a stop is requested.

@@ -11,6 +11,7 @@
 #include "mediapipeline.h"
 #include "offlinewatch.h"
 #include "keymappingprofile.h"
+#include "mediarecorder.h"
 #include "scrcpyserver.h"
 #include "screenshotwriter.h"
 #include "serverparams.h"
@@ -58,6 +59,12 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
     connect(m_frames, &FrameHandoff::frameAvailable, this, &Device::handleFrameAvailable);
     connect(m_frames, &FrameHandoff::watchedChanged, this, &Device::applyDecodingDemand);
     connect(m_offlineWatch, &OfflineWatch::listed, this, &Device::handleBackOnline);
+    m_recorder = new MediaRecorder(this);
+    connect(m_recorder, &MediaRecorder::message, this, &Device::deviceMessage);
+    connect(m_recorder, &MediaRecorder::resetVideoRequested, this, [this] {
+        if (m_controller)
+            m_controller->resetVideo();
+    });
 }
 
 Device::~Device()
@@ -65,6 +72,8 @@ Device::~Device()
     // The media thread first: it reads a socket that the server's tear-down closes.
     delete m_media;
     delete m_server;
+    // Finishes the file (trailer included) before the device goes, even if the phone vanished.
+    delete m_recorder;
 }
 
 int Device::indexInGroup() const
@@ -149,6 +158,7 @@ void Device::startScrcpySession()
     params->setSocketName("scrcpy_" + params->scidText());
 
     m_server = new ScrcpyServer(this, params);
+    m_recorder->setStreams(params->video(), params->audio());
     connect(m_server, &ScrcpyServer::output, this, &Device::handleServerOutput);
     connect(m_server, &ScrcpyServer::stopped, this, &Device::handleServerStopped);
     connect(m_server, &ScrcpyServer::startFailed, this, &Device::handleStartFailed);
@@ -178,6 +188,9 @@ void Device::teardownSession()
 {
     if (!m_server)
         return;
+    // A recording ends with its session: the file gets its trailer and stays playable.
+    if (m_recorder->isRecording())
+        m_recorder->stop();
     delete m_media;
     m_media = nullptr;
     // Later: this may run inside one of the server's own signals.
@@ -293,17 +306,60 @@ void Device::handleVideoSocketConnected()
     if (!socket)
         return;
     delete m_media;
+    m_media = nullptr;
+    mediaPipeline()->startVideo(socket, m_videoPacketProbes);
+    emit videoStreamStarted();
+}
+
+MediaPipeline *Device::mediaPipeline()
+{
+    if (m_media)
+        return m_media;
     m_media = new MediaPipeline("Media " + m_adbConnectionSerial, m_frames, this);
+    m_media->setRecorder(m_recorder);
     connect(m_media, &MediaPipeline::videoEnded, this, [this] {
         if (m_server)
             emit videoStreamStopped();
     });
-    m_media->startVideo(socket, m_videoPacketProbes);
-    emit videoStreamStarted();
+    connect(m_media, &MediaPipeline::audioUnavailable, this, [this](const QString &message) {
+        // The phone goes on without sound; a recording must not wait for it.
+        if (m_server)
+            m_recorder->setStreams(m_server->params()->video(), false);
+        emitError(message);
+    });
+    return m_media;
 }
 
 void Device::handleAudioSocketConnected()
 {
+    if (!m_server)
+        return;
+    QTcpSocket *socket = m_server->takeAudioSocket();
+    if (!socket)
+        return;
+    // Without video the audio socket is the session's first one and carries the device name.
+    mediaPipeline()->startAudio(socket, !m_server->params()->video());
+}
+
+AudioDecoder *Device::audioDecoder() const
+{
+    return m_media ? m_media->audioDecoder() : nullptr;
+}
+
+void Device::startRecord()
+{
+    // The recording asks the phone for a fresh key frame through the control channel.
+    if (!m_controller) {
+        emitError(tr("Not Connected"), 2000);
+        return;
+    }
+    m_recorder->setOutput(AppConfig::instance()->getVideoSavePath(), nickName(), m_adbConnectionSerial);
+    m_recorder->start();
+}
+
+void Device::stopRecord()
+{
+    m_recorder->stop();
 }
 
 void Device::handleControlSocketConnected()

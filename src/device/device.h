@@ -13,6 +13,7 @@
 
 #include <memory>
 
+class AudioDecoder;
 class Autojs;
 class Controller;
 class DeviceGroup;
@@ -20,6 +21,7 @@ class FrameHandoff;
 class MediaPipeline;
 class OfflineWatch;
 class KeyMappingProfile;
+class MediaRecorder;
 class PacketSink;
 class ScrcpyServer;
 class ScreenshotWriter;
@@ -36,6 +38,7 @@ class Device : public QObject
     Q_MOC_INCLUDE("controller.h")
     Q_MOC_INCLUDE("autojs.h")
     Q_MOC_INCLUDE("framehandoff.h")
+    Q_MOC_INCLUDE("mediarecorder.h")
     Q_MOC_INCLUDE("keymappingprofile.h")
     Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
@@ -57,6 +60,7 @@ class Device : public QObject
     Q_PROPERTY(FrameHandoff *videoFrames READ videoFrames CONSTANT)
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
     Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
+    Q_PROPERTY(MediaRecorder *videoRecorder READ videoRecorder CONSTANT)
     Q_PROPERTY(KeyMappingProfile *currentKeyMappingProfile READ currentKeyMappingProfile
                    WRITE setCurrentKeyMappingProfile NOTIFY currentKeyMappingProfileChanged)
 
@@ -98,6 +102,10 @@ public:
     QSize frameSize() const { return m_frameSize; }
     KeyMappingProfile *currentKeyMappingProfile() const;
     ScrcpyServer *server() const { return m_server; }
+    MediaRecorder *videoRecorder() const { return m_recorder; }
+    // The current session's sound decoder, living on the media thread (connect to it directly);
+    // null until the audio socket arrives.
+    AudioDecoder *audioDecoder() const;
     // Sinks placed first, in the order added, in every video demuxer created from now on: they see
     // each packet before the decoder, on the session's media thread (statistics, benchmarks). Not
     // owned; they must outlive the device.
@@ -153,6 +161,8 @@ public:
     Q_INVOKABLE void setNickName(const QString &nickname);
     Q_INVOKABLE void setIsBigView(bool isBigView);
     Q_INVOKABLE void takeScreenshot();
+    Q_INVOKABLE void startRecord();
+    Q_INVOKABLE void stopRecord();
     Q_INVOKABLE void installAPK(const QString &filePath);
     Q_INVOKABLE void runAutojs(const QString &autojsPath);
     Q_INVOKABLE void stopAutojs();
@@ -188,6 +198,7 @@ private:
     void handleBackOnline();
     void handleStartFailed(const QString &error);
     void applyDecodingDemand();
+    MediaPipeline *mediaPipeline();
     void saveScreenshot();
     void handleScreenshotFinished(bool saved);
 
@@ -208,6 +219,7 @@ private:
     FrameHandoff *m_frames;
     MediaPipeline *m_media = nullptr;
     QList<PacketSink *> m_videoPacketProbes;
+    MediaRecorder *m_recorder = nullptr;
     bool m_starting = false;
     bool m_offline = false;
     QDateTime m_offlineSince;

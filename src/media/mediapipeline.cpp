@@ -1,5 +1,6 @@
 #include "mediapipeline.h"
 
+#include "audiodecoder.h"
 #include "mediaworker.h"
 
 #include <QTcpSocket>
@@ -13,6 +14,7 @@ MediaPipeline::MediaPipeline(const QString &name, FrameHandoff *frames, QObject 
     m_thread->setObjectName(name);
     m_worker->moveToThread(m_thread);
     connect(m_worker, &MediaWorker::videoEnded, this, &MediaPipeline::videoEnded);
+    connect(m_worker, &MediaWorker::audioUnavailable, this, &MediaPipeline::audioUnavailable);
     m_thread->start();
 }
 
@@ -29,7 +31,28 @@ void MediaPipeline::startVideo(QTcpSocket *socket, const QList<PacketSink *> &pr
     if (!socket)
         return;
     socket->moveToThread(m_thread);
-    QMetaObject::invokeMethod(m_worker, [worker = m_worker, socket, probes] { worker->startVideo(socket, probes); });
+    QMetaObject::invokeMethod(m_worker, [worker = m_worker, socket, probes, recorder = m_recorder] {
+        worker->startVideo(socket, probes, recorder);
+    });
+}
+
+AudioDecoder *MediaPipeline::audioDecoder() const
+{
+    return m_audioDecoder.data();
+}
+
+void MediaPipeline::startAudio(QTcpSocket *socket, bool deviceNameFirst)
+{
+    if (!socket || m_audioDecoder)
+        return;
+    socket->moveToThread(m_thread);
+    // Made here so that its address is known at once; it works on the media thread.
+    auto *decoder = new AudioDecoder;
+    decoder->moveToThread(m_thread);
+    m_audioDecoder = decoder;
+    QMetaObject::invokeMethod(m_worker, [worker = m_worker, socket, decoder, deviceNameFirst, recorder = m_recorder] {
+        worker->startAudio(socket, decoder, deviceNameFirst, recorder);
+    });
 }
 
 void MediaPipeline::setDecodingPaused(bool paused)

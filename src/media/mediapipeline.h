@@ -5,7 +5,9 @@
 #include <QPointer>
 #include <QString>
 
+class AudioDecoder;
 class FrameHandoff;
+class MediaRecorder;
 class PacketSink;
 class QTcpSocket;
 class QThread;
@@ -25,6 +27,15 @@ public:
     // Takes the socket (it must have no parent) and moves it to the media thread. probes see each
     // packet before the decoder, on the media thread; they must outlive the pipeline.
     void startVideo(QTcpSocket *socket, const QList<PacketSink *> &probes = {});
+    // The recorder gets every video and audio packet first, on the media thread; set it before the
+    // streams start. It must outlive the pipeline.
+    void setRecorder(MediaRecorder *recorder) { m_recorder = recorder; }
+    // Takes the audio socket like startVideo; its sound is decoded and played on the media thread.
+    // deviceNameFirst: the socket is the session's first one (no video), so the name leads it.
+    void startAudio(QTcpSocket *socket, bool deviceNameFirst);
+    // Lives on the media thread; null before startAudio.
+    AudioDecoder *audioDecoder() const;
+
     // A paused decoder skips packets but the socket is still read, so the phone never stalls;
     // after a pause decoding resumes at the next key frame.
     void setDecodingPaused(bool paused);
@@ -34,8 +45,12 @@ public:
 signals:
     // The phone closed the video stream (on the owner's thread).
     void videoEnded();
+    // The phone sends no sound or it cannot be played: a text for the user (on the owner's thread).
+    void audioUnavailable(const QString &message);
 
 private:
     QThread *m_thread;
     MediaWorker *m_worker;
+    MediaRecorder *m_recorder = nullptr;
+    QPointer<AudioDecoder> m_audioDecoder;
 };

@@ -1,9 +1,14 @@
 #include "mediaworker.h"
 
+#include "audiodecoder.h"
+#include "audiodemuxer.h"
 #include "framehandoff.h"
+#include "mediarecorder.h"
+#include "simpleaudioplayer.h"
 #include "videodecoder.h"
 #include "videodemuxer.h"
 
+#include <QPointer>
 #include <QTcpSocket>
 
 extern "C" {
@@ -21,27 +26,64 @@ MediaWorker::~MediaWorker()
     delete m_videoDemuxer;
     delete m_videoDecoder;
     delete m_videoSocket;
+    delete m_audioDemuxer;
+    delete m_audioDecoder;
+    delete m_audioPlayer;
+    delete m_audioSocket;
     sws_freeContext(m_converter);
     av_frame_free(&m_converted);
 }
 
-void MediaWorker::startVideo(QTcpSocket *socket, const QList<PacketSink *> &probes)
+void MediaWorker::startVideo(QTcpSocket *socket, const QList<PacketSink *> &probes, MediaRecorder *recorder)
 {
     m_videoSocket = socket;
     m_videoDecoder = new VideoDecoder;
     connect(m_videoDecoder, &VideoDecoder::frameDecoded, this, &MediaWorker::publish);
-    m_videoDemuxer = new VideoDemuxer(socket, nullptr, m_videoDecoder);
+    m_videoDemuxer = new VideoDemuxer(socket, recorder ? recorder->videoSink() : nullptr, m_videoDecoder);
+    const int first = recorder ? 1 : 0;
     for (int i = 0; i < probes.size(); ++i)
-        m_videoDemuxer->insertPacketSink(i, probes.at(i));
+        m_videoDemuxer->insertPacketSink(first + i, probes.at(i));
     m_videoDecoder->setDemuxer(m_videoDemuxer);
+    if (recorder) {
+        recorder->setVideoCodecSource([demuxer = QPointer<VideoDemuxer>(m_videoDemuxer)]() -> AVCodecContext * {
+            return demuxer ? demuxer->codecContext() : nullptr;
+        });
+    }
     connect(socket, &QTcpSocket::disconnected, this, &MediaWorker::videoEnded);
     // Bytes may have arrived before the socket moved here.
     if (socket->bytesAvailable() > 0)
         m_videoDemuxer->read();
 }
 
+void MediaWorker::startAudio(QTcpSocket *socket, AudioDecoder *decoder, bool deviceNameFirst,
+                             MediaRecorder *recorder)
+{
+    m_audioSocket = socket;
+    m_audioDecoder = decoder;
+    // The sink belongs to this thread, so it is made here; it never blocks this thread.
+    m_audioPlayer = new SimpleAudioPlayer;
+    connect(m_audioDecoder, &AudioDecoder::frameDecoded, m_audioPlayer,
+            [player = m_audioPlayer](AVFrame *frame) { player->playFrame(frame); });
+    m_audioDemuxer = new AudioDemuxer(socket, recorder ? recorder->audioSink() : nullptr, m_audioDecoder,
+                                      deviceNameFirst);
+    m_audioDecoder->setDemuxer(m_audioDemuxer);
+    if (recorder) {
+        recorder->setAudioCodecSource([demuxer = QPointer<AudioDemuxer>(m_audioDemuxer)]() -> AVCodecContext * {
+            return demuxer ? demuxer->codecContext() : nullptr;
+        });
+    }
+    connect(m_audioDemuxer, &AudioDemuxer::audioUnavailable, this, [this](const QString &message) {
+        m_audioPlayer->stop();
+        emit audioUnavailable(message);
+    });
+    m_audioPlayer->start();
+    if (socket->bytesAvailable() > 0)
+        m_audioDemuxer->read();
+}
+
 void MediaWorker::setDecodingPaused(bool paused)
 {
+    // Only pictures follow the views: sound the user switched on keeps playing off screen.
     if (m_videoDecoder)
         m_videoDecoder->setDecodingPaused(paused);
 }

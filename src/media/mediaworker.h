@@ -4,6 +4,10 @@
 #include <QObject>
 
 struct AVFrame;
+class AudioDecoder;
+class AudioDemuxer;
+class MediaRecorder;
+class SimpleAudioPlayer;
 struct SwsContext;
 class FrameHandoff;
 class PacketSink;
@@ -11,8 +15,8 @@ class QTcpSocket;
 class VideoDecoder;
 class VideoDemuxer;
 
-// Lives on a session's media thread and owns everything that runs there: the video socket, its
-// demuxer and its decoder. Pictures in a format the views cannot draw are converted to 4:2:0 here.
+// Lives on a session's media thread and owns everything that runs there: the video and audio
+// sockets, their demuxers and decoders, and the sound output. Pictures in a format the views cannot draw are converted to 4:2:0 here.
 class MediaWorker : public QObject
 {
     Q_OBJECT
@@ -21,11 +25,15 @@ public:
     explicit MediaWorker(FrameHandoff *frames);
     ~MediaWorker() override;
 
-    void startVideo(QTcpSocket *socket, const QList<PacketSink *> &probes);
+    // The recorder (may be null) is the first sink of each demuxer.
+    void startVideo(QTcpSocket *socket, const QList<PacketSink *> &probes, MediaRecorder *recorder = nullptr);
+    // Takes ownership of socket and decoder.
+    void startAudio(QTcpSocket *socket, AudioDecoder *decoder, bool deviceNameFirst, MediaRecorder *recorder);
     void setDecodingPaused(bool paused);
 
 signals:
     void videoEnded();
+    void audioUnavailable(const QString &message);
 
 private:
     void publish(AVFrame *frame);
@@ -34,6 +42,10 @@ private:
     QTcpSocket *m_videoSocket = nullptr;
     VideoDemuxer *m_videoDemuxer = nullptr;
     VideoDecoder *m_videoDecoder = nullptr;
+    QTcpSocket *m_audioSocket = nullptr;
+    AudioDemuxer *m_audioDemuxer = nullptr;
+    AudioDecoder *m_audioDecoder = nullptr;
+    SimpleAudioPlayer *m_audioPlayer = nullptr;
     SwsContext *m_converter = nullptr;
     AVFrame *m_converted = nullptr;
 };

@@ -1,5 +1,19 @@
 list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/packetsink.h
+    ${CMAKE_CURRENT_LIST_DIR}/packetframing.h
+    ${CMAKE_CURRENT_LIST_DIR}/packetframing.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/audiodemuxer.h
+    ${CMAKE_CURRENT_LIST_DIR}/audiodemuxer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/audiodecoder.h
+    ${CMAKE_CURRENT_LIST_DIR}/audiodecoder.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/audioresampler.h
+    ${CMAKE_CURRENT_LIST_DIR}/audioresampler.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/simpleaudioplayer.h
+    ${CMAKE_CURRENT_LIST_DIR}/simpleaudioplayer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/recordingtimeline.h
+    ${CMAKE_CURRENT_LIST_DIR}/recordingtimeline.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/mediarecorder.h
+    ${CMAKE_CURRENT_LIST_DIR}/mediarecorder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.h
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodecoder.h

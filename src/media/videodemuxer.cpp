@@ -1,5 +1,6 @@
 #include "videodemuxer.h"
 
+#include "packetframing.h"
 #include "packetsink.h"
 
 #include <QIODevice>
@@ -10,8 +11,8 @@
 
 namespace {
 
-constexpr quint64 ConfigFlag = quint64(1) << 63;
-constexpr quint64 KeyFrameFlag = quint64(1) << 62;
+using PacketFraming::ConfigFlag;
+using PacketFraming::KeyFrameFlag;
 constexpr quint64 PtsMask = (quint64(1) << 62) - 1;
 constexpr int DeviceNameSize = 64;
 
@@ -82,22 +83,16 @@ void VideoDemuxer::read()
     const qsizetype available = m_buffer.size();
     qsizetype pos = 0;
     for (int pass = 0; pass < MaxPacketsPerRead; ++pass) {
-        if (available - pos < PacketHeaderSize)
+        const PacketFraming::Entry entry = PacketFraming::next(data + pos, available - pos, MaxPayloadSize);
+        if (entry.status == PacketFraming::Entry::NeedMore)
             break;
-        const quint64 ptsAndFlags = qFromBigEndian<quint64>(data + pos);
-        const quint32 size = qFromBigEndian<quint32>(data + pos + 8);
-        if (size == 0 || size > MaxPayloadSize) {
+        if (entry.status == PacketFraming::Entry::BadSize
+            || !fillPacket(reinterpret_cast<const char *>(entry.payload), int(entry.size))) {
             pos += PacketHeaderSize;
             continue;
         }
-        if (available - pos < qsizetype(size) + PacketHeaderSize)
-            break;
-        const uchar *payload = data + pos + PacketHeaderSize;
-        if (!fillPacket(reinterpret_cast<const char *>(payload), int(size))) {
-            pos += PacketHeaderSize;
-            continue;
-        }
-        pos += PacketHeaderSize + size;
+        pos += PacketHeaderSize + entry.size;
+        const quint64 ptsAndFlags = entry.ptsAndFlags;
 
         const qint64 pts = (ptsAndFlags & ConfigFlag) ? AV_NOPTS_VALUE : qint64(ptsAndFlags & PtsMask);
         m_packet->pts = pts;

@@ -108,6 +108,10 @@ TestCase {
         mouseClick(audio)
         compare(device.isAudioEnabled, true)
         compare(audio.tip, "Audio Enabled")
+        // Recording is offered on every bound phone; it reads the phone's own recorder.
+        const record = Array.from(home.parent.children).find(child => child.tip === "Record Video")
+        verify(record.enabled)
+        compare(device.videoRecorder.isRecording, false)
     }
 
     function test_screenPositionOverlay() {

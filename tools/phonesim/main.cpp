@@ -90,6 +90,7 @@ int runPhone(int argc, char **argv)
         {"animate", "Keep the test pattern moving."},
         {"wifi-address", "The phone's own Wi-Fi address, 127.0.0.x.", "address"},
         {"reboot-delay", "Milliseconds a reboot keeps the phone away.", "ms", "2000"},
+        {"audio", "Sound capture: on, disabled (no capture before Android 11) or error (capture fails).", "mode", "on"},
         {"fail-install", "The package manager refuses every install with this code, e.g. INSTALL_FAILED_OLDER_SDK.", "code"},
         {"slow-sync", "Pushed files arrive at no more than this many bytes per second.", "bytes"},
     });
@@ -124,6 +125,9 @@ int runPhone(int argc, char **argv)
                           .absolutePath();
     profile.streamFile = parser.value("stream-file");
     profile.animate = parser.isSet("animate");
+    profile.audio = parser.value("audio");
+    if (profile.audio != "on" && profile.audio != "disabled" && profile.audio != "error")
+        return fail("--audio must be on, disabled or error");
     profile.failInstall = parser.value("fail-install");
     if (!profile.failInstall.isEmpty() && !QRegularExpression("^[A-Z0-9_]+$").match(profile.failInstall).hasMatch())
         return fail("--fail-install takes a code in capitals, e.g. INSTALL_FAILED_OLDER_SDK");

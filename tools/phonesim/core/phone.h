@@ -25,6 +25,9 @@ struct PhoneProfile
     QString dataDir;          // journal, sandbox and control files live here
     QString streamFile;       // optional pre-encoded H.264 played instead of the test pattern
     bool animate = false;     // keep the test pattern moving so frames flow at max fps
+    // "on", or what a phone without sound answers on the audio socket: "disabled" (Android 10
+    // and older) or "error" (capture failed).
+    QString audio = "on";
     QString failInstall;      // when set, the package manager refuses every install with this code
     int slowSyncBytesPerSecond = 0;   // when above 0, pushes arrive no faster than this
 };

@@ -10,9 +10,10 @@ constexpr qint64 congestedBytes = 256 * 1024;
 constexpr int bitRate = 128000;
 }
 
-AudioStreamer::AudioStreamer(PhoneChannel *channel, QObject *parent)
+AudioStreamer::AudioStreamer(PhoneChannel *channel, const QString &mode, QObject *parent)
     : QObject(parent)
     , m_channel(channel)
+    , m_mode(mode)
 {
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &AudioStreamer::sendDuePackets);
@@ -20,6 +21,12 @@ AudioStreamer::AudioStreamer(PhoneChannel *channel, QObject *parent)
 
 bool AudioStreamer::start(QString *error)
 {
+    if (m_mode == "disabled" || m_mode == "error") {
+        if (m_channel)
+            m_channel->write(StreamFraming::audioHeader(m_mode == "disabled" ? StreamFraming::codecDisabled
+                                                                             : StreamFraming::codecError));
+        return true;
+    }
     if (!m_encoder.open(bitRate, error))
         return false;
     if (m_channel) {

@@ -15,7 +15,9 @@ class AudioStreamer : public QObject
 {
     Q_OBJECT
 public:
-    explicit AudioStreamer(PhoneChannel *channel, QObject *parent = nullptr);
+    // mode: "on" streams the tone; "disabled" or "error" send only that codec id, as a phone
+    // without sound capture does.
+    explicit AudioStreamer(PhoneChannel *channel, const QString &mode = "on", QObject *parent = nullptr);
 
     bool start(QString *error);
     void stop();
@@ -24,6 +26,7 @@ private:
     void sendDuePackets();
 
     QPointer<PhoneChannel> m_channel;
+    QString m_mode;
     OpusToneEncoder m_encoder;
     QTimer m_timer;
     QElapsedTimer m_clock;

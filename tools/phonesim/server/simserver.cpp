@@ -143,7 +143,7 @@ void SimServer::startStreams()
         }
     }
     if (m_audio) {
-        m_audioStreamer = new AudioStreamer(m_audio, this);
+        m_audioStreamer = new AudioStreamer(m_audio, m_phone->profile().audio, this);
         if (!m_audioStreamer->start(&error)) {
             // A phone that cannot capture sound keeps mirroring without it.
             log("WARN", "Audio disabled: " + error);

@@ -13,6 +13,9 @@ public:
 
     static constexpr quint32 codecH264 = 0x68323634; // "h264"
     static constexpr quint32 codecOpus = 0x6f707573; // "opus"
+    // What the audio socket carries instead of a codec when the phone has no sound to give.
+    static constexpr quint32 codecDisabled = 0;
+    static constexpr quint32 codecError = 1;
     static constexpr quint64 configFlag = quint64(1) << 63;
     static constexpr quint64 keyFrameFlag = quint64(1) << 62;
     static constexpr int deviceNameSize = 64;

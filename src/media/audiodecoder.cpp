@@ -1,0 +1,58 @@
+#include "audiodecoder.h"
+
+#include "audiodemuxer.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavutil/frame.h>
+}
+
+AudioDecoder::AudioDecoder(QObject *parent)
+    : QObject(parent)
+    , m_frame(av_frame_alloc())
+{
+}
+
+AudioDecoder::~AudioDecoder()
+{
+    av_frame_free(&m_frame);
+}
+
+void AudioDecoder::setDemuxer(AudioDemuxer *demuxer)
+{
+    m_demuxer = demuxer;
+}
+
+void AudioDecoder::setDecodingPaused(bool paused)
+{
+    m_paused = paused;
+}
+
+void AudioDecoder::decodePacket(const AVPacket *packet)
+{
+    // The configuration packet is the "OpusHead" header, not sound: decoding it would be noise.
+    if (m_paused || !m_frame || !packet || packet->pts == AV_NOPTS_VALUE)
+        return;
+    if (m_demuxer)
+        m_codecContext = m_demuxer->sharedCodecContext();
+    AVCodecContext *context = m_codecContext.get();
+    if (!context)
+        return;
+
+    int result = avcodec_send_packet(context, packet);
+    if (result == AVERROR(EAGAIN)) {
+        drain(context);
+        result = avcodec_send_packet(context, packet);
+    }
+    if (result < 0)
+        return;
+    drain(context);
+}
+
+void AudioDecoder::drain(AVCodecContext *context)
+{
+    while (avcodec_receive_frame(context, m_frame) >= 0) {
+        emit frameDecoded(m_frame);
+        av_frame_unref(m_frame);
+    }
+}

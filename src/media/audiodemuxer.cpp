@@ -1,0 +1,171 @@
+#include "audiodemuxer.h"
+
+#include "packetframing.h"
+#include "packetsink.h"
+
+#include <QtEndian>
+#include <QtDebug>
+
+#include <cstring>
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libavutil/mem.h>
+}
+
+AudioDemuxer::AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder, bool deviceNameFirst)
+    : m_socket(socket)
+    , m_deviceNameFirst(deviceNameFirst)
+    , m_packet(av_packet_alloc())
+{
+    for (PacketSink *sink : {recorder, decoder}) {
+        if (sink)
+            m_sinks.append(makeSink(sink));
+    }
+    if (m_socket)
+        connect(m_socket, &QIODevice::readyRead, this, &AudioDemuxer::read);
+}
+
+AudioDemuxer::~AudioDemuxer()
+{
+    av_packet_free(&m_packet);
+}
+
+AudioDemuxer::Sink AudioDemuxer::makeSink(PacketSink *sink)
+{
+    Sink result;
+    result.sink = sink;
+    if (QObject *object = dynamic_cast<QObject *>(sink)) {
+        result.guard = object;
+        result.guarded = true;
+    }
+    return result;
+}
+
+void AudioDemuxer::read()
+{
+    if (m_state == State::Unavailable) {
+        // Nothing more is expected; whatever comes is not sound we could play.
+        if (m_socket)
+            m_socket->readAll();
+        return;
+    }
+    if (m_socket)
+        m_buffer.append(m_socket->readAll());
+    if (m_state == State::AwaitingHeader && !parseHeader())
+        return;
+    if (m_state != State::Streaming || !m_packet)
+        return;
+
+    const auto *data = reinterpret_cast<const uchar *>(m_buffer.constData());
+    const qsizetype available = m_buffer.size();
+    qsizetype pos = 0;
+    for (int pass = 0; pass < MaxPacketsPerRead; ++pass) {
+        const PacketFraming::Entry entry = PacketFraming::next(data + pos, available - pos, MaxPayloadSize);
+        if (entry.status == PacketFraming::Entry::NeedMore)
+            break;
+        if (entry.status == PacketFraming::Entry::BadSize || av_new_packet(m_packet, int(entry.size)) < 0) {
+            pos += PacketFraming::HeaderSize;
+            continue;
+        }
+        std::memcpy(m_packet->data, entry.payload, entry.size);
+        pos += PacketFraming::HeaderSize + entry.size;
+
+        // Opus timestamps go through whole: no flag bits are masked and no key flag is set.
+        const bool config = entry.ptsAndFlags & PacketFraming::ConfigFlag;
+        const qint64 pts = config ? AV_NOPTS_VALUE : qint64(entry.ptsAndFlags);
+        m_packet->pts = pts;
+        m_packet->dts = pts;
+        if (config)
+            keepConfiguration(entry.payload, int(entry.size));
+
+        for (qsizetype i = 0; i < m_sinks.size(); ++i) {
+            const Sink &sink = m_sinks.at(i);
+            if (sink.sink && !(sink.guarded && sink.guard.isNull()))
+                sink.sink->pushPacket(m_packet);
+        }
+        av_packet_unref(m_packet);
+    }
+    m_buffer.remove(0, pos);
+}
+
+bool AudioDemuxer::parseHeader()
+{
+    if (m_buffer.size() < headerSize())
+        return false;
+    const auto *data = reinterpret_cast<const uchar *>(m_buffer.constData());
+    if (m_deviceNameFirst) {
+        const QByteArray name = m_buffer.left(DeviceNameSize);
+        const qsizetype nul = name.indexOf('\0');
+        m_deviceName = QString::fromUtf8(nul < 0 ? name : name.left(nul));
+        data += DeviceNameSize;
+    }
+    m_codecId = qFromBigEndian<quint32>(data);
+    m_buffer.remove(0, headerSize());
+    m_state = State::Streaming;
+
+    if (m_codecId == CodecDisabled) {
+        giveUp(tr("Audio is not available on this phone (Android 11 or later)"));
+        return false;
+    }
+    if (m_codecId == CodecError) {
+        giveUp(tr("Audio capture failed on this phone"));
+        return false;
+    }
+    QString error;
+    if (!openCodec(&error)) {
+        qWarning().noquote() << "AudioDemuxer:" << error;
+        giveUp(tr("Sound cannot be played: %1").arg(error));
+        return false;
+    }
+    return true;
+}
+
+void AudioDemuxer::giveUp(const QString &message)
+{
+    m_state = State::Unavailable;
+    m_buffer.clear();
+    emit audioUnavailable(message);
+}
+
+bool AudioDemuxer::openCodec(QString *error)
+{
+    // The stream is always Opus, whatever id it names.
+    const AVCodec *codec = avcodec_find_decoder_by_name("opus");
+    if (!codec) {
+        *error = tr("no Opus decoder in this FFmpeg");
+        return false;
+    }
+    AVCodecContext *context = avcodec_alloc_context3(codec);
+    if (!context) {
+        *error = tr("out of memory for the Opus decoder");
+        return false;
+    }
+    std::shared_ptr<AVCodecContext> holder(context, [](AVCodecContext *c) { avcodec_free_context(&c); });
+    context->sample_rate = 48000;
+    av_channel_layout_uninit(&context->ch_layout);
+    av_channel_layout_default(&context->ch_layout, 2);
+    const int result = avcodec_open2(context, codec, nullptr);
+    if (result < 0) {
+        char text[64] = {};
+        av_strerror(result, text, sizeof text);
+        *error = tr("the Opus decoder did not open: %1 (error code: %2)").arg(QString::fromUtf8(text)).arg(result);
+        return false;
+    }
+    m_codecContext = std::move(holder);
+    return true;
+}
+
+void AudioDemuxer::keepConfiguration(const uchar *data, int size)
+{
+    // The Opus header is what a Matroska file needs as the track's private data.
+    AVCodecContext *context = m_codecContext.get();
+    if (!context || context->extradata)
+        return;
+    auto *copy = static_cast<uint8_t *>(av_mallocz(size_t(size) + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (!copy)
+        return;
+    std::memcpy(copy, data, size_t(size));
+    context->extradata = copy;
+    context->extradata_size = size;
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QByteArray>
+#include <QIODevice>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <memory>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+class PacketSink;
+
+// Cuts the audio socket's byte stream into FFmpeg packets and hands each one to the recorder,
+// then to the decoder. The stream opens with the 4-byte codec id; the 64-byte device name comes
+// before it only when the audio socket is the session's first one (video off). Codec ids 0 and 1
+// are the phone saying it has no sound to give: the demuxer reports that and reads nothing more.
+// Runs on whichever thread owns the socket and never blocks.
+class AudioDemuxer : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int DeviceNameSize = 64;
+    static constexpr int CodecIdSize = 4;
+    static constexpr quint32 MaxPayloadSize = 0x100000;
+    static constexpr int MaxPacketsPerRead = 50;
+    static constexpr quint32 CodecDisabled = 0;
+    static constexpr quint32 CodecError = 1;
+
+    enum class State { AwaitingHeader, Streaming, Unavailable };
+    Q_ENUM(State)
+
+    // recorder and decoder may be null and are not owned; a sink that is also a QObject and is
+    // destroyed first is skipped from then on.
+    AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder, bool deviceNameFirst = false);
+    ~AudioDemuxer() override;
+
+    // Null until the header named a usable stream and the Opus decoder opened.
+    AVCodecContext *codecContext() const { return m_codecContext.get(); }
+    std::shared_ptr<AVCodecContext> sharedCodecContext() const { return m_codecContext; }
+
+    State state() const { return m_state; }
+    bool isHeaderParsed() const { return m_state != State::AwaitingHeader; }
+    QString deviceName() const { return m_deviceName; }
+    quint32 codecId() const { return m_codecId; }
+    int headerSize() const { return m_deviceNameFirst ? DeviceNameSize + CodecIdSize : CodecIdSize; }
+
+signals:
+    void packetReady(AVPacket packet);
+    // The phone sends no sound, or the decoder could not be set up: a translated text for the user.
+    // Emitted once; video and control go on.
+    void audioUnavailable(const QString &message);
+
+public slots:
+    void read();
+
+private:
+    struct Sink
+    {
+        PacketSink *sink = nullptr;
+        QPointer<QObject> guard;
+        bool guarded = false;
+    };
+    static Sink makeSink(PacketSink *sink);
+
+    bool parseHeader();
+    bool openCodec(QString *error);
+    void keepConfiguration(const uchar *data, int size);
+    void giveUp(const QString &message);
+
+    QPointer<QIODevice> m_socket;
+    bool m_deviceNameFirst = false;
+    State m_state = State::AwaitingHeader;
+    QByteArray m_buffer;
+    std::shared_ptr<AVCodecContext> m_codecContext;
+    QList<Sink> m_sinks;
+    QString m_deviceName;
+    quint32 m_codecId = 0;
+    AVPacket *m_packet = nullptr;
+};

@@ -1,0 +1,448 @@
+#include "mediarecorder.h"
+
+#include <QDir>
+#include <QMutexLocker>
+#include <QThread>
+#include <QtDebug>
+
+#include <cstring>
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/channel_layout.h>
+#include <libavutil/dict.h>
+#include <libavutil/mathematics.h>
+#include <libavutil/mem.h>
+}
+
+namespace {
+
+constexpr AVRational Microseconds{1, 1000000};
+
+// Video packets dropped while a recording waited for its first key frame, for all recorders.
+std::atomic<qint64> droppedBeforeKeyFrame{0};
+
+QString errorText(int code)
+{
+    char text[128] = {};
+    av_strerror(code, text, sizeof text);
+    return QString::fromUtf8(text);
+}
+
+void freeAll(QList<AVPacket *> &queue)
+{
+    for (AVPacket *packet : queue)
+        av_packet_free(&packet);
+    queue.clear();
+}
+
+} // namespace
+
+MediaRecorder::MediaRecorder(QObject *parent)
+    : QObject(parent)
+{
+}
+
+MediaRecorder::~MediaRecorder()
+{
+    {
+        QMutexLocker lock(&m_mutex);
+        m_stopped = true;
+        m_wakeUp.wakeAll();
+    }
+    // The trailer must reach the file, however long the queued packets take to write.
+    if (m_thread) {
+        m_thread->wait();
+        delete m_thread;
+    }
+    freeAll(m_videoQueue);
+    freeAll(m_audioQueue);
+    avcodec_parameters_free(&m_videoParameters);
+    avcodec_parameters_free(&m_audioParameters);
+}
+
+void MediaRecorder::setStreams(bool video, bool audio)
+{
+    QMutexLocker lock(&m_mutex);
+    m_videoEnabled = video;
+    m_audioEnabled = audio;
+    // A stream that stops counting must not keep the other one waiting for it.
+    m_wakeUp.wakeAll();
+}
+
+void MediaRecorder::setVideoCodecSource(ContextSource source)
+{
+    QMutexLocker lock(&m_mutex);
+    m_videoSource = std::move(source);
+    avcodec_parameters_free(&m_videoParameters);
+}
+
+void MediaRecorder::setAudioCodecSource(ContextSource source)
+{
+    QMutexLocker lock(&m_mutex);
+    m_audioSource = std::move(source);
+    avcodec_parameters_free(&m_audioParameters);
+}
+
+void MediaRecorder::setOutput(const QString &folder, const QString &nickname, const QString &serial)
+{
+    QMutexLocker lock(&m_mutex);
+    m_folder = folder;
+    m_nickname = nickname;
+    m_serial = serial;
+}
+
+QString MediaRecorder::fileName(const QString &nickname, const QString &serial, const QDateTime &time)
+{
+    return nickname + "_" + serial + "_" + time.toString("yyyyMMdd_hhmmss_zzz") + ".mkv";
+}
+
+QString MediaRecorder::filePath() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_filePath;
+}
+
+void MediaRecorder::snapshot(AVCodecParameters *&parameters, AVRational *frameRate, AVCodecContext *context)
+{
+    if (!context)
+        return;
+    if (!parameters)
+        parameters = avcodec_parameters_alloc();
+    if (parameters && avcodec_parameters_from_context(parameters, context) < 0)
+        avcodec_parameters_free(&parameters);
+    if (frameRate)
+        *frameRate = context->framerate;
+}
+
+void MediaRecorder::enqueueVideoPacket(const AVPacket *packet)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_stopped || !packet)
+        return;
+    // The producer's thread owns the context, so its description is taken here, not on the muxer's.
+    if (packet->pts == AV_NOPTS_VALUE)
+        snapshot(m_videoParameters, &m_videoFrameRate, m_videoSource ? m_videoSource() : nullptr);
+    if (AVPacket *copy = av_packet_clone(packet)) {
+        m_videoQueue.append(copy);
+        m_wakeUp.wakeAll();
+    }
+}
+
+void MediaRecorder::enqueueAudioPacket(const AVPacket *packet)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_stopped || !m_audioEnabled || !packet)
+        return;
+    if (!m_audioParameters && m_audioSource)
+        snapshot(m_audioParameters, nullptr, m_audioSource());
+    if (AVPacket *copy = av_packet_clone(packet)) {
+        m_audioQueue.append(copy);
+        m_wakeUp.wakeAll();
+    }
+}
+
+bool MediaRecorder::start()
+{
+    if (m_thread && m_thread->isRunning())
+        return false;
+    delete m_thread;
+    m_thread = new QThread;
+    m_thread->setObjectName("VideoRecorderThread");
+    connect(m_thread, &QThread::started, this, [this] { record(); }, Qt::DirectConnection);
+    m_thread->start(QThread::InheritPriority);
+    return true;
+}
+
+void MediaRecorder::stop()
+{
+    {
+        QMutexLocker lock(&m_mutex);
+        m_stopped = true;
+        m_wakeUp.wakeAll();
+    }
+    emit message(tr("Stop Recording"), "info", 2000);
+}
+
+void MediaRecorder::record()
+{
+    {
+        QMutexLocker lock(&m_mutex);
+        if (!openOutput()) {
+            lock.unlock();
+            emit message(tr("Record Failed"), "error", 5000);
+            m_thread->quit();
+            return;
+        }
+        m_headerWritten = false;
+        m_keyFrameSeen = false;
+        m_timeline.reset();
+        m_timeline.setNominalFrameDuration(RecordingTimeline::DefaultFrameDuration);
+        m_timeline.setNominalAudioDuration(RecordingTimeline::DefaultAudioDuration);
+        m_lastWrittenVideoPts = AV_NOPTS_VALUE;
+        m_lastWrittenAudioPts = AV_NOPTS_VALUE;
+        m_stopped = false;
+    }
+    emit isRecordingChanged();
+    emit message(tr("Record Started"), "success", 2000);
+    // Asked only now that packets are taken, so the new configuration packet cannot be missed.
+    emit resetVideoRequested();
+
+    for (;;) {
+        QMutexLocker lock(&m_mutex);
+        const auto idle = [this] {
+            return !m_stopped && (m_heldVideo || !m_videoEnabled || m_videoQueue.isEmpty())
+                && (m_heldAudio || !m_audioEnabled || m_audioQueue.isEmpty());
+        };
+        while (idle())
+            m_wakeUp.wait(&m_mutex);
+        // A stream switched off mid-recording still has its queue drained.
+        if (!m_heldVideo && !m_videoQueue.isEmpty() && (m_videoEnabled || m_stopped))
+            m_heldVideo = m_videoQueue.takeFirst();
+        if (!m_heldAudio && !m_audioQueue.isEmpty() && (m_audioEnabled || m_stopped))
+            m_heldAudio = m_audioQueue.takeFirst();
+        const bool stopping = m_stopped;
+        if (stopping && !m_heldVideo && !m_heldAudio)
+            break;
+        lock.unlock();
+        if (m_heldVideo)
+            processVideo(m_heldVideo, stopping);
+        if (m_heldAudio)
+            processAudio(m_heldAudio, stopping);
+    }
+    finish();
+}
+
+bool MediaRecorder::openOutput()
+{
+    if (!QDir().mkpath(m_folder))
+        return false;
+    m_filePath = QDir(m_folder).filePath(fileName(m_nickname, m_serial, QDateTime::currentDateTime()));
+    const QByteArray path = m_filePath.toUtf8();
+    if (avformat_alloc_output_context2(&m_formatContext, nullptr, "matroska", path.constData()) < 0
+        || !m_formatContext)
+        return false;
+    if (avio_open2(&m_formatContext->pb, path.constData(), AVIO_FLAG_WRITE, nullptr, nullptr) < 0) {
+        closeOutput();
+        return false;
+    }
+    return true;
+}
+
+void MediaRecorder::closeOutput()
+{
+    if (!m_formatContext)
+        return;
+    if (m_formatContext->pb)
+        avio_closep(&m_formatContext->pb);
+    avformat_free_context(m_formatContext);
+    m_formatContext = nullptr;
+    m_videoStream = nullptr;
+    m_audioStream = nullptr;
+}
+
+bool MediaRecorder::addVideoStream(const AVPacket *config)
+{
+    if (!m_formatContext || !config || config->size <= 0)
+        return false;
+    AVStream *stream = avformat_new_stream(m_formatContext, nullptr);
+    if (!stream)
+        return false;
+    AVRational rate{0, 1};
+    {
+        QMutexLocker lock(&m_mutex);
+        if (m_videoParameters)
+            avcodec_parameters_copy(stream->codecpar, m_videoParameters);
+        rate = m_videoFrameRate;
+    }
+    stream->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
+    stream->codecpar->codec_id = AV_CODEC_ID_H264;
+    stream->codecpar->codec_tag = 0;
+    av_freep(&stream->codecpar->extradata);
+    // The muxer may read past the end, so the copy carries zeroed padding.
+    stream->codecpar->extradata = static_cast<uint8_t *>(av_mallocz(size_t(config->size) + 64));
+    stream->codecpar->extradata_size = stream->codecpar->extradata ? config->size : 0;
+    if (stream->codecpar->extradata)
+        std::memcpy(stream->codecpar->extradata, config->data, size_t(config->size));
+    if (rate.num < 1 || rate.den < 1)
+        rate = AVRational{30, 1};
+    stream->avg_frame_rate = rate;
+    stream->r_frame_rate = rate;
+    m_timeline.setNominalFrameDuration(av_rescale_q(1, av_inv_q(rate), Microseconds));
+    stream->time_base = Microseconds;
+    m_videoStream = stream;
+    return true;
+}
+
+bool MediaRecorder::addAudioStream()
+{
+    if (!m_formatContext)
+        return false;
+    AVStream *stream = avformat_new_stream(m_formatContext, nullptr);
+    if (!stream)
+        return false;
+    {
+        QMutexLocker lock(&m_mutex);
+        if (m_audioParameters)
+            avcodec_parameters_copy(stream->codecpar, m_audioParameters);
+    }
+    AVCodecParameters *par = stream->codecpar;
+    const int frameSize = par->frame_size;
+    const int sourceRate = par->sample_rate;
+    par->codec_type = AVMEDIA_TYPE_AUDIO;
+    par->codec_id = AV_CODEC_ID_OPUS;
+    av_channel_layout_uninit(&par->ch_layout);
+    av_channel_layout_default(&par->ch_layout, 2);
+    par->sample_rate = 48000;
+    par->format = AV_SAMPLE_FMT_S16;
+    stream->time_base = Microseconds;
+    m_timeline.setNominalAudioDuration(frameSize > 0 && sourceRate > 0 ? qint64(frameSize) * 1000000 / sourceRate : 0);
+    m_audioStream = stream;
+    return true;
+}
+
+void MediaRecorder::writeHeader()
+{
+    if (!m_formatContext || m_headerWritten)
+        return;
+    AVDictionary *options = nullptr;
+    av_dict_set(&options, "reserve_index_space", "0", 0);
+    const int result = avformat_write_header(m_formatContext, &options);
+    av_dict_free(&options);
+    m_headerWritten = result >= 0;
+    if (!m_headerWritten)
+        qWarning().noquote() << "MediaRecorder: no file header:" << errorText(result);
+}
+
+bool MediaRecorder::chooseBase(bool stopping)
+{
+    const bool video = m_heldVideo && m_heldVideo->pts != AV_NOPTS_VALUE && m_keyFrameSeen;
+    const bool audio = m_heldAudio && m_heldAudio->pts != AV_NOPTS_VALUE && m_audioStream;
+    bool videoEnabled = false;
+    bool audioEnabled = false;
+    {
+        QMutexLocker lock(&m_mutex);
+        videoEnabled = m_videoEnabled;
+        audioEnabled = m_audioEnabled;
+    }
+    if (video && audio && videoEnabled && audioEnabled)
+        m_timeline.setBase(qMin(m_heldVideo->pts, m_heldAudio->pts));
+    else if (video && (!audioEnabled || stopping))
+        m_timeline.setBase(m_heldVideo->pts);
+    else if (audio && (!videoEnabled || stopping))
+        m_timeline.setBase(m_heldAudio->pts);
+    return m_timeline.hasBase();
+}
+
+void MediaRecorder::processVideo(AVPacket *packet, bool stopping)
+{
+    if (packet->pts == AV_NOPTS_VALUE) {
+        if (!m_headerWritten && addVideoStream(packet)) {
+            bool audioEnabled = false;
+            {
+                QMutexLocker lock(&m_mutex);
+                audioEnabled = m_audioEnabled;
+            }
+            if (audioEnabled && !m_audioStream)
+                addAudioStream();
+            writeHeader();
+        }
+        av_packet_free(&m_heldVideo);
+        return;
+    }
+    // The file must open on a key frame that follows its own configuration.
+    if (!m_headerWritten || !m_videoStream || (!m_keyFrameSeen && !(packet->flags & AV_PKT_FLAG_KEY))) {
+        ++droppedBeforeKeyFrame;
+        av_packet_free(&m_heldVideo);
+        return;
+    }
+    m_keyFrameSeen = true;
+    if (!m_timeline.hasBase() && !chooseBase(stopping))
+        return;
+    m_heldVideo = nullptr;
+    qint64 previousDuration = m_timeline.nominalFrameDuration();
+    const qint64 pts = m_timeline.placeVideo(packet->pts, &previousDuration);
+    if (m_pendingVideo) {
+        m_pendingVideo->duration = previousDuration;
+        writePacket(m_pendingVideo, m_videoStream, &m_lastWrittenVideoPts);
+        av_packet_free(&m_pendingVideo);
+    }
+    packet->pts = pts;
+    packet->dts = pts;
+    m_pendingVideo = packet;
+}
+
+void MediaRecorder::processAudio(AVPacket *packet, bool stopping)
+{
+    if (packet->pts == AV_NOPTS_VALUE) {
+        av_packet_free(&m_heldAudio);
+        return;
+    }
+    if (!m_headerWritten && !m_audioStream) {
+        bool videoEnabled = true;
+        {
+            QMutexLocker lock(&m_mutex);
+            videoEnabled = m_videoEnabled;
+        }
+        addAudioStream();
+        if (!videoEnabled)
+            writeHeader();
+    }
+    if (!m_headerWritten || !m_audioStream) {
+        av_packet_free(&m_heldAudio);
+        return;
+    }
+    if (!m_timeline.hasBase() && !chooseBase(stopping))
+        return;
+    m_heldAudio = nullptr;
+    qint64 duration = 0;
+    const qint64 pts = m_timeline.placeAudio(packet->pts, &duration);
+    packet->duration = duration;
+    packet->pts = pts;
+    packet->dts = pts;
+    writePacket(packet, m_audioStream, &m_lastWrittenAudioPts);
+    av_packet_free(&packet);
+}
+
+bool MediaRecorder::writePacket(AVPacket *packet, AVStream *stream, qint64 *lastWritten)
+{
+    if (!m_headerWritten || !m_formatContext || !m_formatContext->pb || !stream || !packet->data)
+        return false;
+    packet->stream_index = stream->index;
+    packet->pts = qMax<qint64>(packet->pts, 0);
+    packet->dts = qMin(qMax<qint64>(packet->dts, 0), packet->pts);
+    av_packet_rescale_ts(packet, Microseconds, stream->time_base);
+    if (*lastWritten != AV_NOPTS_VALUE && *lastWritten >= packet->pts) {
+        packet->pts = *lastWritten + 1;
+        packet->dts = packet->pts;
+    }
+    *lastWritten = packet->pts;
+    const int result = av_interleaved_write_frame(m_formatContext, packet);
+    if (result < 0) {
+        qWarning().noquote() << "MediaRecorder: packet lost:" << errorText(result);
+        return false;
+    }
+    return true;
+}
+
+void MediaRecorder::finish()
+{
+    if (m_pendingVideo) {
+        m_pendingVideo->duration = RecordingTimeline::LastFrameDuration;
+        writePacket(m_pendingVideo, m_videoStream, &m_lastWrittenVideoPts);
+        av_packet_free(&m_pendingVideo);
+    }
+    av_packet_free(&m_heldVideo);
+    av_packet_free(&m_heldAudio);
+    if (m_headerWritten) {
+        av_interleaved_write_frame(m_formatContext, nullptr);
+        const int result = av_write_trailer(m_formatContext);
+        if (result < 0)
+            qWarning().noquote() << "MediaRecorder: no file trailer:" << errorText(result);
+    }
+    emit message(tr("Record Stopped"), "success", 2000);
+    closeOutput();
+    m_headerWritten = false;
+    m_thread->quit();
+    emit isRecordingChanged();
+}

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "packetsink.h"
+#include "recordingtimeline.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QMutex>
+#include <QObject>
+#include <QString>
+#include <QWaitCondition>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+struct AVFormatContext;
+struct AVStream;
+class QThread;
+
+// Writes one phone's H.264 and Opus packets to a Matroska file without re-encoding. Producers
+// (the demuxers, on any thread) hand over packets through videoSink()/audioSink(); the file is
+// muxed on a thread of the recorder's own, "VideoRecorderThread". Timestamps are regenerated from
+// zero (RecordingTimeline), and the trailer is written on every stop, the recorder's destruction
+// included, so a phone that vanishes mid-recording still leaves a playable file.
+class MediaRecorder : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isRecording READ isRecording NOTIFY isRecordingChanged)
+
+public:
+    explicit MediaRecorder(QObject *parent = nullptr);
+    ~MediaRecorder() override;
+
+    // Which streams the session carries; the recording follows them. Set before start().
+    void setStreams(bool video, bool audio);
+    // Where the decoder context that describes each stream is found (null before the stream's
+    // header). Called only on the producer's thread, from enqueueVideoPacket/enqueueAudioPacket.
+    using ContextSource = std::function<AVCodecContext *()>;
+    void setVideoCodecSource(ContextSource source);
+    void setAudioCodecSource(ContextSource source);
+    // The file goes to folder as "<nickname>_<serial>_<yyyyMMdd_hhmmss_zzz>.mkv".
+    void setOutput(const QString &folder, const QString &nickname, const QString &serial);
+    static QString fileName(const QString &nickname, const QString &serial, const QDateTime &time);
+
+    PacketSink *videoSink() { return &m_videoSink; }
+    PacketSink *audioSink() { return &m_audioSink; }
+    void enqueueVideoPacket(const AVPacket *packet);
+    void enqueueAudioPacket(const AVPacket *packet);
+
+    // False when a recording is already running.
+    Q_INVOKABLE bool start();
+    Q_INVOKABLE void stop();
+    bool isRecording() const { return !m_stopped; }
+    // The file of the current or last recording; empty before the first one opened.
+    QString filePath() const;
+
+signals:
+    void isRecordingChanged();
+    // The phone must send a new configuration packet and key frame for the file to begin with.
+    void resetVideoRequested();
+    // Text, type ("info", "success", "error") and display time for the user.
+    void message(const QString &text, const QString &type, int timeout);
+
+private:
+    class Sink : public PacketSink
+    {
+    public:
+        Sink(MediaRecorder *recorder, bool video) : m_recorder(recorder), m_video(video) {}
+        void pushPacket(const AVPacket *packet) override
+        {
+            m_video ? m_recorder->enqueueVideoPacket(packet) : m_recorder->enqueueAudioPacket(packet);
+        }
+
+    private:
+        MediaRecorder *m_recorder;
+        bool m_video;
+    };
+
+    void record();
+    bool openOutput();
+    void closeOutput();
+    bool addVideoStream(const AVPacket *config);
+    bool addAudioStream();
+    void writeHeader();
+    void processVideo(AVPacket *packet, bool stopping);
+    void processAudio(AVPacket *packet, bool stopping);
+    bool chooseBase(bool stopping);
+    bool writePacket(AVPacket *packet, AVStream *stream, qint64 *lastWritten);
+    void finish();
+    static void snapshot(AVCodecParameters *&parameters, AVRational *frameRate, AVCodecContext *context);
+
+    Sink m_videoSink{this, true};
+    Sink m_audioSink{this, false};
+    QThread *m_thread = nullptr;
+
+    mutable QMutex m_mutex;
+    QWaitCondition m_wakeUp;
+    // Guarded by m_mutex.
+    QList<AVPacket *> m_videoQueue;
+    QList<AVPacket *> m_audioQueue;
+    ContextSource m_videoSource;
+    ContextSource m_audioSource;
+    AVCodecParameters *m_videoParameters = nullptr;
+    AVCodecParameters *m_audioParameters = nullptr;
+    AVRational m_videoFrameRate{0, 1};
+    QString m_folder;
+    QString m_nickname;
+    QString m_serial;
+    QString m_filePath;
+    bool m_videoEnabled = true;
+    bool m_audioEnabled = false;
+    std::atomic<bool> m_stopped{true};
+
+    // Only the recording thread touches these while it runs.
+    AVFormatContext *m_formatContext = nullptr;
+    AVStream *m_videoStream = nullptr;
+    AVStream *m_audioStream = nullptr;
+    bool m_headerWritten = false;
+    bool m_keyFrameSeen = false;
+    AVPacket *m_heldVideo = nullptr;
+    AVPacket *m_heldAudio = nullptr;
+    AVPacket *m_pendingVideo = nullptr;
+    RecordingTimeline m_timeline;
+    qint64 m_lastWrittenVideoPts = AV_NOPTS_VALUE;
+    qint64 m_lastWrittenAudioPts = AV_NOPTS_VALUE;
+};

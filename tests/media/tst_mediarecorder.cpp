@@ -1,0 +1,82 @@
+#include "mediarecorder.h"
+#include "recordingtimeline.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+using Times = QList<qint64>;
+
+// The rules a recording's timestamps and file names follow.
+class TestMediaRecorder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void timestampsStartAtZeroWithBoundedDurations_data()
+    {
+        QTest::addColumn<bool>("video");
+        QTest::addColumn<Times>("device");
+        QTest::addColumn<Times>("file");
+        QTest::addColumn<Times>("durations");
+        // Video durations are known when the next frame comes; the last frame lasts 100,000.
+        QTest::newRow("video steady") << true << Times{1000000, 1033333, 1066666} << Times{0, 33333, 66666}
+                                      << Times{33333, 33333, 100000};
+        QTest::newRow("video gap over 3 frames") << true << Times{1000000, 1033333, 1233333}
+                                                 << Times{0, 33333, 66666} << Times{33333, 33333, 100000};
+        QTest::newRow("video gap of 3 frames kept") << true << Times{1000000, 1099999, 1133332}
+                                                    << Times{0, 99999, 133332} << Times{99999, 33333, 100000};
+        QTest::newRow("video zero delta") << true << Times{1000000, 1000000} << Times{0, 33333} << Times{33333, 100000};
+        QTest::newRow("video going back") << true << Times{1000000, 900000} << Times{0, 33333} << Times{33333, 100000};
+        QTest::newRow("audio steady") << false << Times{500000, 520000, 540000} << Times{0, 20000, 40000}
+                                      << Times{20000, 20000, 20000};
+        QTest::newRow("audio gap over 4 packets") << false << Times{0, 20000, 120000} << Times{0, 20000, 40000}
+                                                  << Times{20000, 20000, 20000};
+        QTest::newRow("audio gap of 4 packets kept") << false << Times{0, 20000, 100000} << Times{0, 20000, 40000}
+                                                     << Times{20000, 20000, 80000};
+        QTest::newRow("audio going back") << false << Times{40000, 20000} << Times{0, 20000} << Times{20000, 20000};
+    }
+
+    void timestampsStartAtZeroWithBoundedDurations()
+    {
+        QFETCH(bool, video);
+        QFETCH(Times, device);
+        QFETCH(Times, file);
+        QFETCH(Times, durations);
+        RecordingTimeline timeline;
+        timeline.setBase(device.first());
+        Times placed;
+        Times lasted;
+        for (qint64 pts : device) {
+            qint64 duration = -1;
+            placed << (video ? timeline.placeVideo(pts, &duration) : timeline.placeAudio(pts, &duration));
+            if (duration >= 0)
+                lasted << duration;
+        }
+        if (video)
+            lasted << RecordingTimeline::LastFrameDuration;
+        QCOMPARE(placed, file);
+        QCOMPARE(lasted, durations);
+    }
+
+    void fileNameIsNicknameSerialAndTime()
+    {
+        const QDateTime time(QDate(2024, 3, 5), QTime(14, 7, 9, 42));
+        QCOMPARE(MediaRecorder::fileName("desk", "R58M", time), QString("desk_R58M_20240305_140709_042.mkv"));
+    }
+
+    void stopWhileIdleOnlyTellsTheUser()
+    {
+        MediaRecorder recorder;
+        QSignalSpy messages(&recorder, &MediaRecorder::message);
+        QSignalSpy changed(&recorder, &MediaRecorder::isRecordingChanged);
+        recorder.stop();
+        QCOMPARE(messages.count(), 1);
+        QCOMPARE(messages.at(0), (QVariantList{"Stop Recording", "info", 2000}));
+        QCOMPARE(changed.count(), 0);
+        QVERIFY(!recorder.isRecording());
+        QVERIFY(recorder.filePath().isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMediaRecorder)
+#include "tst_mediarecorder.moc"
