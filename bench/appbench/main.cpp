@@ -203,6 +203,8 @@ int main(int argc, char *argv[])
     lateness.start();
     sinceStart.start();
     group()->startAllDevices();
+    // What Start All itself costs the GUI thread, before any reply comes back.
+    report("start_all_call_ms", fixed(double(sinceStart.nsecsElapsed()) / 1e6, 1));
     const bool allLive = waitUntil([&] { return std::all_of(devices.begin(), devices.end(), live); },
                                    30000 + 1000 * phones);
     const double allLiveS = sinceStart.elapsed() / 1000.0;
@@ -216,6 +218,7 @@ int main(int argc, char *argv[])
     report("first_picture_median_ms", fixed(ProcessStats::percentile(perPhone, 0.5), 0));
     report("first_picture_max_ms", fixed(ProcessStats::percentile(perPhone, 1.0), 0));
     report("start_longest_stall_ms", fixed(lateness.maxGapMs(), 1));
+    report("start_longest_stall_ended_at_ms", fixed(lateness.maxGapEndMs(), 0));
     report("start_lateness_p99_ms", fixed(lateness.p99Ms(), 2));
 
     if (mode == "idle" && allLive && !stopSignal) {
@@ -233,7 +236,13 @@ int main(int argc, char *argv[])
         waitUntil([] { return false; }, 3000);
         reportWindow("stopped", measure(window, windowMs));
 
+        // Clear All removes the phones one after another; measured once the group is empty.
         group()->clearDevices();
+        QElapsedTimer clearing;
+        clearing.start();
+        if (!waitUntil([&] { return group()->devices().isEmpty(); }, 60000))
+            err << "bench_app: the group still holds phones after Clear All" << Qt::endl;
+        report("clear_all_s", fixed(clearing.elapsed() / 1000.0, 2));
         waitUntil([] { return false; }, 3000);
         report("video_items_after_clear", QString::number(videoItems(window).size()));
         report("phones_in_group_after_clear", QString::number(group()->devices().size()));

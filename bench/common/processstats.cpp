@@ -127,7 +127,10 @@ LatenessProbe::LatenessProbe()
         const double gapMs = double(m_tick.nsecsElapsed()) / 1e6;
         m_tick.start();
         m_latenessMs.push_back(std::max(0.0, gapMs - TickMs));
-        m_maxGapMs = std::max(m_maxGapMs, gapMs);
+        if (gapMs > m_maxGapMs) {
+            m_maxGapMs = gapMs;
+            m_maxGapEndMs = double(m_sinceStart.nsecsElapsed()) / 1e6;
+        }
     });
 }
 
@@ -135,6 +138,8 @@ void LatenessProbe::start()
 {
     m_latenessMs.clear();
     m_maxGapMs = 0;
+    m_maxGapEndMs = 0;
+    m_sinceStart.start();
     m_tick.start();
     m_timer.start();
 }

@@ -45,10 +45,14 @@ public:
     double p99Ms() const { return ProcessStats::percentile(m_latenessMs, 0.99); }
     // The longest gap between two ticks (the longest stall of the thread), in ms.
     double maxGapMs() const { return m_maxGapMs; }
+    // When that longest gap ended, in ms since start().
+    double maxGapEndMs() const { return m_maxGapEndMs; }
 
 private:
     QTimer m_timer;
     QElapsedTimer m_tick;
+    QElapsedTimer m_sinceStart;
     std::vector<double> m_latenessMs;
     double m_maxGapMs = 0;
+    double m_maxGapEndMs = 0;
 };

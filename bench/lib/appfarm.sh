@@ -7,7 +7,8 @@ farm_dir="$build_dir/bench/appfarm"
 
 appfarm_env=(env HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share"
   XDG_RUNTIME_DIR="$home/runtime" ANDROID_ADB_SERVER_PORT="$port" KORVEL_BUILD_DIR="$build_dir"
-  KORVEL_PHONEFARM_DIR="$farm_dir" KORVEL_PHONEFARM_BASE_PORT="$farm_base_port")
+  KORVEL_PHONEFARM_DIR="$farm_dir" KORVEL_PHONEFARM_BASE_PORT="$farm_base_port"
+  KORVEL_SCRCPY_SERVER="$build_dir/bench/scrcpy-server-phonesim")
 
 appfarm_build() {
   if [ ! -f "$build_dir/build.ninja" ]; then
@@ -29,6 +30,8 @@ appfarm_start() {
   rm -rf "$home"
   mkdir -p "$home/.config" "$home/.local/share" "$home/runtime" "$home/Desktop/KV/DeviceGroup"
   chmod 700 "$home/runtime"
+  # The file Korvel pushes; a simulated phone takes any content.
+  printf 'PK\003\004 simulated scrcpy-server 3.3.1 for phonesim' >"$build_dir/bench/scrcpy-server-phonesim"
   local serials
   serials=$("${appfarm_env[@]}" "$root/scripts/phonefarm" start "$count" 2>/dev/null)
   if [ "$(printf '%s\n' "$serials" | grep -c .)" -ne "$count" ]; then
