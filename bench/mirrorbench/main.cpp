@@ -13,6 +13,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QQuickWindow>
+#include <QSize>
 #include <QTextStream>
 
 #include <algorithm>
@@ -90,6 +92,13 @@ QStringList columns(const Row &row)
         number(percentileMs(m.latenciesNs, 0.99), 2),
         number(m.seconds > 0 ? m.cpuSeconds / m.seconds : -1, 2),
         number(adbMs, 2),
+        number(m.seconds > 0 ? m.guiCpuSeconds / m.seconds : -1, 3),
+        number(m.latenessP99Ms, 2),
+        number(m.rssPerPhoneMb, 1),
+        number(m.firstPictureMedianMs, 0),
+        number(m.uploads >= 0 && perPhone > 0 ? double(m.uploads) / perPhone : -1, 1),
+        number(m.renderCpuSeconds >= 0 && m.seconds > 0 ? m.renderCpuSeconds / m.seconds : -1, 2),
+        m.drawn ? QString("drawn") : QString("decode"),
         m.ok ? QString() : m.error,
     };
 }
@@ -98,86 +107,29 @@ const QStringList headers{
     "phones", "sent fps/phone", "decoded fps/phone", "decoded/sent", "slowest phone fps",
     "Korvel CPU ms/frame", "ffmpeg CPU ms/frame", "Korvel/ffmpeg", "ffmpeg steady ms/frame",
     "Korvel/ffmpeg steady", "latency p50 ms", "latency p99 ms", "Korvel CPU cores",
-    "adb server CPU ms/frame", "note",
+    "adb server CPU ms/frame", "GUI thread busy", "lateness p99 ms", "RSS MB/phone",
+    "first picture median ms", "drawn fps/phone", "render+llvmpipe cores", "round", "note",
 };
 
-// A round with sound or recording beside a plain round of the same phones in the same run.
-struct ExtraRow
+// What a preset mirrors: the stream the script generates for it, and the session settings.
+struct Preset
 {
-    QString what;
-    MirrorRound::Result plain;
-    MirrorRound::Result extra;
+    QString name;
+    QString counts;
+    QSize phoneScreen;
+    int maxSize = 0;
+    int bitRate = 0;
+    QString stream;
 };
 
-const QStringList extraHeaders{
-    "round", "phones", "plain fps/phone", "with it fps/phone", "plain CPU cores/phone", "with it CPU cores/phone", "extra CPU cores/phone",
-    "plain CPU ms/frame", "with it CPU ms/frame", "extra CPU ms/frame", "sound frames/s/phone", "recorded MB/s/phone",
-};
-
-QStringList extraColumns(const ExtraRow &row)
+Preset presetNamed(const QString &name)
 {
-    const auto coresPerPhone = [](const MirrorRound::Result &r) {
-        return r.ok && r.seconds > 0 && r.phones > 0 ? r.cpuSeconds / r.seconds / r.phones : -1;
-    };
-    const auto msPerFrame = [](const MirrorRound::Result &r) {
-        return r.ok && r.frames > 0 ? r.cpuSeconds * 1000 / double(r.frames) : -1;
-    };
-    const double plainCores = coresPerPhone(row.plain);
-    const double extraCores = coresPerPhone(row.extra);
-    const double plainMs = msPerFrame(row.plain);
-    const double extraMs = msPerFrame(row.extra);
-    const double phoneSeconds = row.extra.seconds * row.extra.phones;
-    const auto fps = [](const MirrorRound::Result &r) {
-        return r.ok && r.seconds > 0 && r.phones > 0 ? double(r.frames) / r.seconds / r.phones : -1;
-    };
-    return {
-        row.what,
-        QString::number(row.extra.phones),
-        number(fps(row.plain), 1),
-        number(fps(row.extra), 1),
-        number(plainCores, 3),
-        number(extraCores, 3),
-        plainCores >= 0 && extraCores >= 0 ? QString::number(extraCores - plainCores, 'f', 3) : "n/a",
-        number(plainMs, 2),
-        number(extraMs, 2),
-        plainMs >= 0 && extraMs >= 0 ? QString::number(extraMs - plainMs, 'f', 2) : "n/a",
-        number(phoneSeconds > 0 ? double(row.extra.audioFrames) / phoneSeconds : -1, 1),
-        number(phoneSeconds > 0 && row.extra.recordedBytes > 0 ? row.extra.recordedBytes / 1e6 / phoneSeconds : -1, 2),
-    };
-}
-
-void writeExtras(QTextStream &out, const std::vector<ExtraRow> &extras)
-{
-    if (extras.empty())
-        return;
-    out << "\n## Sound and recording\n\n"
-        << "Each round runs the same phones twice in this run: plain mirroring as above, then with the "
-           "phones' sound decoded and played (\"sound\") or with every phone recording to a Matroska file "
-           "(\"recording\").\n\n"
-        << "| " << extraHeaders.join(" | ") << " |\n|---|";
-    for (int i = 1; i < extraHeaders.size(); ++i)
-        out << "---:|";
-    out << "\n";
-    for (const ExtraRow &row : extras) {
-        out << "| " << extraColumns(row).join(" | ") << " |\n";
-        if (!row.plain.ok)
-            out << "\n" << row.what << ", plain round: " << row.plain.error << "\n";
-        if (!row.extra.ok)
-            out << "\n" << row.what << ": " << row.extra.error << "\n";
-    }
-    out << "\n- **fps/phone**: pictures presented per phone and second in each of the two rounds; where "
-           "the round with sound or recording shows fewer, the machine (phones, adb and Korvel together) "
-           "was saturated and the CPU figures compare unequal work.\n"
-        << "- **CPU cores/phone**: CPU time of the process over wall time, divided by the phones; "
-           "**extra** is the round with sound or recording minus the plain round.\n"
-        << "- **CPU ms/frame**: CPU time over the pictures presented; for the recording round its extra is "
-           "the cost of one recorded picture (packet copy, queue, Matroska muxing and file writing on the "
-           "recording threads).\n"
-        << "- **sound frames/s/phone**: 20 ms Opus frames decoded per phone and second (50 when nothing is "
-           "lost). Decoding and playing are included: `bench/mirror` plays into a private PulseAudio "
-           "null sink (without a sound server the player has no device and takes nothing).\n"
-        << "- **recorded MB/s/phone**: size of the recordings over the measured phone-seconds (the files "
-           "also hold the settling time, so this is an upper bound).\n";
+    if (name == "grid")
+        return {"grid", "16,32,64,100", {1080, 2400}, 720, 2000000,
+                "328x720 H.264 (libx264, constrained baseline, 2 Mbit/s, GOP 60), the grid cell of a 1080x2400 "
+                "phone at the group default max size 720"};
+    return {"full", "1,8,16", {720, 1600}, 0, 4000000,
+            "720x1600 H.264 (libx264, 4 Mbit/s, no B-frames, GOP 60), full size (max size 0)"};
 }
 
 void printRow(const QStringList &cells)
@@ -192,8 +144,8 @@ void printRow(const QStringList &cells)
 }
 
 bool writeReport(const QString &path, const QStringList &machine, const QString &stream, qint64 fileFrames,
-                 double seconds, const std::vector<Row> &rows, const QString &command,
-                 const std::vector<ExtraRow> &extras = {})
+                 double seconds, const std::vector<Row> &rows, const QString &command, const Preset &preset,
+                 const QSize &cellSize)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
@@ -207,12 +159,16 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
         out << "- " << line << "\n";
     out << "\n## Setup\n\n"
         << "- Stream: `" << QFileInfo(stream).fileName() << "`, " << fileFrames
-        << " frames, 720x1600 H.264 (libx264, 4 Mbit/s, no B-frames, GOP 60) generated from FFmpeg's "
+        << " frames, " << preset.stream << ", generated from FFmpeg's "
            "`testsrc2`; every simulated phone (`phonesim --stream-file`) loops it at 30 fps.\n"
         << "- Per round: N phonesim processes attached to Debian's real adb on a private server port; N "
-           "`Device` sessions in this one process (max size 0, no fps cap, so full-size frames), each "
-           "connected to a `YuvFboItem` that is never shown, `yuvFrameReady` -> `present` as in the user "
-           "interface. After every phone has shown a picture and 2 s of settling, "
+           "`Device` sessions in this one process (max size " << preset.maxSize << ", bit rate "
+        << preset.bitRate << ", no fps cap), each reading, demuxing and decoding on its own media thread "
+           "into its `FrameHandoff`. **decode** rounds: the harness watches every handoff and nothing is "
+           "drawn. **drawn** rounds: one `QQuickWindow` (xcb under Xvfb, OpenGL through Mesa llvmpipe) "
+           "holds a grid of real `YuvFboItem`s of " << cellSize.width() << "x" << cellSize.height()
+        << " (the grid's cell), each with `source` set to its phone's handoff; the items watch while "
+           "shown, as in the application. After every phone has shown a picture and 2 s of settling, "
         << seconds << " s are measured. Then the sessions stop and `ffmpeg -threads 1 -i stream -f null -` "
            "decodes the same file once, in the same run (and once more with `-frames:v 1`, for its "
            "start-up).\n\n"
@@ -231,6 +187,12 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
             notes << QString("%1 phones: ffmpeg reference: %2").arg(row.mirror.phones).arg(row.reference.error);
         if (row.reference.ok && !row.startup.ok)
             notes << QString("%1 phones: ffmpeg start-up run: %2").arg(row.mirror.phones).arg(row.startup.error);
+        if (row.mirror.firstPictureMaxMs >= 0)
+            notes << QString("%1 phones, %2: slowest first picture %3 ms")
+                         .arg(row.mirror.phones).arg(row.mirror.drawn ? "drawn" : "decode")
+                         .arg(row.mirror.firstPictureMaxMs, 0, 'f', 0);
+        if (row.mirror.shownItems >= 0 && row.mirror.shownItems != row.mirror.phones)
+            notes << QString("%1 phones, drawn: only %2 items shown").arg(row.mirror.phones).arg(row.mirror.shownItems);
         if (row.mirror.packetsWithoutFrame > 0)
             notes << QString("%1 phones: %2 packets yielded no picture")
                          .arg(row.mirror.phones).arg(row.mirror.packetsWithoutFrame);
@@ -265,10 +227,31 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
            "of `present` for that picture; median and 99th percentile over all phones. Time a packet "
            "spends in the socket buffer while the thread is busy with other phones is not included.\n"
         << "- **Korvel CPU cores**: CPU time of the process divided by wall time (1.00 = one core busy); "
-           "all decoding runs on the one thread that reads the sockets.\n"
+           "every phone reads, demuxes and decodes on its own media thread.\n"
         << "- **adb server CPU ms/frame**: CPU time of the adb server relaying the sockets (from "
-           "`/proc/PID/stat`, 10 ms resolution) divided by the pictures presented.\n";
-    writeExtras(out, extras);
+           "`/proc/PID/stat`, 10 ms resolution) divided by the pictures presented.\n"
+        << "- **GUI thread busy**: CPU time of the main thread (`/proc/self/task/PID/stat`) over the "
+           "window divided by wall time.\n"
+        << "- **lateness p99 ms**: 99th percentile of how late a 5 ms `Qt::PreciseTimer` on the GUI thread "
+           "fired during the window.\n"
+        << "- **RSS MB/phone**: growth of the process's VmRSS from before the sessions were created to the "
+           "end of the window, divided by the phones (the phonesim processes are not included).\n"
+        << "- **first picture median ms**: per phone, from `startScrcpySession()` to the first "
+           "`frameAvailable` seen on the GUI thread; median over the phones, all started at once (the "
+           "slowest phone is in the notes).\n"
+        << "- **drawn fps/phone**: pictures the shown `YuvFboItem`s uploaded (`uploads()`), per phone and "
+           "second; **render+llvmpipe cores**: CPU time of Qt's render thread and Mesa's llvmpipe threads "
+           "over wall time. Drawn rounds only.\n"
+        << "- **round**: decode (nothing drawn) or drawn (in a window under Xvfb).\n";
+    bool anyThreads = false;
+    for (const Row &row : rows)
+        anyThreads = anyThreads || !row.mirror.busiestThreads.isEmpty();
+    if (anyThreads) {
+        out << "\n## Busiest threads of the process (cores over the window)\n\n";
+        for (const Row &row : rows)
+            out << "- " << row.mirror.phones << " phones, " << (row.mirror.drawn ? "drawn" : "decode") << ": "
+                << row.mirror.busiestThreads.join(", ") << "\n";
+    }
     return true;
 }
 
@@ -276,24 +259,45 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
 
 int main(int argc, char *argv[])
 {
+    // The drawn rounds render through OpenGL, as the application does.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
     QGuiApplication app(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription("Mirrors N simulated phones in one process and measures the video path.");
     parser.addHelpOption();
     parser.addOption({"stream", "Pre-encoded 720x1600 H.264 Annex B file the phones loop.", "file"});
-    parser.addOption({"counts", "Comma-separated phone counts, one round each.", "list", "1,4,8,16"});
+    parser.addOption({"counts", "Comma-separated phone counts, one round each (default: the preset's).", "list"});
+    parser.addOption({"preset", "grid (328x720, 2 Mbit/s, 16..100 phones) or full (full size, 1..16 phones).",
+                      "name", "full"});
+    parser.addOption({"drawn", "After each decode round, a round with the cells drawn in a window."});
+    parser.addOption({"decode-only", "With --drawn: skip the decode rounds."});
+    parser.addOption({"cell", "Cell size of the drawn grid.", "WxH", "220x483"});
+    parser.addOption({"columns", "Cells per row of the drawn grid.", "n", "10"});
     parser.addOption({"seconds", "Measured seconds per round.", "seconds", "10"});
+    parser.addOption({"audio", "Every phone's sound is decoded and played as well (needs a sound server)."});
+    parser.addOption({"record", "Every phone records to a Matroska file in the video folder."});
     parser.addOption({"output", "Markdown file for the results.", "file"});
-    parser.addOption({"audio-phones", "Phones of the round with sound (0: none).", "count", "16"});
-    parser.addOption({"record-phones", "Phones of the recording round (0: none).", "count", "8"});
     parser.process(app);
 
     QTextStream err(stderr);
     const QString stream = QFileInfo(parser.value("stream")).absoluteFilePath();
     bool okSeconds = false;
     const double seconds = parser.value("seconds").toDouble(&okSeconds);
+    if (parser.value("preset") != "grid" && parser.value("preset") != "full") {
+        err << "bench_mirror: --preset is grid or full" << Qt::endl;
+        return 2;
+    }
+    const Preset preset = presetNamed(parser.value("preset"));
+    const QString countList = parser.isSet("counts") ? parser.value("counts") : preset.counts;
+    const QStringList cellParts = parser.value("cell").split('x');
+    const QSize cellSize(cellParts.value(0).toInt(), cellParts.value(1).toInt());
+    const int gridColumns = parser.value("columns").toInt();
+    if (cellSize.width() < 16 || cellSize.height() < 16 || gridColumns < 1) {
+        err << "bench_mirror: bad --cell or --columns" << Qt::endl;
+        return 2;
+    }
     QList<int> counts;
-    for (const QString &text : parser.value("counts").split(',', Qt::SkipEmptyParts)) {
+    for (const QString &text : countList.split(',', Qt::SkipEmptyParts)) {
         bool ok = false;
         const int count = text.trimmed().toInt(&ok);
         if (!ok || count < 1) {
@@ -338,20 +342,22 @@ int main(int argc, char *argv[])
     out << "Stream " << stream << ": " << fileFrames << " frames" << Qt::endl << Qt::endl;
     printRow(headers);
 
-    const int audioPhones = parser.value("audio-phones").toInt();
-    const int recordPhones = parser.value("record-phones").toInt();
-    const QString command = "bench_mirror --counts " + parser.value("counts") + " --seconds "
-                            + parser.value("seconds") + " --audio-phones " + QString::number(audioPhones)
-                            + " --record-phones " + QString::number(recordPhones);
+    QString command = "bench_mirror --preset " + preset.name + " --counts " + countList + " --seconds "
+                      + parser.value("seconds");
+    if (parser.isSet("drawn"))
+        command += parser.isSet("decode-only") ? " --drawn --decode-only" : " --drawn";
+    for (const char *extra : {"audio", "record"}) {
+        if (parser.isSet(extra))
+            command += QString(" --") + extra;
+    }
     std::vector<Row> rows;
-    std::vector<ExtraRow> extras;
     int status = 0;
     {
         // Stops its phones and the adb server when it goes, whatever happened before.
         PhoneFixture fixture(port);
         for (int count : counts) {
             while (!stopRequested() && int(fixture.phones().size()) < count) {
-                if (!fixture.addPhone({720, 1600}, {"--stream-file", stream})) {
+                if (!fixture.addPhone(preset.phoneScreen, {"--stream-file", stream})) {
                     err << "bench_mirror: " << fixture.error() << Qt::endl;
                     status = 1;
                     break;
@@ -359,54 +365,43 @@ int main(int argc, char *argv[])
             }
             if (status != 0 || stopRequested())
                 break;
-            Row row;
-            row.fileFrames = fileFrames;
-            MirrorRound round(fixture, port, stopRequested);
-            // A round after a larger one uses the first phones; the others sit idle, not streaming.
-            row.mirror = round.run(count, seconds, 2000);
-            if (stopRequested()) {
-                row.reference.error = "not run";
-            } else {
-                row.reference = ReferenceDecode::run(stream, 0, stopRequested);
-                row.startup = ReferenceDecode::run(stream, 1, stopRequested);
-            }
-            printRow(columns(row));
-            if (!row.reference.ok)
-                err << "bench_mirror: ffmpeg reference: " << row.reference.error << Qt::endl;
-            if (!row.mirror.ok)
-                status = 1;
-            rows.push_back(std::move(row));
-            if (parser.isSet("output"))
-                writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command);
-        }
-        const QList<QPair<QString, int>> extraRounds{{"sound", audioPhones}, {"recording", recordPhones}};
-        for (const auto &[what, count] : extraRounds) {
-            if (count < 1 || status != 0 || stopRequested())
-                continue;
-            while (!stopRequested() && int(fixture.phones().size()) < count) {
-                if (!fixture.addPhone({720, 1600}, {"--stream-file", stream})) {
-                    err << "bench_mirror: " << fixture.error() << Qt::endl;
-                    status = 1;
+            QList<bool> drawnRounds;
+            if (!(parser.isSet("drawn") && parser.isSet("decode-only")))
+                drawnRounds << false;
+            if (parser.isSet("drawn"))
+                drawnRounds << true;
+            for (bool drawn : drawnRounds) {
+                if (stopRequested())
                     break;
+                Row row;
+                row.fileFrames = fileFrames;
+                MirrorRound round(fixture, port, stopRequested);
+                MirrorRound::Options options;
+                options.maxSize = preset.maxSize;
+                options.bitRate = preset.bitRate;
+                options.drawn = drawn;
+                options.cellSize = cellSize;
+                options.columns = gridColumns;
+                options.audio = parser.isSet("audio");
+                options.record = parser.isSet("record");
+                // A round after a larger one uses the first phones; the others sit idle, not streaming.
+                row.mirror = round.run(count, seconds, 2000, options);
+                if (stopRequested()) {
+                    row.reference.error = "not run";
+                } else {
+                    row.reference = ReferenceDecode::run(stream, 0, stopRequested);
+                    row.startup = ReferenceDecode::run(stream, 1, stopRequested);
                 }
+                printRow(columns(row));
+                if (!row.reference.ok)
+                    err << "bench_mirror: ffmpeg reference: " << row.reference.error << Qt::endl;
+                if (!row.mirror.ok)
+                    status = 1;
+                rows.push_back(std::move(row));
+                if (parser.isSet("output"))
+                    writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command, preset,
+                                cellSize);
             }
-            if (status != 0 || stopRequested())
-                break;
-            ExtraRow row;
-            row.what = what;
-            MirrorRound plain(fixture, port, stopRequested);
-            row.plain = plain.run(count, seconds, 2000);
-            MirrorRound::Options options;
-            options.audio = what == "sound";
-            options.record = what == "recording";
-            MirrorRound extra(fixture, port, stopRequested);
-            row.extra = extra.run(count, seconds, 2000, options);
-            out << extraColumns(row).join("  ") << Qt::endl;
-            if (!row.plain.ok || !row.extra.ok)
-                status = 1;
-            extras.push_back(row);
-            if (parser.isSet("output"))
-                writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command, extras);
         }
     }
     if (stopRequested()) {

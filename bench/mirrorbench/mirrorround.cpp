@@ -7,6 +7,7 @@
 #include "devicegroup.h"
 #include "phonefixture.h"
 #include "phoneprobe.h"
+#include "processstats.h"
 #include "serverparams.h"
 #include "yuvfboitem.h"
 
@@ -15,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QQuickWindow>
 #include <QTimer>
 
 #include <algorithm>
@@ -29,17 +31,11 @@ extern "C" {
 
 namespace {
 
-double processCpuSeconds()
-{
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) / 1e9;
-}
-
 struct Session
 {
     std::unique_ptr<PhoneProbe> probe = std::make_unique<PhoneProbe>();
     std::unique_ptr<Device> device;
+    qint64 startNs = 0;
     int publishedAtStart = 0;
     int decoded = 0;
 };
@@ -105,11 +101,25 @@ double MirrorRound::adbServerCpuSeconds()
     return (fields.at(11).toDouble() + fields.at(12).toDouble()) / ticks;
 }
 
-MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs, Options options)
+MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupMs, const Options &options)
 {
     Result result;
+    result.drawn = options.drawn;
     const auto &phones = m_fixture.phones();
     result.phones = std::min(phoneCount, int(phones.size()));
+    const qint64 rssBefore = ProcessStats::residentBytes();
+
+    // Drawn: one window holding the grid, as many cells a row as the options say.
+    std::unique_ptr<QQuickWindow> window;
+    std::vector<YuvFboItem *> items;
+    if (options.drawn) {
+        window = std::make_unique<QQuickWindow>();
+        const int columns = std::max(1, std::min(options.columns, result.phones));
+        const int rows = (result.phones + columns - 1) / columns;
+        window->resize(columns * options.cellSize.width(), rows * options.cellSize.height());
+        window->setColor(Qt::black);
+        window->show();
+    }
 
     std::vector<Session> sessions(size_t(result.phones));
     for (size_t i = 0; i < sessions.size(); ++i) {
@@ -117,20 +127,31 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
         session.device = std::make_unique<Device>(nullptr, nullptr, phones[i]->serial());
         Device *device = session.device.get();
         ServerParams *params = device->serverParamsSmallView();
-        params->setMaxSize(0);
+        params->setMaxSize(options.maxSize);
         params->setMaxFps(0);
-        params->setBitRate(4000000);
+        params->setBitRate(options.bitRate);
         params->setAudio(options.audio);
         device->addVideoPacketProbe(session.probe.get());
-        // Watched as by a view on screen, so that every picture is decoded; the GUI thread sees
-        // each hand-off as a view does.
         FrameHandoff *frames = device->videoFrames();
-        frames->addWatcher();
+        if (window) {
+            auto *item = new YuvFboItem(window->contentItem());
+            const int columns = std::max(1, std::min(options.columns, result.phones));
+            item->setPosition(QPointF(int(i) % columns * options.cellSize.width(),
+                                      int(i) / columns * options.cellSize.height()));
+            item->setSize(options.cellSize);
+            item->setSource(frames);
+            items.push_back(item);
+        } else {
+            // Watched as by a view on screen, so that every picture is decoded.
+            frames->addWatcher();
+        }
+        // The GUI thread sees each hand-off as a view does.
         PhoneProbe *probe = session.probe.get();
         QObject::connect(frames, &FrameHandoff::frameAvailable, device, [probe, frames] {
             if (const FrameHandoff::Frame frame = frames->latest())
                 probe->framePresented(frame->pts);
         });
+        session.startNs = PhoneProbe::nowNs();
         device->startScrcpySession();
         if (!device->running()) {
             result.error = "session did not start on " + phones[i]->serial();
@@ -173,20 +194,51 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     }
 
     if (result.error.isEmpty()) {
+        std::vector<double> firstMs;
+        for (const Session &s : sessions)
+            firstMs.push_back(double(s.probe->firstPresentedNs() - s.startNs) / 1e6);
+        result.firstPictureMedianMs = ProcessStats::percentile(firstMs, 0.5);
+        result.firstPictureMaxMs = ProcessStats::percentile(firstMs, 1.0);
+
         waitUntil([] { return false; }, warmupMs);
         audioFramesBefore = *audioFrames;
         for (Session &s : sessions) {
             s.probe->startCounting();
             s.publishedAtStart = s.device->videoFrames()->framesPublished();
         }
+        qint64 uploadsBefore = 0;
+        for (const YuvFboItem *item : items)
+            uploadsBefore += item->uploads();
+        LatenessProbe lateness;
+        const ProcessStats::Threads threadsBefore = ProcessStats::threads();
         const double adbBefore = adbServerCpuSeconds();
-        const double cpuBefore = processCpuSeconds();
+        const double guiBefore = ProcessStats::mainThreadCpuSeconds();
+        const double cpuBefore = ProcessStats::processCpuSeconds();
         QElapsedTimer wall;
         wall.start();
+        lateness.start();
         waitUntil([] { return false; }, int(seconds * 1000));
-        result.cpuSeconds = processCpuSeconds() - cpuBefore;
+        lateness.stop();
+        result.cpuSeconds = ProcessStats::processCpuSeconds() - cpuBefore;
+        result.guiCpuSeconds = ProcessStats::mainThreadCpuSeconds() - guiBefore;
         result.seconds = double(wall.nsecsElapsed()) / 1e9;
         const double adbAfter = adbServerCpuSeconds();
+        const ProcessStats::Threads threadsAfter = ProcessStats::threads();
+        const qint64 rssAfter = ProcessStats::residentBytes();
+        result.latenessP99Ms = lateness.p99Ms();
+        if (rssBefore > 0 && rssAfter > 0 && result.phones > 0)
+            result.rssPerPhoneMb = double(rssAfter - rssBefore) / 1048576.0 / result.phones;
+        result.busiestThreads = ProcessStats::busiestThreads(threadsBefore, threadsAfter, result.seconds, 6);
+        if (window) {
+            result.renderCpuSeconds = ProcessStats::cpuOfThreads(threadsBefore, threadsAfter,
+                                                                 {"QSGRenderThread", "llvmpipe"});
+            result.uploads = -uploadsBefore;
+            result.shownItems = 0;
+            for (const YuvFboItem *item : items) {
+                result.uploads += item->uploads();
+                result.shownItems += item->isShown() ? 1 : 0;
+            }
+        }
         if (adbBefore >= 0 && adbAfter >= adbBefore)
             result.adbCpuSeconds = adbAfter - adbBefore;
         for (Session &s : sessions) {
@@ -232,6 +284,10 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
         if (s.device)
             s.device->stopScrcpySession();
     }
+    // The items go before the sessions whose handoffs they show.
+    for (YuvFboItem *item : items)
+        item->setSource(nullptr);
+    window.reset();
     // Let the phones see their sockets close before the next round or the ffmpeg reference.
     waitUntil([] { return false; }, 1000);
     sessions.clear();

@@ -1,22 +1,30 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <vector>
 
 class PhoneFixture;
 
-// One measurement: a Device session on each of the fixture's first phones, all in this process, mirrored
-// at full size with no frame-rate cap, each one presenting into a YuvFboItem that is never shown.
+// One measurement: a Device session on each of the fixture's first phones, all in this process, with
+// no frame-rate cap. Decode-only, a harness watches every phone's frame handoff; drawn, every phone
+// has a YuvFboItem of the grid's cell size in one window, which watches it as in the application.
 class MirrorRound
 {
 public:
-    // What each session does besides mirroring.
+    // What each session does besides mirroring, and how the pictures are shown.
     struct Options
     {
         bool audio = false;      // the phone's sound is decoded and played as well
         bool record = false;     // every session records to a Matroska file
+        int maxSize = 0;
+        int bitRate = 4000000;
+        bool drawn = false;
+        QSize cellSize{220, 483};
+        int columns = 10;
     };
 
     struct Result
@@ -34,14 +42,23 @@ public:
         std::vector<qint64> latenciesNs;
         qint64 audioFrames = 0;    // sound frames decoded, all phones, in the window
         qint64 recordedBytes = 0;  // size of the recordings, all phones, whole recording
+        bool drawn = false;
+        double guiCpuSeconds = 0;     // the main thread over the window
+        double renderCpuSeconds = -1; // Qt's render thread and Mesa's llvmpipe threads; drawn only
+        double latenessP99Ms = -1;    // a 5 ms timer on the GUI thread
+        double rssPerPhoneMb = -1;    // VmRSS growth from before the sessions, per phone
+        double firstPictureMedianMs = -1;
+        double firstPictureMaxMs = -1;
+        qint64 uploads = -1;          // pictures the shown items uploaded in the window; drawn only
+        int shownItems = -1;
+        QStringList busiestThreads;
     };
 
     MirrorRound(PhoneFixture &fixture, quint16 adbServerPort, std::function<bool()> stopRequested);
 
     // Starts the sessions, waits until every phone shows pictures, lets them settle for warmupMs,
     // measures for seconds, then stops every session again, on failure too.
-    Result run(int phones, double seconds, int warmupMs, Options options);
-    Result run(int phones, double seconds, int warmupMs) { return run(phones, seconds, warmupMs, Options()); }
+    Result run(int phones, double seconds, int warmupMs, const Options &options);
 
 private:
     // Runs the event loop until done() holds, the timeout passes or a stop is requested.

@@ -3,6 +3,7 @@
 #include "appconfig.h"
 #include "jsonfile.h"
 
+#include <QCoreApplication>
 #include <QJSEngine>
 #include <QJsonObject>
 
@@ -13,7 +14,14 @@ DeviceSettings::DeviceSettings()
 
 DeviceSettings *DeviceSettings::instance()
 {
-    static DeviceSettings *settings = new DeviceSettings;
+    static DeviceSettings *settings = [] {
+        auto *created = new DeviceSettings;
+        // The adb listing may ask first, from a worker thread; QML binds to the object on the GUI
+        // thread, so it must live there whichever thread created it.
+        if (QCoreApplication::instance())
+            created->moveToThread(QCoreApplication::instance()->thread());
+        return created;
+    }();
     return settings;
 }
 
