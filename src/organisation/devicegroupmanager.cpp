@@ -174,7 +174,13 @@ void DeviceGroupManager::createDeviceGroup(const QString &name)
 
 void DeviceGroupManager::removeDeviceGroup(DeviceGroup *deviceGroup)
 {
-    m_deviceGroups.removeOne(deviceGroup);
+    // Its phones go with it: no session keeps streaming for a group nobody can see, and a phone
+    // can join another group without getting a second session.
+    if (m_deviceGroups.removeOne(deviceGroup)) {
+        const QList<Device *> devices = deviceGroup->devices();
+        for (Device *device : devices)
+            device->removeFromDeviceGroup();
+    }
     save();
     emit deviceGroupsChanged();
 }

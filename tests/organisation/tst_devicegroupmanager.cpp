@@ -250,7 +250,12 @@ private slots:
 
         DeviceGroup *second = manager.deviceGroups().at(1);
         QPointer<DeviceGroup> guard(second);
+        second->appendDevice(new Device(nullptr, second, "S2"));
+        QPointer<Device> phone = second->devices().first();
         manager.removeDeviceGroup(second);
+        // Its phones and their sessions go with it.
+        QCOMPARE(second->deviceCount(), 0);
+        QTRY_VERIFY(phone.isNull());
         QCOMPARE(namesOf(manager), QStringList{"Default Group"});
         QCOMPARE(fileGroups().size(), 1);
         QCOMPARE(groupsChanged.count(), 2);
