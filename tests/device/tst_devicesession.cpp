@@ -298,6 +298,32 @@ private slots:
         device->stopScrcpySession();
     }
 
+    void killedAdbServerLeavesEveryPhoneOfflineUntilItIsBack()
+    {
+        DeviceGroup group;
+        QList<QPointer<Device>> devices;
+        for (int i = 0; i < 4; ++i) {
+            PhoneSimProcess *phone = nullptr;
+            devices << makeDevice(group, phone, {720, 1600}, 320, 30);
+            QVERIFY(devices.last());
+        }
+        group.startAllDevices();
+        for (const QPointer<Device> &device : devices)
+            QTRY_VERIFY_WITH_TIMEOUT(device->videoFrames()->latest() != nullptr, 20000);
+
+        m_fixture->adb().killServer();
+        for (const QPointer<Device> &device : devices)
+            QTRY_VERIFY_WITH_TIMEOUT(device && device->offline(), 20000);
+        QCOMPARE(group.deviceCount(), 4);
+        // Korvel brings adb back and reconnects the phones; every session streams again.
+        for (const QPointer<Device> &device : devices) {
+            QTRY_VERIFY_WITH_TIMEOUT(!device->offline(), 60000);
+            QTRY_VERIFY_WITH_TIMEOUT(device->running() && device->videoFrames()->latest() != nullptr, 30000);
+        }
+        for (const QPointer<Device> &device : devices)
+            device->stopScrcpySession();
+    }
+
     void missingServerFileKeepsThePhone()
     {
         PhoneSimProcess *phone = nullptr;
