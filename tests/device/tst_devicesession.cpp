@@ -1,5 +1,6 @@
 #include "adbclient.h"
 #include "appconfig.h"
+#include "controller.h"
 #include "device.h"
 #include "framehandoff.h"
 #include "devicegroup.h"
@@ -322,6 +323,35 @@ private slots:
         }
         for (const QPointer<Device> &device : devices)
             device->stopScrcpySession();
+    }
+
+    void stoppingOneSessionLeavesAnotherOnTheSamePhone()
+    {
+        // Two sessions on one phone, as two Korvel instances (or two PCs) would hold them.
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *first = makeDevice(group, phone, {720, 1600}, 320, 30);
+        QVERIFY(first);
+        DeviceGroup otherGroup;
+        auto *second = new Device(nullptr, &otherGroup, phone->serial());
+        second->serverParamsSmallView()->setMaxSize(320);
+        otherGroup.appendDevice(second);
+        second->videoFrames()->addWatcher();
+        first->startScrcpySession();
+        second->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(first->videoFrames()->latest() && second->videoFrames()->latest(), 20000);
+        QCOMPARE(phone->journal("server_start").size(), 2);
+
+        first->stopScrcpySession();
+        QTRY_COMPARE_WITH_TIMEOUT(phone->journal("server_stop").size(), 1, 10000);
+        // The other session's server is untouched and still streams.
+        const int published = second->videoFrames()->framesPublished();
+        second->controller()->resetVideo();
+        QTRY_VERIFY_WITH_TIMEOUT(second->videoFrames()->framesPublished() > published, 10000);
+        QVERIFY(second->running());
+        QCOMPARE(phone->journal("server_stop").size(), 1);
+        second->stopScrcpySession();
+        second->videoFrames()->removeWatcher();
     }
 
     void missingServerFileKeepsThePhone()
