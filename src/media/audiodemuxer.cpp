@@ -20,7 +20,7 @@ AudioDemuxer::AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *
 {
     for (PacketSink *sink : {recorder, decoder}) {
         if (sink)
-            m_sinks.append(makeSink(sink));
+            m_sinks.append(GuardedPacketSink(sink));
     }
     if (m_socket)
         connect(m_socket, &QIODevice::readyRead, this, &AudioDemuxer::read);
@@ -29,17 +29,6 @@ AudioDemuxer::AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *
 AudioDemuxer::~AudioDemuxer()
 {
     av_packet_free(&m_packet);
-}
-
-AudioDemuxer::Sink AudioDemuxer::makeSink(PacketSink *sink)
-{
-    Sink result;
-    result.sink = sink;
-    if (QObject *object = dynamic_cast<QObject *>(sink)) {
-        result.guard = object;
-        result.guarded = true;
-    }
-    return result;
 }
 
 void AudioDemuxer::read()
@@ -79,11 +68,8 @@ void AudioDemuxer::read()
         if (config)
             keepConfiguration(entry.payload, int(entry.size));
 
-        for (qsizetype i = 0; i < m_sinks.size(); ++i) {
-            const Sink &sink = m_sinks.at(i);
-            if (sink.sink && !(sink.guarded && sink.guard.isNull()))
-                sink.sink->pushPacket(m_packet);
-        }
+        for (qsizetype i = 0; i < m_sinks.size(); ++i)
+            m_sinks.at(i).push(m_packet);
         av_packet_unref(m_packet);
     }
     m_buffer.remove(0, pos);

@@ -13,7 +13,8 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
-class PacketSink;
+#include "packetsink.h"
+
 
 // Cuts the audio socket's byte stream into FFmpeg packets and hands each one to the recorder,
 // then to the decoder. The stream opens with the 4-byte codec id; the 64-byte device name comes
@@ -60,14 +61,6 @@ public slots:
     void read();
 
 private:
-    struct Sink
-    {
-        PacketSink *sink = nullptr;
-        QPointer<QObject> guard;
-        bool guarded = false;
-    };
-    static Sink makeSink(PacketSink *sink);
-
     bool parseHeader();
     bool openCodec(QString *error);
     void keepConfiguration(const uchar *data, int size);
@@ -78,7 +71,7 @@ private:
     State m_state = State::AwaitingHeader;
     QByteArray m_buffer;
     std::shared_ptr<AVCodecContext> m_codecContext;
-    QList<Sink> m_sinks;
+    QList<GuardedPacketSink> m_sinks;
     QString m_deviceName;
     quint32 m_codecId = 0;
     AVPacket *m_packet = nullptr;

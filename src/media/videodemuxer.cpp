@@ -47,25 +47,7 @@ void VideoDemuxer::insertPacketSink(int position, PacketSink *sink)
         return;
     if (position < 0 || position > m_sinks.size())
         position = int(m_sinks.size());
-    m_sinks.insert(position, makeSink(sink));
-}
-
-VideoDemuxer::Sink VideoDemuxer::makeSink(PacketSink *sink)
-{
-    Sink result;
-    result.sink = sink;
-    if (QObject *object = dynamic_cast<QObject *>(sink)) {
-        result.guard = object;
-        result.guarded = true;
-    }
-    return result;
-}
-
-void VideoDemuxer::deliver(const Sink &sink, const AVPacket *packet)
-{
-    if (!sink.sink || (sink.guarded && sink.guard.isNull()))
-        return;
-    sink.sink->pushPacket(packet);
+    m_sinks.insert(position, GuardedPacketSink(sink));
 }
 
 void VideoDemuxer::read()
@@ -102,7 +84,7 @@ void VideoDemuxer::read()
 
         // By index: a sink may add another one while it is being fed.
         for (qsizetype i = 0; i < m_sinks.size(); ++i)
-            deliver(m_sinks.at(i), m_packet);
+            m_sinks.at(i).push(m_packet);
         av_packet_unref(m_packet);
     }
     m_buffer.remove(0, pos);

@@ -14,7 +14,8 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
-class PacketSink;
+#include "packetsink.h"
+
 
 // Cuts the video socket's byte stream (a 76-byte stream header, then packets with a 12-byte
 // header) into FFmpeg packets and hands each one to an ordered list of sinks: the recorder first,
@@ -62,14 +63,6 @@ public slots:
     void read();
 
 private:
-    struct Sink
-    {
-        PacketSink *sink = nullptr;
-        QPointer<QObject> guard;
-        bool guarded = false;
-    };
-    static Sink makeSink(PacketSink *sink);
-    static void deliver(const Sink &sink, const AVPacket *packet);
 
     bool parseHeader();
     bool openCodec();
@@ -81,7 +74,7 @@ private:
     bool m_headerParsed = false;
     QByteArray m_buffer;
     std::shared_ptr<AVCodecContext> m_codecContext;
-    QList<Sink> m_sinks;
+    QList<GuardedPacketSink> m_sinks;
     QString m_deviceName;
     QByteArray m_codecId;
     quint32 m_width = 0;
