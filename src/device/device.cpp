@@ -159,7 +159,6 @@ void Device::startScrcpySession()
 
     m_server = new ScrcpyServer(this, params);
     m_recorder->setStreams(params->video(), params->audio());
-    connect(m_server, &ScrcpyServer::output, this, &Device::handleServerOutput);
     connect(m_server, &ScrcpyServer::stopped, this, &Device::handleServerStopped);
     connect(m_server, &ScrcpyServer::startFailed, this, &Device::handleStartFailed);
     connect(m_server, &ScrcpyServer::videoSocketConnected, this, &Device::handleVideoSocketConnected);
@@ -234,10 +233,6 @@ void Device::removeFromDeviceGroup()
 {
     teardownSession();
     leaveGroup();
-}
-
-void Device::handleServerOutput(const QByteArray &)
-{
 }
 
 void Device::handleServerStopped(int, QProcess::ExitStatus)

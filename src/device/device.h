@@ -141,7 +141,6 @@ signals:
     void deviceMessage(const QString &message, const QString &type, int timeout);
 
 public slots:
-    void handleServerOutput(const QByteArray &data);
     void handleServerStopped(int exitCode, QProcess::ExitStatus st);
     void handleMessageSent(const ControlMsg &msg);
     void handleFrameAvailable();
