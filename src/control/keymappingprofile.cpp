@@ -1,5 +1,7 @@
 #include "keymappingprofile.h"
 
+#include <limits>
+
 #include <QJsonValue>
 
 namespace {
@@ -30,6 +32,9 @@ bool readInt(const QJsonObject &object, const QString &key, int fallback, int *o
 {
     double number = 0.0;
     if (!readNumber(object, key, fallback, &number))
+        return false;
+    // A number no int can hold is not a key, a count or a duration: the entry is not a mapping.
+    if (!(number >= double(std::numeric_limits<int>::min()) && number <= double(std::numeric_limits<int>::max())))
         return false;
     *out = int(number);
     return true;
