@@ -1,5 +1,7 @@
 #include "audiodecoder.h"
 
+#include "codecfeed.h"
+
 #include "audiodemuxer.h"
 
 extern "C" {
@@ -39,20 +41,6 @@ void AudioDecoder::decodePacket(const AVPacket *packet)
     if (!context)
         return;
 
-    int result = avcodec_send_packet(context, packet);
-    if (result == AVERROR(EAGAIN)) {
-        drain(context);
-        result = avcodec_send_packet(context, packet);
-    }
-    if (result < 0)
-        return;
-    drain(context);
+    CodecFeed::decode(context, packet, m_frame, [this](AVFrame *frame) { emit frameDecoded(frame); });
 }
 
-void AudioDecoder::drain(AVCodecContext *context)
-{
-    while (avcodec_receive_frame(context, m_frame) >= 0) {
-        emit frameDecoded(m_frame);
-        av_frame_unref(m_frame);
-    }
-}

@@ -33,7 +33,6 @@ signals:
     void frameDecoded(AVFrame *frame);
 
 private:
-    void drain(AVCodecContext *context);
 
     QPointer<AudioDemuxer> m_demuxer;
     // Keeps the borrowed context alive if the demuxer goes first.

@@ -16,6 +16,8 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/mediarecorder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.h
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/codecfeed.h
+    ${CMAKE_CURRENT_LIST_DIR}/codecfeed.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodecoder.h
     ${CMAKE_CURRENT_LIST_DIR}/videodecoder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/framehandoff.h

@@ -1,5 +1,7 @@
 #include "videodecoder.h"
 
+#include "codecfeed.h"
+
 #include "videodemuxer.h"
 
 extern "C" {
@@ -56,20 +58,6 @@ void VideoDecoder::decodePacket(const AVPacket *packet)
     if (!context)
         return;
 
-    int result = avcodec_send_packet(context, packet);
-    if (result == AVERROR(EAGAIN)) {
-        drain(context);
-        result = avcodec_send_packet(context, packet);
-    }
-    if (result < 0)
-        return;
-    drain(context);
+    CodecFeed::decode(context, packet, m_frame, [this](AVFrame *frame) { emit frameDecoded(frame); });
 }
 
-void VideoDecoder::drain(AVCodecContext *context)
-{
-    while (avcodec_receive_frame(context, m_frame) >= 0) {
-        emit frameDecoded(m_frame);
-        av_frame_unref(m_frame);
-    }
-}

@@ -38,7 +38,6 @@ signals:
     void frameDecoded(AVFrame *frame);
 
 private:
-    void drain(AVCodecContext *context);
 
     static std::atomic_int s_live;
     QPointer<VideoDemuxer> m_demuxer;
