@@ -33,7 +33,6 @@
 
 namespace {
 
-constexpr quint16 kAdbServerPort = 15831;
 constexpr int kTickMs = 5;
 
 double cpuSeconds(int who)
@@ -147,7 +146,7 @@ Run install(DeviceGroup &group, const QString &apk, int bound)
 std::vector<Row> measureAll(const QList<int> &counts, const QString &apk, const QStringList &phoneArgs,
                             QString *stoppedAt)
 {
-    PhoneFixture fixture(kAdbServerPort);
+    PhoneFixture fixture;
     std::vector<Row> rows;
     for (const int count : counts) {
         while (int(fixture.phones().size()) < count) {

@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr quint16 AdbServerPort = 15301;
 
 QString sha256(const QByteArray &bytes)
 {
@@ -130,7 +129,7 @@ QString TestDeviceControl::writeFile(const QString &name, const QByteArray &cont
 void TestDeviceControl::initTestCase()
 {
     QVERIFY(AdbRunner::available());
-    m_fixture = std::make_unique<PhoneFixture>(AdbServerPort);
+    m_fixture = std::make_unique<PhoneFixture>();
     QVERIFY(start(m_main));
     QCOMPARE(m_main.device->frameSize(), QSize(1080, 2400));
 }

@@ -16,7 +16,6 @@ extern "C" {
 
 namespace {
 
-constexpr quint16 AdbServerPort = 15777;
 constexpr double ToneHz = 440.0;
 
 // The frequency of the tone in interleaved 48 kHz stereo s16 PCM, from the left channel's rising
@@ -117,7 +116,7 @@ private slots:
         m_pulseServer = "unix:" + dir + "/runtime/native";
         qputenv("PULSE_SERVER", m_pulseServer.toUtf8());
 
-        m_fixture = std::make_unique<PhoneFixture>(AdbServerPort);
+        m_fixture = std::make_unique<PhoneFixture>();
     }
 
     void cleanupTestCase()

@@ -61,7 +61,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(AdbRunner::available());
-        m_fixture = std::make_unique<PhoneFixture>(15051);
+        m_fixture = std::make_unique<PhoneFixture>();
         AppConfig::instance()->setScreenshotSavePath(m_screenshots.path());
         // View switches wait between adb steps; a tenth of the time keeps the test short.
         Device::setStepDelay(100);

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr quint16 AdbServerPort = 15778;
 
 struct Probe
 {
@@ -94,7 +93,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(AdbRunner::available());
-        m_fixture = std::make_unique<PhoneFixture>(AdbServerPort);
+        m_fixture = std::make_unique<PhoneFixture>();
         AppConfig::instance()->setVideoSavePath(m_videos.path());
     }
 

@@ -43,7 +43,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(AdbRunner::available());
-        m_fixture = std::make_unique<PhoneFixture>(15401);
+        m_fixture = std::make_unique<PhoneFixture>();
         for (const QSize &size : m_sizes)
             QVERIFY2(m_fixture->addPhone(size), qPrintable(m_fixture->error()));
         DeviceGroup::setStaggerIntervals({20, 30, 50});

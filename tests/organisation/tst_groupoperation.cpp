@@ -84,7 +84,7 @@ private slots:
     {
         QVERIFY(AdbRunner::available());
         QVERIFY(m_files.isValid());
-        m_fixture = std::make_unique<PhoneFixture>(15821);
+        m_fixture = std::make_unique<PhoneFixture>();
         for (int i = 0; i < 3; ++i) {
             PhoneSimProcess *phone = m_fixture->addPhone({720, 1600});
             QVERIFY2(phone, qPrintable(m_fixture->error()));

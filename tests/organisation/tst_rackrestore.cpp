@@ -46,7 +46,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(AdbRunner::available());
-        m_fixture = std::make_unique<PhoneFixture>(15411);
+        m_fixture = std::make_unique<PhoneFixture>();
         for (const QSize size : {QSize(1080, 2400), QSize(720, 1600), QSize(1080, 2340)})
             QVERIFY2(m_fixture->addPhone(size), qPrintable(m_fixture->error()));
         AppConfig::instance()->setDeviceGroupSavePath(m_folder.path());

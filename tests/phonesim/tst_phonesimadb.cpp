@@ -14,7 +14,6 @@
 #include <memory>
 
 namespace {
-constexpr quint16 AdbServerPort = 15101;
 
 QString writeFile(const QTemporaryDir &dir, const QString &name, const QByteArray &bytes)
 {
@@ -59,7 +58,7 @@ private slots:
 
     void init()
     {
-        m_fixture = std::make_unique<PhoneFixture>(AdbServerPort);
+        m_fixture = std::make_unique<PhoneFixture>();
         m_phone = m_fixture->addPhone(QSize(720, 1600), {"--model", "Galaxy S23 Ultra", "--manufacturer", "samsung",
                                                          "--product", "dm3qzhx", "--device", "dm3q", "--android",
                                                          "13", "--reboot-delay", "100"});

@@ -3,6 +3,7 @@
 #include "adbdaemon.h"
 #include "adbmessage.h"
 #include "adbrunner.h"
+#include "loopbacklease.h"
 #include "phone.h"
 #include "phonechannel.h"
 #include "phonesimprocess.h"
@@ -18,7 +19,6 @@
 #include <memory>
 
 namespace {
-constexpr quint16 AdbServerPort = 15102;
 constexpr quint32 HostMaxPayload = 4096;
 }
 
@@ -27,6 +27,7 @@ class TestPhoneSimDaemon : public QObject
     Q_OBJECT
 
     QTemporaryDir m_dir;
+    const LoopbackLease m_adbServerPort = LoopbackLease::adbServerPort();
     std::unique_ptr<Phone> m_phone;
     std::unique_ptr<AdbDaemon> m_daemon;
     quint16 m_port = 0;
@@ -81,7 +82,7 @@ private slots:
     void cleanup()
     {
         if (QByteArray(QTest::currentTestFunction()).startsWith("reverse"))
-            AdbRunner(AdbServerPort).killServer();
+            AdbRunner(m_adbServerPort.value()).killServer();
         m_daemon.reset();
         m_phone.reset();
     }
@@ -196,7 +197,7 @@ private slots:
     {
         if (!AdbRunner::available())
             QSKIP("adb is not installed");
-        const AdbRunner adb(AdbServerPort);
+        const AdbRunner adb(m_adbServerPort.value());
         const QString serial = QString("127.0.0.1:%1").arg(m_port);
         QVERIFY(adb.run({"connect", serial}).out.contains("connected to"));
         QTRY_VERIFY_WITH_TIMEOUT(adb.listed(serial), 10000);

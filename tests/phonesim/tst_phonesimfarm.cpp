@@ -1,5 +1,6 @@
 // scripts/phonefarm starts a varied farm that adb lists as devices, and stops it again.
 #include "adbrunner.h"
+#include "loopbacklease.h"
 #include "phonesimprocess.h"
 
 #include <QDir>
@@ -7,10 +8,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-
-namespace {
-constexpr quint16 AdbServerPort = 15103;
-}
 
 class TestPhoneSimFarm : public QObject
 {
@@ -26,7 +23,8 @@ private:
 
     QTemporaryDir m_dir;
     quint16 m_basePort = 0;
-    AdbRunner m_adb{AdbServerPort};
+    const LoopbackLease m_adbServerPort = LoopbackLease::adbServerPort();
+    AdbRunner m_adb{quint16(m_adbServerPort.value())};
 };
 
 void TestPhoneSimFarm::initTestCase()
@@ -47,7 +45,7 @@ QProcess *TestPhoneSimFarm::farm(const QStringList &args)
 {
     auto *process = new QProcess;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("ANDROID_ADB_SERVER_PORT", QString::number(AdbServerPort));
+    environment.insert("ANDROID_ADB_SERVER_PORT", QString::number(m_adbServerPort.value()));
     environment.insert("KORVEL_PHONEFARM_DIR", m_dir.path());
     environment.insert("KORVEL_PHONEFARM_BASE_PORT", QString::number(m_basePort));
     process->setProcessEnvironment(environment);

@@ -130,7 +130,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(AdbRunner::available());
-        m_fixture = std::make_unique<PhoneFixture>(15601);
+        m_fixture = std::make_unique<PhoneFixture>();
         for (const QSize &size : {QSize(1080, 2400), QSize(720, 1600), QSize(1080, 1920)}) {
             PhoneSimProcess *p = m_fixture->addPhone(size, {"--animate"});
             QVERIFY2(p, qPrintable(m_fixture->error()));

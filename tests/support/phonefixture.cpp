@@ -3,11 +3,25 @@
 #include <QFile>
 #include <QTest>
 
+PhoneFixture::PhoneFixture()
+    : m_lease(LoopbackLease::adbServerPort())
+    , m_adbServerPort(quint16(m_lease->value()))
+    , m_adb(m_adbServerPort)
+{
+    startServer();
+}
+
 PhoneFixture::PhoneFixture(quint16 adbServerPort)
-    : m_adb(adbServerPort)
+    : m_adbServerPort(adbServerPort)
+    , m_adb(adbServerPort)
+{
+    startServer();
+}
+
+void PhoneFixture::startServer()
 {
     // Korvel's own adb calls inherit these.
-    qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(adbServerPort));
+    qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(m_adbServerPort));
     m_serverFile = m_dir.filePath("scrcpy-server");
     QFile server(m_serverFile);
     if (server.open(QIODevice::WriteOnly))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adbrunner.h"
+#include "loopbacklease.h"
 #include "phonesimprocess.h"
 
 #include <QSize>
@@ -8,6 +9,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 // Simulated phones attached to Debian's real adb on a private server port, ready for Korvel's
@@ -16,6 +18,9 @@
 class PhoneFixture
 {
 public:
+    // On an adb server port leased for this program's life.
+    PhoneFixture();
+    // On a port the caller owns (the benchmark scripts, which also clean up after a crash).
     explicit PhoneFixture(quint16 adbServerPort);
     ~PhoneFixture();
 
@@ -23,10 +28,15 @@ public:
     PhoneSimProcess *addPhone(const QSize &screenSize, const QStringList &extraArgs = {});
     const std::vector<std::unique_ptr<PhoneSimProcess>> &phones() const { return m_phones; }
     const AdbRunner &adb() const { return m_adb; }
+    quint16 adbServerPort() const { return m_adbServerPort; }
     QString error() const { return m_error; }
     QString serverFile() const { return m_serverFile; }
 
 private:
+    void startServer();
+
+    std::optional<LoopbackLease> m_lease;
+    quint16 m_adbServerPort;
     AdbRunner m_adb;
     QTemporaryDir m_dir;
     QString m_serverFile;

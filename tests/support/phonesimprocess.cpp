@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QJsonDocument>
-#include <QRandomGenerator>
 #include <QTcpServer>
 #include <QTest>
 
@@ -36,13 +35,20 @@ quint16 PhoneSimProcess::freePort()
 bool PhoneSimProcess::start(const QStringList &extraArgs, QString *error)
 {
     m_port = freePort();
-    m_wifiAddress = QString("127.0.0.%1").arg(100 + QRandomGenerator::global()->bounded(150));
+    // Consecutive indexes give clearly different colours, so the phones of one test never share one.
+    static int startedPhones = 0;
     QStringList args = {"--port", QString::number(m_port), "--data-dir", m_dir.path(),
-                        "--wifi-address", m_wifiAddress};
-    args += extraArgs;
+                        "--colour-index", QString::number(startedPhones++)};
     const int wifi = extraArgs.indexOf("--wifi-address");
-    if (wifi >= 0)
+    if (wifi >= 0) {
         m_wifiAddress = extraArgs.value(wifi + 1);
+    } else {
+        if (!m_wifiLease)
+            m_wifiLease = LoopbackLease::wifiOctet();
+        m_wifiAddress = QString("127.0.0.%1").arg(m_wifiLease->value());
+        args += {"--wifi-address", m_wifiAddress};
+    }
+    args += extraArgs;
     m_process.start(binary(), args);
     if (!m_process.waitForStarted(5000)) {
         if (error)

@@ -7,6 +7,10 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include "loopbacklease.h"
+
+#include <optional>
+
 // One phonesim process on a free loopback port with its own data folder.
 class PhoneSimProcess
 {
@@ -37,4 +41,5 @@ private:
     QTemporaryDir m_dir;
     quint16 m_port = 0;
     QString m_wifiAddress;
+    std::optional<LoopbackLease> m_wifiLease;
 };

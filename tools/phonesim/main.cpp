@@ -93,6 +93,7 @@ int runPhone(int argc, char **argv)
         {"audio", "Sound capture: on, disabled (no capture before Android 11) or error (capture fails).", "mode", "on"},
         {"fail-install", "The package manager refuses every install with this code, e.g. INSTALL_FAILED_OLDER_SDK.", "code"},
         {"slow-sync", "Pushed files arrive at no more than this many bytes per second.", "bytes"},
+        {"colour-index", "Phones with different indexes get clearly different colours (default: the port).", "index"},
     });
     parser.process(app);
 
@@ -136,6 +137,9 @@ int runPhone(int argc, char **argv)
         if (!ok || profile.slowSyncBytesPerSecond <= 0)
             return fail("--slow-sync takes a positive number of bytes per second");
     }
+    profile.colourIndex = parser.isSet("colour-index") ? parser.value("colour-index").toInt(&ok) : port;
+    if (!ok || profile.colourIndex < 0)
+        return fail("--colour-index takes a number from 0");
     if (!QDir().mkpath(profile.dataDir))
         return fail("cannot create data folder " + profile.dataDir);
 

@@ -30,6 +30,7 @@ struct PhoneProfile
     QString audio = "on";
     QString failInstall;      // when set, the package manager refuses every install with this code
     int slowSyncBytesPerSecond = 0;   // when above 0, pushes arrive no faster than this
+    int colourIndex = 0;      // phones with different indexes show clearly different colours
 };
 
 // The state of one simulated phone shared by the adb daemon and the simulated server.

@@ -21,7 +21,7 @@ SimServer::SimServer(Phone *phone, const QString &commandLine, QObject *parent)
     : QObject(parent)
     , m_phone(phone)
     , m_commandLine(commandLine)
-    , m_pattern(phone->profile().model, phone->profile().serial)
+    , m_pattern(phone->profile().model, phone->profile().serial, phone->profile().colourIndex)
 {
     m_pattern.setAnimated(phone->profile().animate);
     connect(phone, &Phone::killServerRequested, this, &SimServer::kill);

@@ -1,6 +1,5 @@
 #include "testpattern.h"
 
-#include <QCryptographicHash>
 #include <QFont>
 #include <QPainter>
 #include <QPainterPath>
@@ -26,10 +25,10 @@ int roundToMultipleOf8(double value)
 
 } // namespace
 
-TestPattern::TestPattern(const QString &model, const QString &serial)
+TestPattern::TestPattern(const QString &model, const QString &serial, int colourIndex)
     : m_model(model)
     , m_serial(serial)
-    , m_background(backgroundColor(serial))
+    , m_background(backgroundColor(colourIndex))
 {
 }
 
@@ -47,10 +46,10 @@ QSize TestPattern::videoSize(const QSize &screen, int maxSize)
     return portrait ? QSize(newMinor, newMajor) : QSize(newMajor, newMinor);
 }
 
-QColor TestPattern::backgroundColor(const QString &serial)
+QColor TestPattern::backgroundColor(int colourIndex)
 {
-    const QByteArray digest = QCryptographicHash::hash(serial.toUtf8(), QCryptographicHash::Md5);
-    const int hue = (quint8(digest[0]) << 8 | quint8(digest[1])) % 360;
+    // Steps of the golden angle keep any run of consecutive indexes far apart on the colour wheel.
+    const int hue = int(std::fmod(colourIndex * 137.508, 360.0));
     return QColor::fromHsv(hue, 170, 150);
 }
 

@@ -14,14 +14,14 @@
 class TestPattern
 {
 public:
-    TestPattern(const QString &model, const QString &serial);
+    TestPattern(const QString &model, const QString &serial, int colourIndex);
 
     // The encoded size for a screen: the longest side at most maxSize (0: no limit), both sides
     // multiples of 8, as video encoders want. Unscaled sides and the limit round down; the scaled
     // short side rounds to the nearest multiple.
     static QSize videoSize(const QSize &screen, int maxSize);
     // The phone's own colour, the same in every run, so a test can tell phones apart by a pixel.
-    static QColor backgroundColor(const QString &serial);
+    static QColor backgroundColor(int colourIndex);
 
     // Android motion actions: 0 down, 1 up, 2 move (5 and 6 are extra fingers down and up).
     void touch(int action, qint64 pointerId, const QPointF &position);
