@@ -144,12 +144,14 @@ Dialog {
                 onActivated: index => dialog.targetGroup = model[index]
             }
             Item { Layout.fillWidth: true }
-            BusyIndicator {
+            // Made only while a scan runs: the style's spinner keeps its animation going once it
+            // exists, even hidden in a closed dialog, and that alone kept the window redrawing.
+            Loader {
                 objectName: "scanBusy"
-                running: dialog.scanning
-                visible: running
+                active: dialog.scanning && dialog.visible
                 Layout.preferredWidth: 28
                 Layout.preferredHeight: 28
+                sourceComponent: BusyIndicator { running: true }
             }
             KVButton {
                 objectName: "scanRefreshButton"
