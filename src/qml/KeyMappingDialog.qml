@@ -10,8 +10,10 @@ Dialog {
     property DeviceGroup group: null
     readonly property KeyMappingProfile profile: profileCombo.currentIndex >= 0
                                                  ? KeyMapping.getProfile(profileCombo.currentText) : null
+    // Followed only while the dialog is open: a closed one would refilter the whole group and reset
+    // its phone list at every start and stop of a rack's phones.
     readonly property var runningDevices: {
-        const devices = group ? group.devicesForRepeater : []
+        const devices = group && visible ? group.devicesForRepeater : []
         return devices.filter(device => device && device.running)
     }
     readonly property Device previewDevice: runningDevices.length > 0
