@@ -1,7 +1,6 @@
 // Controlling simulated phones end to end: a Device's commands go through Debian's real adb and
 // the control socket, and arrive in the phone's journal. The bytes of each kind of input are
 // proven in tst_controller; here one case per capability shows it reaches a phone.
-#include "autojs.h"
 #include "controldescription.h"
 #include "controller.h"
 #include "device.h"
@@ -136,10 +135,6 @@ private slots:
                                << QStringList{"scroll 270,1801 0,-2"};
         QTest::newRow("typed text, pasted") << Input([](Device *d) { d->controller()->actionInputText("你好 farm"); })
                                             << QStringList{"clipboard 0 paste 你好 farm"};
-        QTest::newRow("input method text, then a key") << Input([](Device *d) {
-            d->controller()->handleInputMethodText("你好");
-            d->controller()->handleKeyEvent(6, Qt::Key_Z, 0, "z");
-        }) << QStringList{"clipboard 0 paste 你好", "key 0 54"};
         QTest::newRow("mapped key") << Input([](Device *d) {
             KeyMappingProfile profile("Game");
             profile.addMapping(Qt::Key_A, 0, "A", 0.5, 0.5, 1);
@@ -242,26 +237,17 @@ private slots:
 
     void autojsRunAndStop()
     {
+        // Its messages and running flag are tst_autojs's; here the script reaches the phone.
         const QByteArray script = "// 收菜\nwhile (true) { click(540, 1200); sleep(1000); }\n";
         const QString path = writeFile("farm.task.js", script);
         QVERIFY(!path.isEmpty());
-        QSignalSpy messages(m_main.device.data(), &Device::deviceMessage);
-        QSignalSpy running(m_main.device.data(), &Device::isRunningAutojsChanged);
         m_main.device->runAutojs(path);
-        QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 30000);
-        QCOMPARE(messages[0], (QVariantList{"AutoJS script started", "info", 2000}));
-        QVERIFY(m_main.device->autojs()->isRunning());
-        QCOMPARE(running.count(), 1);
-
-        QTRY_VERIFY_WITH_TIMEOUT(!m_main.phone->journal("autojs").isEmpty(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_main.phone->journal("autojs").isEmpty(), 30000);
         const QJsonObject run = m_main.phone->journal("autojs").last();
         QCOMPARE(run.value("type").toString(), QString("run"));
         QCOMPARE(run.value("name").toString(), QString("farm"));
         QCOMPARE(run.value("sha256").toString(), sha256(script));
-
         m_main.device->stopAutojs();
-        QVERIFY(!m_main.device->autojs()->isRunning());
-        QCOMPARE(running.count(), 2);
         QTRY_COMPARE_WITH_TIMEOUT(m_main.phone->journal("autojs").last().value("type").toString(), QString("stopAll"), 10000);
     }
 

@@ -1,7 +1,7 @@
+#include "controldescription.h"
 #include "simserver.h"
 #include "simtestsupport.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 Q_DECLARE_METATYPE(FakeTunnel::Answer)
@@ -69,13 +69,8 @@ private slots:
         ServerRig rig(serverCommand("video_bit_rate=2000000 max_size=280 max_fps=5 scid=0badcafe"));
         rig.tunnel.answers = {FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold};
         rig.server.start();
-        // The start is journalled at once, with its options.
-        const QList<QJsonObject> starts = rig.phone.journal("server_start");
-        QCOMPARE(starts.size(), 1);
-        QCOMPARE(starts[0].value("video_bit_rate").toInt(), 2000000);
-        QCOMPARE(starts[0].value("max_size").toInt(), 280);
-        QCOMPARE(starts[0].value("max_fps").toInt(), 5);
-        QCOMPARE(starts[0].value("scid").toString(), QString("0badcafe"));
+        // The start is journalled at once, with its options (as tst_commandlineoptions reads them).
+        QCOMPARE(rig.phone.journal("server_start").value(0).value("scid").toString(), QString("0badcafe"));
         QCoreApplication::processEvents();
         QCOMPARE(rig.tunnel.names.size(), 1);
         rig.channel(0)->accept();
@@ -108,8 +103,7 @@ private slots:
         verifyFailed(rig, "Connection refused");
         for (int i = 0; i < openedBeforeFailure; ++i)
             QVERIFY(rig.channel(i)->wasClosed());
-        QCOMPARE(rig.phone.journal("server_stop").size(), 1);
-        QCOMPARE(rig.phone.journal("server_stop").first().value("exitCode").toInt(), 1);
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("exitCode").toInt(), 1);
     }
 
     void failsBeforeAnySocket_data()
@@ -121,8 +115,6 @@ private slots:
                                         << "java.lang.ClassNotFoundException: com.genymobile.scrcpy.Server";
         QTest::newRow("version") << true << serverCommand("scid=00000001", "3.2")
                                  << "[server] ERROR: The server version (3.3.1) does not match the client (3.2)";
-        QTest::newRow("unknown option") << true << serverCommand("scid=00000001 tunnel_mode=x")
-                                        << "Unknown server option: tunnel_mode";
         QTest::newRow("nothing enabled") << true << serverCommand("video=false audio=false control=false") << "At least one";
     }
 
@@ -159,9 +151,7 @@ private slots:
             QVERIFY(channel->wasClosed());
         QTRY_COMPARE(rig.finished.size(), 1);
         QCOMPARE(rig.finished.first().first().toInt(), 137);
-        const QList<QJsonObject> stops = rig.phone.journal("server_stop");
-        QCOMPARE(stops.size(), 1);
-        QCOMPARE(stops[0].value("reason").toString(), QString("killed"));
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("reason").toString(), QString("killed"));
     }
 
     void endsWhenThePcClosesTheVideoSocket()
@@ -192,15 +182,8 @@ private slots:
         QCOMPARE(rig.phone.phone->rotation(), 1);
         // Sequence 5 asked for an acknowledgement.
         QCOMPARE(control->written, hex("01 0000000000000005"));
-        const QList<QJsonObject> lines = rig.phone.journal("control");
-        QCOMPARE(lines.size(), 3);
-        QCOMPARE(lines[0].value("type").toString(), QString("SetClipboard"));
-        QCOMPARE(lines[0].value("paste").toBool(), true);
-        QCOMPARE(lines[1].value("type").toString(), QString("InjectTouchEvent"));
-        QCOMPARE(lines[1].value("pointerId").toInteger(), -2);
-        QCOMPARE(lines[1].value("x").toInt(), 80);
-        QCOMPARE(lines[1].value("screenHeight").toInt(), 352);
-        QCOMPARE(lines[2].value("type").toString(), QString("RotateDevice"));
+        QCOMPARE(describeControl(rig.phone.journal("control")),
+                 (QStringList{"clipboard 5 paste hi", "touch 0@80,160", "RotateDevice"}));
     }
 
     void sendsThePhoneClipboardToThePc()
@@ -228,10 +211,11 @@ private slots:
         rig.channel(1)->sendFromPc(hex("0B 63 64 65"));
         QVERIFY(rig.channel(1)->wasClosed());
         QCOMPARE(rig.phone.journal("control").size(), 1);
-        const QList<QJsonObject> errors = rig.phone.journal("error");
-        QCOMPARE(errors.size(), 1);
-        QCOMPARE(errors[0].value("source").toString(), QString("control"));
-        QTest::qWait(50);
+        QCOMPARE(rig.phone.journal("error").size(), 1);
+        QCOMPARE(rig.phone.journal("error").first().value("source").toString(), QString("control"));
+        // The video goes on.
+        const qsizetype streamed = rig.channel(0)->written.size();
+        QTRY_VERIFY(rig.channel(0)->written.size() > streamed);
         QVERIFY(rig.finished.isEmpty());
         QVERIFY(rig.channel(0)->isOpen());
     }
