@@ -10,8 +10,6 @@
 #include "keymappingprofile.h"
 
 #include <QBuffer>
-#include <QImage>
-#include <QStandardPaths>
 #include <QtTest>
 
 extern "C" {
@@ -344,34 +342,16 @@ private slots:
         QCOMPARE(messages[0], (QVariantList{"File upload failed: remote couldn't create file", "error", 5000}));
     }
 
-    void wallpaperCarriesTheNickname()
+    void rebootAndShutdownGoThroughAdb()
     {
+        // What the phone does with them is proven through the real adb in tst_phonesimadb.
         Session session;
-        const QString path =
-            QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) + "/wallpaper_Farm 7.png";
-        QFile::remove(path);
-        session.controller->setWallpaper("Farm 7", 720, 1600);
-        // Pushed, then set: the phone's side of both is proven on a simulated phone.
-        QTRY_COMPARE_WITH_TIMEOUT(m_adb.calls().size(), 2, 10000);
-        QImage picture(path);
-        QVERIFY2(!picture.isNull(), qPrintable(path));
-        QCOMPARE(picture.size(), QSize(720, 1600));
-        int yellowAbove = 0;
-        int yellowBelow = 0;
-        for (int y = 0; y < picture.height(); y += 2) {
-            for (int x = 0; x < picture.width(); x += 2) {
-                const QColor c = picture.pixelColor(x, y);
-                (y < 150 ? yellowAbove : yellowBelow) += c.red() > 128 && c.green() > 128 && c.blue() < 64;
-            }
-        }
-        QCOMPARE(yellowAbove, 0);
-        QVERIFY(yellowBelow > 50);
-        QCOMPARE(picture.pixelColor(0, 0), QColor(Qt::black));
-
-        // A size that is not known yet draws nothing and calls nothing.
-        m_adb.clear();
-        session.controller->setWallpaper("Farm 8", -1, -1);
-        QVERIFY(m_adb.calls().isEmpty());
+        session.controller->actionReboot();
+        QTRY_COMPARE(m_adb.calls().size(), 1);
+        session.controller->actionShutdown();
+        QTRY_COMPARE(m_adb.calls().size(), 3); // after asking whether it is an emulator
+        QCOMPARE(m_adb.calls().first(), (QStringList{"-s", "S1", "reboot"}));
+        QCOMPARE(m_adb.calls().last(), (QStringList{"-s", "S1", "reboot", "-p"}));
     }
 
     void withoutSessionNothingBreaks()

@@ -14,6 +14,7 @@
 #include <QCryptographicHash>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -25,14 +26,6 @@ QString sha256(const QByteArray &bytes)
 {
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
-
-// A running session on one phone, with its group.
-struct Session
-{
-    PhoneSimProcess *phone = nullptr;
-    std::unique_ptr<DeviceGroup> group;
-    QPointer<Device> device;
-};
 
 } // namespace
 
@@ -47,37 +40,14 @@ public:
 
 private:
     std::unique_ptr<PhoneFixture> m_fixture;
-    Session m_main;
+    PhoneSimProcess *m_phone = nullptr;
+    std::unique_ptr<DeviceGroup> m_group;
+    QPointer<Device> m_device;
     QTemporaryDir m_files;
 
-    bool start(Session &session)
-    {
-        session.phone = m_fixture->addPhone({1080, 2400}, {"--reboot-delay", "100"});
-        if (!session.phone) {
-            qWarning("%s", qPrintable(m_fixture->error()));
-            return false;
-        }
-        session.group = std::make_unique<DeviceGroup>();
-        session.device = new Device(nullptr, session.group.get(), session.phone->serial());
-        // Full-size frames, so that device points and frame points are the same.
-        session.device->serverParamsSmallView()->setMaxSize(0);
-        session.device->serverParamsSmallView()->setMaxFps(10);
-        session.group->appendDevice(session.device);
-        QSignalSpy frames(session.device->videoFrames(), &FrameHandoff::frameAvailable);
-        // Watched, as by a view on screen: pictures keep coming.
-        session.device->videoFrames()->addWatcher();
-        session.device->startScrcpySession();
-        if (!QTest::qWaitFor([&] { return session.device->controller() && frames.count() > 0; }, 20000)) {
-            qWarning("no controller or no frames");
-            return false;
-        }
-        session.device->setShowSize(QSize(540, 1200));
-        return true;
-    }
-
-    int controlCount() const { return int(m_main.phone->journal("control").size()); }
-    // What the main phone has read on its control socket since journal line `from`.
-    QStringList controlSince(int from) const { return describeControl(m_main.phone->journal("control").mid(from)); }
+    int controlCount() const { return int(m_phone->journal("control").size()); }
+    // What the phone has read on its control socket since journal line `from`.
+    QStringList controlSince(int from) const { return describeControl(m_phone->journal("control").mid(from)); }
 
     QString writeFile(const QString &name, const QByteArray &content)
     {
@@ -90,15 +60,28 @@ private slots:
     {
         QVERIFY(AdbRunner::available());
         m_fixture = std::make_unique<PhoneFixture>();
-        QVERIFY(start(m_main));
-        QCOMPARE(m_main.device->frameSize(), QSize(1080, 2400));
+        m_phone = m_fixture->addPhone({1080, 2400});
+        QVERIFY2(m_phone, qPrintable(m_fixture->error()));
+        m_group = std::make_unique<DeviceGroup>();
+        m_device = new Device(nullptr, m_group.get(), m_phone->serial());
+        // Full-size frames, so that device points and frame points are the same.
+        m_device->serverParamsSmallView()->setMaxSize(0);
+        m_device->serverParamsSmallView()->setMaxFps(10);
+        m_group->appendDevice(m_device);
+        QSignalSpy frames(m_device->videoFrames(), &FrameHandoff::frameAvailable);
+        // Watched, as by a view on screen: pictures keep coming.
+        m_device->videoFrames()->addWatcher();
+        m_device->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(m_device->controller() && frames.count() > 0, 20000);
+        QCOMPARE(m_device->frameSize(), QSize(1080, 2400));
+        m_device->setShowSize(QSize(540, 1200));
     }
 
     void cleanupTestCase()
     {
-        if (m_main.device)
-            m_main.device->stopScrcpySession();
-        m_main.group.reset();
+        if (m_device)
+            m_device->stopScrcpySession();
+        m_group.reset();
         m_fixture.reset();
     }
 
@@ -149,31 +132,31 @@ private slots:
         QFETCH(Input, input);
         QFETCH(QStringList, arrived);
         const int from = controlCount();
-        input(m_main.device);
+        input(m_device);
         QTRY_COMPARE_WITH_TIMEOUT(controlSince(from), arrived, 10000);
     }
 
     void phoneClipboardReachesThePc()
     {
         QGuiApplication::clipboard()->setText("before");
-        QCOMPARE(m_main.phone->ctl({"clipboard", "hello"}), 0);
+        QCOMPARE(m_phone->ctl({"clipboard", "hello"}), 0);
         QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::clipboard()->text(), QString("hello"), 10000);
     }
 
     void resetAndRotateRestartTheStream()
     {
         const int from = controlCount();
-        QSignalSpy frames(m_main.device->videoFrames(), &FrameHandoff::frameAvailable);
-        m_main.device->controller()->resetVideo();
+        QSignalSpy frames(m_device->videoFrames(), &FrameHandoff::frameAvailable);
+        m_device->controller()->resetVideo();
         QTRY_COMPARE_WITH_TIMEOUT(controlSince(from), QStringList{"ResetVideo"}, 10000);
         frames.clear();
         QTRY_VERIFY_WITH_TIMEOUT(frames.count() > 0, 10000);
-        QCOMPARE(m_main.device->frameSize(), QSize(1080, 2400));
+        QCOMPARE(m_device->frameSize(), QSize(1080, 2400));
 
-        m_main.device->rotateScreen();
-        QTRY_COMPARE_WITH_TIMEOUT(m_main.device->frameSize(), QSize(2400, 1080), 15000);
-        m_main.device->rotateScreen();
-        QTRY_COMPARE_WITH_TIMEOUT(m_main.device->frameSize(), QSize(1080, 2400), 15000);
+        m_device->rotateScreen();
+        QTRY_COMPARE_WITH_TIMEOUT(m_device->frameSize(), QSize(2400, 1080), 15000);
+        m_device->rotateScreen();
+        QTRY_COMPARE_WITH_TIMEOUT(m_device->frameSize(), QSize(1080, 2400), 15000);
         QCOMPARE(controlSince(from), (QStringList{"ResetVideo", "RotateDevice", "RotateDevice"}));
     }
 
@@ -192,15 +175,15 @@ private slots:
         QFETCH(QVariantList, outcome);
         const QString path = writeFile(QString("app_%1.apk").arg(QTest::currentDataTag()).replace(' ', '_'), content);
         QVERIFY(!path.isEmpty());
-        const int before = int(m_main.phone->journal("install").size());
-        QSignalSpy messages(m_main.device.data(), &Device::deviceMessage);
-        m_main.device->installAPK(path);
+        const int before = int(m_phone->journal("install").size());
+        QSignalSpy messages(m_device.data(), &Device::deviceMessage);
+        m_device->installAPK(path);
         QCOMPARE(messages.value(0), (QVariantList{"Installing APK", "info", 100000}));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
         // The package manager's answer follows the message; it names the temporary file.
         QVERIFY2(messages[1].value(0).toString().startsWith(outcome.value(0).toString()), qPrintable(messages[1].value(0).toString()));
         QCOMPARE(messages[1].mid(1), outcome.mid(1));
-        const QList<QJsonObject> installs = m_main.phone->journal("install");
+        const QList<QJsonObject> installs = m_phone->journal("install");
         QCOMPARE(installs.size(), before + 1);
         QCOMPARE(installs.last().value("ok").toBool(), outcome.value(1).toString() == "success");
         QCOMPARE(installs.last().value("sha256").toString(), sha256(content));
@@ -213,26 +196,39 @@ private slots:
             content += QByteArray::number(i) + ' ';
         const QString path = writeFile("notes.txt", content);
         QVERIFY(!path.isEmpty());
-        QSignalSpy messages(m_main.device.data(), &Device::deviceMessage);
-        m_main.device->uploadFile(path);
+        QSignalSpy messages(m_device.data(), &Device::deviceMessage);
+        m_device->uploadFile(path);
         QCOMPARE(messages.value(0), (QVariantList{"Uploading File", "info", 100000}));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
         QCOMPARE(messages[1], (QVariantList{"File uploaded", "success", 2000}));
-        QFile arrived(m_main.phone->sandboxPath("/sdcard/Download/notes.txt"));
+        QFile arrived(m_phone->sandboxPath("/sdcard/Download/notes.txt"));
         QVERIFY(arrived.open(QIODevice::ReadOnly));
         QCOMPARE(arrived.readAll(), content);
     }
 
     void nicknameBecomesTheWallpaper()
     {
-        m_main.device->setNickName("Rack 3");
+        m_device->setNickName("Rack 3");
         // Drawn and pushed in the background; the phone is told to use it last.
-        QTRY_VERIFY_WITH_TIMEOUT(!m_main.phone->journal("am").isEmpty(), 15000);
-        QVERIFY(m_main.phone->journal("am").last().value("args").toVariant().toStringList().contains(
+        QTRY_VERIFY_WITH_TIMEOUT(!m_phone->journal("am").isEmpty(), 15000);
+        QVERIFY(m_phone->journal("am").last().value("args").toVariant().toStringList().contains(
             "android.intent.action.ATTACH_DATA"));
+        QVERIFY(QFile::exists(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) + "/wallpaper_Rack 3.png"));
         QImage picture;
-        QVERIFY(picture.load(m_main.phone->sandboxPath("/data/local/tmp/wallpaper_korvel.png")));
+        QVERIFY(picture.load(m_phone->sandboxPath("/data/local/tmp/wallpaper_korvel.png")));
         QCOMPARE(picture.size(), QSize(1080, 2400));
+        // Yellow writing on black, none in the top 150 pixels.
+        int yellowAbove = 0;
+        int yellowBelow = 0;
+        for (int y = 0; y < picture.height(); y += 2) {
+            for (int x = 0; x < picture.width(); x += 2) {
+                const QColor c = picture.pixelColor(x, y);
+                (y < 150 ? yellowAbove : yellowBelow) += c.red() > 128 && c.green() > 128 && c.blue() < 64;
+            }
+        }
+        QCOMPARE(yellowAbove, 0);
+        QVERIFY(yellowBelow > 50);
+        QCOMPARE(picture.pixelColor(0, 0), QColor(Qt::black));
     }
 
     void autojsRunAndStop()
@@ -241,38 +237,14 @@ private slots:
         const QByteArray script = "// 收菜\nwhile (true) { click(540, 1200); sleep(1000); }\n";
         const QString path = writeFile("farm.task.js", script);
         QVERIFY(!path.isEmpty());
-        m_main.device->runAutojs(path);
-        QTRY_VERIFY_WITH_TIMEOUT(!m_main.phone->journal("autojs").isEmpty(), 30000);
-        const QJsonObject run = m_main.phone->journal("autojs").last();
+        m_device->runAutojs(path);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_phone->journal("autojs").isEmpty(), 30000);
+        const QJsonObject run = m_phone->journal("autojs").last();
         QCOMPARE(run.value("type").toString(), QString("run"));
         QCOMPARE(run.value("name").toString(), QString("farm"));
         QCOMPARE(run.value("sha256").toString(), sha256(script));
-        m_main.device->stopAutojs();
-        QTRY_COMPARE_WITH_TIMEOUT(m_main.phone->journal("autojs").last().value("type").toString(), QString("stopAll"), 10000);
-    }
-
-    void rebootAndShutdownReachThePhone_data()
-    {
-        QTest::addColumn<Input>("command");
-        QTest::addColumn<QString>("mode");
-        QTest::newRow("reboot") << Input(&Device::reboot) << QString();
-        QTest::newRow("shutdown") << Input(&Device::shutdown) << QString("-p");
-    }
-
-    void rebootAndShutdownReachThePhone()
-    {
-        QFETCH(Input, command);
-        QFETCH(QString, mode);
-        Session session;
-        QVERIFY(start(session));
-        const int controlBefore = int(session.phone->journal("control").size());
-        command(session.device);
-        QTRY_COMPARE_WITH_TIMEOUT(session.phone->journal("reboot").size(), 1, 15000);
-        QCOMPARE(session.phone->journal("reboot").first().value("mode").toString(), mode);
-        // An adb command, not a control message.
-        QCOMPARE(session.phone->journal("control").size(), controlBefore);
-        if (session.device)
-            session.device->stopScrcpySession();
+        m_device->stopAutojs();
+        QTRY_COMPARE_WITH_TIMEOUT(m_phone->journal("autojs").last().value("type").toString(), QString("stopAll"), 10000);
     }
 };
 

@@ -1,15 +1,19 @@
 #pragma once
 
+#include "videodecoder.h"
+#include "videodemuxer.h"
+
+#include <QBuffer>
 #include <QByteArray>
 #include <QImage>
 #include <QList>
 #include <QtEndian>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
+#include <libavutil/frame.h>
 }
 
-// Reads a media socket's bytes the way the PC does, written independently of the phone's code:
+// A media socket's bytes packet by packet, with the flags that Korvel's demuxer folds away:
 // optional 64-byte name, 4-byte codec id, for video width and height, then 12-byte packet headers.
 struct MediaPacket
 {
@@ -52,54 +56,26 @@ struct MediaStream
     }
 };
 
-// Decodes H.264 packets with FFmpeg's own decoder, fed as the PC's decoder is fed, and keeps the
-// luma plane of each picture.
-class TestDecoder
+// The pictures that Korvel's own demuxer and decoder make of a video socket's bytes, as luma planes.
+inline QList<QImage> decodeVideo(const QByteArray &socketBytes)
 {
-public:
-    TestDecoder()
-    {
-        const AVCodec *codec = avcodec_find_decoder(AV_CODEC_ID_H264);
-        m_context = avcodec_alloc_context3(codec);
-        m_ok = codec && avcodec_open2(m_context, codec, nullptr) == 0;
+    QBuffer socket;
+    socket.setData(socketBytes);
+    socket.open(QIODevice::ReadOnly);
+    VideoDecoder decoder;
+    VideoDemuxer demuxer(&socket, nullptr, &decoder);
+    decoder.setDemuxer(&demuxer);
+    QList<QImage> pictures;
+    QObject::connect(&decoder, &VideoDecoder::frameDecoded, [&pictures](AVFrame *frame) {
+        QImage luma(frame->width, frame->height, QImage::Format_Grayscale8);
+        for (int y = 0; y < frame->height; ++y)
+            memcpy(luma.scanLine(y), frame->data[0] + y * frame->linesize[0], size_t(frame->width));
+        pictures << luma;
+    });
+    // Each read takes a bounded number of packets.
+    for (qsizetype before = -1; before != pictures.size();) {
+        before = pictures.size();
+        demuxer.read();
     }
-    ~TestDecoder()
-    {
-        av_frame_free(&m_frame);
-        av_packet_free(&m_packet);
-        avcodec_free_context(&m_context);
-    }
-
-    bool ok() const { return m_ok; }
-
-    void decode(const MediaPacket &packet)
-    {
-        if (!m_ok || av_new_packet(m_packet, int(packet.payload.size())) != 0)
-            return;
-        memcpy(m_packet->data, packet.payload.constData(), size_t(packet.payload.size()));
-        m_packet->pts = packet.config() ? AV_NOPTS_VALUE : packet.pts();
-        if (packet.keyFrame())
-            m_packet->flags |= AV_PKT_FLAG_KEY;
-        // A lone configuration packet holds no picture; FFmpeg keeps its parameter sets and says
-        // "no frame", which is no fault of the stream.
-        if (avcodec_send_packet(m_context, m_packet) < 0 && !packet.config())
-            ++errors;
-        av_packet_unref(m_packet);
-        while (avcodec_receive_frame(m_context, m_frame) == 0) {
-            QImage luma(m_frame->width, m_frame->height, QImage::Format_Grayscale8);
-            for (int y = 0; y < m_frame->height; ++y)
-                memcpy(luma.scanLine(y), m_frame->data[0] + y * m_frame->linesize[0], size_t(m_frame->width));
-            frames << luma;
-            av_frame_unref(m_frame);
-        }
-    }
-
-    QList<QImage> frames;
-    int errors = 0;
-
-private:
-    AVCodecContext *m_context = nullptr;
-    AVFrame *m_frame = av_frame_alloc();
-    AVPacket *m_packet = av_packet_alloc();
-    bool m_ok = false;
-};
+    return pictures;
+}
