@@ -256,7 +256,6 @@ private slots:
         // Shift+A is not A: it goes out as the letter with the shift meta state; auto-repeat too.
         QTest::newRow("unmapped modifiers") << int(Qt::Key_A) << int(Qt::ShiftModifier) << false
                                             << QStringList{"key 0 29 meta 1", "key 0 29 meta 1", "key 1 29 meta 1"};
-        QTest::newRow("unmapped key") << int(Qt::Key_B) << 0 << false << QStringList{"key 0 30", "key 0 30", "key 1 30"};
     }
 
     void mappedKeysPlayTheirTouches()

@@ -115,9 +115,9 @@ private slots:
         QFile arrived(m_phone->sandboxPath("/sdcard/Korvel/new/x.bin"));
         QVERIFY(arrived.open(QIODevice::ReadOnly));
         QVERIFY(arrived.readAll() == payload);
+        // What other tests read to see what arrived.
         const QJsonObject push = m_phone->journal("push").last();
         QCOMPARE(push.value("path").toString(), QString("/sdcard/Korvel/new/x.bin"));
-        QCOMPARE(push.value("size").toInteger(), qint64(payload.size()));
         QCOMPARE(push.value("sha256").toString(),
                  QString(QCryptographicHash::hash(payload, QCryptographicHash::Sha256).toHex()));
     }
@@ -131,7 +131,6 @@ private slots:
                 tunnels << line.section(' ', 1);
             return tunnels;
         };
-        const int journalled = int(m_phone->journal("reverse").size());
         QCOMPARE(adb({"reverse", "localabstract:scrcpy_0000abcd", "tcp:27183"}).exitCode, 0);
         QCOMPARE(adb({"reverse", "localabstract:other", "tcp:27184"}).exitCode, 0);
         QCOMPARE(list(), (QStringList{"localabstract:scrcpy_0000abcd tcp:27183", "localabstract:other tcp:27184"}));
@@ -142,11 +141,6 @@ private slots:
         QVERIFY2(again.err.contains("not found"), again.err.constData());
         QCOMPARE(adb({"reverse", "--remove-all"}).exitCode, 0);
         QVERIFY(list().isEmpty());
-
-        const QJsonObject first = m_phone->journal("reverse").value(journalled);
-        QCOMPARE(first.value("action").toString(), QString("forward"));
-        QCOMPARE(first.value("local").toString(), QString("localabstract:scrcpy_0000abcd"));
-        QCOMPARE(first.value("remote").toString(), QString("tcp:27183"));
     }
 
     void rebootComesBackAndPowerOffStaysAway()
@@ -182,10 +176,6 @@ private slots:
         QCOMPARE(phone->ctl({"rotate"}, &output), 0);
         QVERIFY(phone->ctl({"no-such-command"}, &output) != 0);
         QVERIFY(output.startsWith("error:"));
-        const QList<QJsonObject> journal = phone->journal("ctl");
-        QCOMPARE(journal.size(), 3);
-        QCOMPARE(journal.first().value("arg").toString(), QString("hello phone"));
-
         QCOMPARE(phone->ctl({"quit"}, &output), 0);
         QTRY_VERIFY_WITH_TIMEOUT(!host().listed(phone->serial()), 10000);
         PhoneSimProcess absent;

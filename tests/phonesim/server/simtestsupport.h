@@ -88,8 +88,6 @@ struct TestPhone
         PhoneProfile profile;
         profile.serial = "SIM0001";
         profile.model = "Pixel Sim";
-        profile.manufacturer = "Korvel";
-        profile.androidVersion = "13";
         profile.screenSize = QSize(1080, 2400);
         profile.dataDir = dir.path();
         profile.streamFile = streamFile;
