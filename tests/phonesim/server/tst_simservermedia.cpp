@@ -84,7 +84,7 @@ private slots:
         ServerRig rig(serverCommand("scid=00000001 audio=false max_size=400"));
         QVERIFY(rig.startAndOpen(2));
         QTRY_VERIFY(video(rig).packets.size() >= 2); // a picture before the touch
-        // A finger held down in the middle of the screen (the PC's frame is 180x400).
+        // A finger held down in the middle of the screen, as the PC sends it from a 180x400 view.
         rig.channel(1)->sendFromPc(hex("02 00 0000000000000000 0000005A 000000C8 00B4 0190 FFFF 00000001 00000001"));
         const qsizetype packetsAtTouch = video(rig).packets.size();
         QTRY_VERIFY(video(rig).packets.size() >= packetsAtTouch + 2);
