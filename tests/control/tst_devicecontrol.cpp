@@ -233,16 +233,14 @@ private slots:
 
     void autojsRunAndStop()
     {
-        // Its messages and running flag are tst_autojs's; here the script reaches the phone.
+        // Its messages and running flag are tst_autojs's, the phone's reading of the commands
+        // tst_simserver_autojs's; here the script reaches the phone.
         const QByteArray script = "// 收菜\nwhile (true) { click(540, 1200); sleep(1000); }\n";
         const QString path = writeFile("farm.task.js", script);
         QVERIFY(!path.isEmpty());
         m_device->runAutojs(path);
         QTRY_VERIFY_WITH_TIMEOUT(!m_phone->journal("autojs").isEmpty(), 30000);
-        const QJsonObject run = m_phone->journal("autojs").last();
-        QCOMPARE(run.value("type").toString(), QString("run"));
-        QCOMPARE(run.value("name").toString(), QString("farm"));
-        QCOMPARE(run.value("sha256").toString(), sha256(script));
+        QCOMPARE(m_phone->journal("autojs").last().value("sha256").toString(), sha256(script));
         m_device->stopAutojs();
         QTRY_COMPARE_WITH_TIMEOUT(m_phone->journal("autojs").last().value("type").toString(), QString("stopAll"), 10000);
     }

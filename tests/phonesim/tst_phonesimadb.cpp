@@ -1,14 +1,17 @@
 // The simulated phone as Debian's adb sees it: listing, shell, push, reverse tunnels, reboot,
-// admin. What Korvel builds on these (sessions, forwards, Wi-Fi adb, installs, a phone that
+// admin, and the farm script. What Korvel builds on these (sessions, forwards, Wi-Fi adb, installs, a phone that
 // vanishes, a killed server) is proven through Korvel in tests/device, control and organisation;
 // the daemon's flow control in tst_phonesimdaemon.
 #include "phonefixture.h"
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
@@ -180,6 +183,42 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!host().listed(phone->serial()), 10000);
         PhoneSimProcess absent;
         QVERIFY(absent.ctl({"rotate"}, &output) != 0);
+    }
+
+    void phonefarmStartsVariedPhonesAndStopsThem()
+    {
+        // scripts/phonefarm as developers run it, on this program's adb server.
+        QTemporaryDir farmDir;
+        const quint16 base = PhoneSimProcess::freePort();
+        const auto farm = [&](const QStringList &args, QString *output = nullptr) {
+            QProcess process;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("KORVEL_PHONEFARM_DIR", farmDir.path());
+            environment.insert("KORVEL_PHONEFARM_BASE_PORT", QString::number(base));
+            process.setProcessEnvironment(environment);
+            process.start("bash", QStringList{qEnvironmentVariable("KORVEL_SOURCE_DIR") + "/scripts/phonefarm"} + args);
+            const bool ok = process.waitForFinished(60000) && process.exitCode() == 0;
+            if (output)
+                *output = QString::fromUtf8(process.readAllStandardOutput());
+            return ok;
+        };
+        const auto cleanup = qScopeGuard([&] { farm({"stop"}); });
+        QString started;
+        QVERIFY(farm({"start", "3"}, &started));
+        const QStringList serials = started.split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(serials, (QStringList{QString("127.0.0.1:%1").arg(base), QString("127.0.0.1:%1").arg(base + 1),
+                                       QString("127.0.0.1:%1").arg(base + 2)}));
+        QStringList sizes;
+        for (const QString &serial : serials)
+            sizes << QString::fromUtf8(host().run({"-s", serial, "shell", "wm", "size"}).out).trimmed();
+        QCOMPARE(sizes, (QStringList{"Physical size: 1080x2400", "Physical size: 720x1600", "Physical size: 1080x2340"}));
+        QCOMPARE(host().run({"-s", serials.at(1), "shell", "getprop", "dhcp.wlan0.ipaddress"}).out, QByteArray("127.0.0.11\n"));
+        QVERIFY(QFile::exists(farmDir.filePath(QString("%1/journal.jsonl").arg(base))));
+
+        QVERIFY(farm({"stop"}));
+        for (const QString &serial : serials)
+            QVERIFY(!host().run({"devices"}).out.contains(serial.toUtf8()));
+        QVERIFY(QDir(farmDir.path()).entryList({"*.pid"}, QDir::Files).isEmpty());
     }
 };
 
