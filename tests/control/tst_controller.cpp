@@ -1,14 +1,15 @@
 // The controller's slots as bytes on its socket, adb calls and status messages of its session.
+// What it wrote is read back with phonesim's own decoder.
 #include "adbclient.h"
+#include "controldescription.h"
 #include "controller.h"
-#include "framehandoff.h"
-#include "controlwire.h"
+#include "controlmessagedecoder.h"
 #include "device.h"
 #include "fakeadb.h"
+#include "framehandoff.h"
+#include "keymappingprofile.h"
 
 #include <QBuffer>
-#include <QImage>
-#include <QStandardPaths>
 #include <QtTest>
 
 extern "C" {
@@ -21,7 +22,13 @@ using Action = std::function<void(Controller *)>;
 
 QByteArray hex(const char *text)
 {
-    return QByteArray::fromHex(QByteArray(text).replace(' ', ""));
+    return QByteArray::fromHex(text);
+}
+
+// A key's press and release; the code as eight hex digits.
+QByteArray keyPress(const char *code)
+{
+    return hex("00 00") + hex(code) + hex("00000000 00000000 00 01") + hex(code) + hex("00000000 00000000");
 }
 
 Action mouse(int type, double x, double y, int button, int buttons)
@@ -53,12 +60,7 @@ struct Session
         controller = new Controller(&device, &wire);
     }
 
-    QList<WireMessage> sent() const
-    {
-        bool complete = false;
-        const QList<WireMessage> messages = readWire(wire.data(), &complete);
-        return complete ? messages : QList<WireMessage>{};
-    }
+    QList<QJsonObject> sent() const { return ControlMessageDecoder().feed(wire.data()); }
 
     Device device;
     QBuffer wire;
@@ -76,250 +78,291 @@ class TestController : public QObject
 public:
     static void initMain() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
 
-private slots:
-    void initTestCase();
-    void init();
-    void slotsKeepTheirOrder();
-    void slotsWriteMessages_data();
-    void slotsWriteMessages();
-    void unknownSizesStillSend();
-    void swipesStepOnATimer();
-    void groupSendWaitsForTheClickDelay();
-    void pendingGroupSendDiesWithTheController();
-    void failedUploadIsReported();
-    void wallpaperCarriesTheNickname();
-    void withoutSessionNothingBreaks();
-
 private:
     FakeAdb m_adb;
-};
 
-void TestController::initTestCase()
-{
-    AdbClient::setProgram(m_adb.program());
-}
+private slots:
+    void initTestCase() { AdbClient::setProgram(m_adb.program()); }
 
-void TestController::init()
-{
-    m_adb.clear();
-    Controller::setSwipeInterval(10);
-}
-
-void TestController::slotsKeepTheirOrder()
-{
-    const QStringList expected = {
-        "messageSent", "actionHome", "actionShowTaskList", "actionBack", "actionSwipeUp", "actionSwipeDown",
-        "actionSwipeLeft", "actionSwipeRight", "actionReboot", "actionShutdown", "actionSleep", "actionWakeUp",
-        "actionVolumeUp", "actionVolumeDown", "actionCopy", "actionPaste", "actionCut", "actionRotateScreen",
-        "installApk", "uploadFile", "actionInputText", "handleMouseEvent", "processMouseEvent", "handleKeyEvent",
-        "handleKeyMapping", "releaseKeyMappings", "handleWheelEvent", "handleInputMethodText", "send", "groupSend", "setClickDelayMilliSeconds", "setWallpaper", "resetVideo"};
-    const QMetaObject &meta = Controller::staticMetaObject;
-    QStringList names;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        names << QString::fromLatin1(meta.method(i).name());
-    QCOMPARE(names, expected);
-}
-
-void TestController::slotsWriteMessages_data()
-{
-    // Show 540x1200 on a 1080x2400 frame: device points are twice the view points, truncated.
-    QTest::addColumn<Action>("action");
-    QTest::addColumn<QByteArray>("bytes");
-    const char *copy = "00 00 00000116 00000000 00000000 00 01 00000116 00000000 00000000";
-    const char *paste = "00 00 00000117 00000000 00000000 00 01 00000117 00000000 00000000";
-    const char *cut = "00 00 00000115 00000000 00000000 00 01 00000115 00000000 00000000";
-    const int ctrl = Qt::ControlModifier;
-
-    QTest::newRow("copy") << Action([](Controller *c) { c->actionCopy(); }) << hex(copy);
-    QTest::newRow("paste") << Action([](Controller *c) { c->actionPaste(); }) << hex(paste);
-    QTest::newRow("cut") << Action([](Controller *c) { c->actionCut(); }) << hex(cut);
-    QTest::newRow("rotate and reset video are one byte")
-        << Action([](Controller *c) { c->actionRotateScreen(); c->resetVideo(); }) << hex("0B 11");
-    // An empty text goes out as an empty record: no paste either.
-    QTest::newRow("empty text") << Action([](Controller *c) { c->actionInputText(""); })
-                                << hex("09 0000000000000000 00 00000000");
-    QTest::newRow("group send without delay writes at once")
-        << Action([](Controller *c) { c->setClickDelayMilliSeconds(-5); c->groupSend(ControlMsg::injectKeycode(0, 3, 0, 0)); })
-        << hex("00 00 00000003 00000000 00000000");
-
-    QTest::newRow("mouse: back and forward buttons")
-        << mouse(3, 0.0, 0.0, 16, 8 | 16) << hex("02 01 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 0000 00000010 00000018");
-    QTest::newRow("mouse: unknown button")
-        << mouse(2, 0.0, 0.0, 64, 0xFF) << hex("02 00 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 FFFF 00000000 0000001F");
-    QTest::newRow("mouse: outside the view")
-        << mouse(5, -10.0, 1300.0, 0, 1) << hex("02 02 FFFFFFFFFFFFFFFE FFFFFFEC 00000A28 0438 0960 0000 00000000 00000001");
-    QTest::newRow("mouse: double click sends nothing") << mouse(4, 1.0, 1.0, 1, 1) << QByteArray();
-    QTest::newRow("mouse: hover sends nothing") << mouse(129, 1.0, 1.0, 0, 0) << QByteArray();
-
-    QTest::newRow("key: A press") << key(6, Qt::Key_A) << hex("00 00 0000001D 00000000 00000000");
-    QTest::newRow("key: A release") << key(7, Qt::Key_A) << hex("00 01 0000001D 00000000 00000000");
-    QTest::newRow("key: Ctrl+C press is copy") << key(6, Qt::Key_C, ctrl) << hex(copy);
-    QTest::newRow("key: Ctrl+V press is paste") << key(6, Qt::Key_V, ctrl) << hex(paste);
-    QTest::newRow("key: Ctrl+X press is cut") << key(6, Qt::Key_X, ctrl) << hex(cut);
-    QTest::newRow("key: Ctrl+Shift+C press is copy") << key(6, Qt::Key_C, ctrl | Qt::ShiftModifier) << hex(copy);
-    QTest::newRow("key: Ctrl+C release is the letter") << key(7, Qt::Key_C, ctrl) << hex("00 01 0000001F 00000000 00001000");
-    QTest::newRow("key: Ctrl+A is the letter") << key(6, Qt::Key_A, ctrl) << hex("00 00 0000001D 00000000 00001000");
-    QTest::newRow("key: Meta+Return release") << key(7, Qt::Key_Return, Qt::MetaModifier)
-                                              << hex("00 01 00000042 00000000 00010000");
-    QTest::newRow("key: F5 sends nothing") << key(6, Qt::Key_F5) << QByteArray();
-    QTest::newRow("key: mouse type sends nothing") << key(2, Qt::Key_A) << QByteArray();
-}
-
-void TestController::slotsWriteMessages()
-{
-    QFETCH(Action, action);
-    QFETCH(QByteArray, bytes);
-    Session session;
-    QSignalSpy announced(session.controller, &Controller::messageSent);
-    action(session.controller);
-    QCOMPARE(session.wire.data().toHex(' '), bytes.toHex(' '));
-    QCOMPARE(announced.count(), readWire(bytes).size());
-}
-
-void TestController::unknownSizesStillSend()
-{
-    // Before the first frame both sizes are (-1, -1); the touch goes out all the same.
-    Session session({-1, -1}, {0, 0});
-    session.controller->processMouseEvent(5, 2, 12.9, 7.0, 1, 1);
-    const QList<WireMessage> sent = session.sent();
-    QCOMPARE(sent.size(), 1);
-    QCOMPARE(QPoint(sent[0].x, sent[0].y), QPoint(12, 7));
-    QCOMPARE(sent[0].pointerId, quint64(5));
-    QCOMPARE(sent[0].screenWidth, quint16(0xFFFF));
-
-    // A zero show size divides by zero: the message is still written, with a clamped point.
-    Session zero({0, 0}, {1080, 2400});
-    zero.controller->handleMouseEvent(2, 1.0, 1.0, 1, 1);
-    QCOMPARE(zero.sent().size(), 1);
-}
-
-void TestController::swipesStepOnATimer()
-{
-    // The other directions' steps and end points are proven on a simulated phone.
-    const int steps = 5;
-    const QPoint end(540, 480);
-    Session session;
-    QSignalSpy announced(session.controller, &Controller::messageSent);
-    session.controller->actionSwipeUp();
-    // The press goes out at once, the rest on the timer.
-    QCOMPARE(session.sent().size(), 1);
-    QTRY_COMPARE_WITH_TIMEOUT(session.sent().size(), steps + 2, 5000);
-    QTest::qWait(50);
-
-    const QList<WireMessage> sent = session.sent();
-    QCOMPARE(sent.size(), steps + 2);
-    QCOMPARE(announced.count(), steps + 2);
-    for (int i = 0; i < sent.size(); ++i) {
-        QCOMPARE(int(sent[i].action), i == 0 ? 0 : i <= steps ? 2 : 1);
-        QCOMPARE(sent[i].pressure, quint16(i == 0 ? 0xFFFF : 0));
-        QCOMPARE(sent[i].pointerId, quint64(0xFFFFFFFFFFFFFFFEULL));
-        QCOMPARE(sent[i].actionButton, 1u);
-        QCOMPARE(sent[i].buttons, 1u);
-        QCOMPARE(sent[i].screenWidth, quint16(1080));
-    }
-    QCOMPARE(QPoint(sent[0].x, sent[0].y), QPoint(540, 1200));
-    // The step fraction is single precision: 1/5 is a hair above 0.2, so the first step lands on 1055.
-    QCOMPARE(QPoint(sent[1].x, sent[1].y), QPoint(540, 1055));
-    QCOMPARE(QPoint(sent[steps].x, sent[steps].y), end);
-    QCOMPARE(QPoint(sent.last().x, sent.last().y), end);
-    // The swipe's timer is gone once it is done.
-    QCOMPARE(session.controller->findChildren<QTimer *>().size(), 0);
-}
-
-void TestController::groupSendWaitsForTheClickDelay()
-{
-    Session session;
-    session.controller->setClickDelayMilliSeconds(150);
-    QCOMPARE(session.controller->clickDelayMilliSeconds(), 150);
-    QSignalSpy announced(session.controller, &Controller::messageSent);
+    void init()
     {
-        // The original is gone before the delay ends; the copy keeps its text.
-        const ControlMsg msg = ControlMsg::setClipboard(0, "later", true);
-        session.controller->groupSend(msg);
+        m_adb.clear();
+        Controller::setSwipeInterval(10);
     }
-    QVERIFY(session.wire.data().isEmpty());
-    QCOMPARE(announced.count(), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(announced.count(), 1, 5000);
-    const QList<WireMessage> sent = session.sent();
-    QCOMPARE(sent.size(), 1);
-    QCOMPARE(sent[0].text, QByteArray("later"));
-}
 
-void TestController::pendingGroupSendDiesWithTheController()
-{
-    Session session;
-    session.controller->setClickDelayMilliSeconds(30);
-    session.controller->groupSend(ControlMsg::setClipboard(0, "dropped", true));
-    delete session.controller;
-    QTest::qWait(100);
-    QVERIFY(session.wire.data().isEmpty());
-}
+    void slotsWriteMessages_data()
+    {
+        // Show 540x1200 on a 1080x2400 frame: device points are twice the view points, truncated.
+        QTest::addColumn<Action>("action");
+        QTest::addColumn<QByteArray>("bytes");
+        const int ctrl = Qt::ControlModifier;
+        const QByteArray copy = keyPress("00000116"), paste = keyPress("00000117"), cut = keyPress("00000115");
 
-void TestController::failedUploadIsReported()
-{
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    m_adb.addRule("-s S1 push*", 1, {}, "remote couldn't create file\\n");
-    Session session;
-    QSignalSpy messages(&session.device, &Device::deviceMessage);
-    session.controller->uploadFile(file.fileName());
-    QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 10000);
-    QCOMPARE(messages[0], (QVariantList{"File upload failed: remote couldn't create file", "error", 5000}));
-    QCOMPARE(m_adb.calls().value(0), (QStringList{"-s", "S1", "push", file.fileName(),
-                                                  "/sdcard/Download/" + QFileInfo(file.fileName()).fileName()}));
-}
+        QTest::newRow("home") << Action(&Controller::actionHome) << keyPress("00000003");
+        QTest::newRow("back") << Action(&Controller::actionBack) << keyPress("00000004");
+        QTest::newRow("task list") << Action(&Controller::actionShowTaskList) << keyPress("000000BB");
+        QTest::newRow("volume up") << Action(&Controller::actionVolumeUp) << keyPress("00000018");
+        QTest::newRow("volume down") << Action(&Controller::actionVolumeDown) << keyPress("00000019");
+        QTest::newRow("sleep") << Action(&Controller::actionSleep) << keyPress("000000DF");
+        QTest::newRow("wake up") << Action(&Controller::actionWakeUp) << keyPress("000000E0");
+        QTest::newRow("copy") << Action(&Controller::actionCopy) << copy;
+        QTest::newRow("paste") << Action(&Controller::actionPaste) << paste;
+        QTest::newRow("cut") << Action(&Controller::actionCut) << cut;
+        QTest::newRow("rotate and reset video are one byte")
+            << Action([](Controller *c) { c->actionRotateScreen(); c->resetVideo(); }) << hex("0B 11");
+        // An empty text goes out as an empty record: no paste either.
+        QTest::newRow("empty text") << Action([](Controller *c) { c->actionInputText(""); })
+                                    << hex("09 0000000000000000 00 00000000");
+        QTest::newRow("group send without delay writes at once")
+            << Action([](Controller *c) { c->setClickDelayMilliSeconds(-5); c->groupSend(ControlMsg::injectKeycode(0, 3, 0, 0)); })
+            << hex("00 00 00000003 00000000 00000000");
 
-void TestController::wallpaperCarriesTheNickname()
-{
-    Session session;
-    const QString path =
-        QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) + "/wallpaper_Farm 7.png";
-    QFile::remove(path);
-    session.controller->setWallpaper("Farm 7", 720, 1600);
-    QTRY_COMPARE_WITH_TIMEOUT(m_adb.calls().size(), 2, 10000);
+        QTest::newRow("mouse: drag, pressure only while pressing")
+            << Action([](Controller *c) {
+                   c->handleMouseEvent(2, 10.7, 20.2, 1, 1);
+                   c->handleMouseEvent(5, 100.0, 300.5, 0, 1);
+                   c->handleMouseEvent(3, 539.9, 1199.9, 1, 0);
+               })
+            << hex("02 00 FFFFFFFFFFFFFFFE 00000015 00000028 0438 0960 FFFF 00000001 00000001"
+                   "02 02 FFFFFFFFFFFFFFFE 000000C8 00000259 0438 0960 0000 00000000 00000001"
+                   "02 01 FFFFFFFFFFFFFFFE 00000437 0000095F 0438 0960 0000 00000001 00000000");
+        QTest::newRow("mouse: back and forward buttons")
+            << mouse(3, 0.0, 0.0, 16, 8 | 16) << hex("02 01 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 0000 00000010 00000018");
+        QTest::newRow("mouse: unknown button")
+            << mouse(2, 0.0, 0.0, 64, 0xFF) << hex("02 00 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 FFFF 00000000 0000001F");
+        QTest::newRow("mouse: outside the view")
+            << mouse(5, -10.0, 1300.0, 0, 1) << hex("02 02 FFFFFFFFFFFFFFFE FFFFFFEC 00000A28 0438 0960 0000 00000000 00000001");
+        QTest::newRow("mouse: double click sends nothing") << mouse(4, 1.0, 1.0, 1, 1) << QByteArray();
+        QTest::newRow("mouse: hover sends nothing") << mouse(129, 1.0, 1.0, 0, 0) << QByteArray();
+        // Qt counts a tilt to the left as positive, Android a scroll to the right.
+        QTest::newRow("wheel: two notches towards the user")
+            << Action([](Controller *c) { c->handleWheelEvent(135.4, 900.9, 0, -240, 0); })
+            << hex("03 0000010E 00000709 0438 0960 0000 F000 00000000");
+        QTest::newRow("wheel: one notch tilted left")
+            << Action([](Controller *c) { c->handleWheelEvent(135.4, 900.9, 120, 0, 0); })
+            << hex("03 0000010E 00000709 0438 0960 F800 0000 00000000");
 
-    QImage picture(path);
-    QVERIFY2(!picture.isNull(), qPrintable(path));
-    QCOMPARE(picture.size(), QSize(720, 1600));
-    int yellowAbove = 0;
-    int yellowBelow = 0;
-    for (int y = 0; y < picture.height(); y += 2) {
-        for (int x = 0; x < picture.width(); x += 2) {
-            const QColor c = picture.pixelColor(x, y);
-            const bool yellow = c.red() > 128 && c.green() > 128 && c.blue() < 64;
-            (y < 150 ? yellowAbove : yellowBelow) += yellow ? 1 : 0;
+        QTest::newRow("key: A press") << key(6, Qt::Key_A) << hex("00 00 0000001D 00000000 00000000");
+        QTest::newRow("key: A release") << key(7, Qt::Key_A) << hex("00 01 0000001D 00000000 00000000");
+        QTest::newRow("key: Ctrl+C press is copy") << key(6, Qt::Key_C, ctrl) << copy;
+        QTest::newRow("key: Ctrl+V press is paste") << key(6, Qt::Key_V, ctrl) << paste;
+        QTest::newRow("key: Ctrl+X press is cut") << key(6, Qt::Key_X, ctrl) << cut;
+        QTest::newRow("key: Ctrl+Shift+C press is copy") << key(6, Qt::Key_C, ctrl | Qt::ShiftModifier) << copy;
+        QTest::newRow("key: Ctrl+C release is the letter") << key(7, Qt::Key_C, ctrl) << hex("00 01 0000001F 00000000 00001000");
+        QTest::newRow("key: Ctrl+A is the letter") << key(6, Qt::Key_A, ctrl) << hex("00 00 0000001D 00000000 00001000");
+        QTest::newRow("key: Meta+Return release") << key(7, Qt::Key_Return, Qt::MetaModifier)
+                                                  << hex("00 01 00000042 00000000 00010000");
+        QTest::newRow("key: F5 sends nothing") << key(6, Qt::Key_F5) << QByteArray();
+        QTest::newRow("key: mouse type sends nothing") << key(2, Qt::Key_A) << QByteArray();
+        // Text without key codes is pasted; a plain letter after it is a key code again.
+        QTest::newRow("key: accented letter is pasted once")
+            << Action([](Controller *c) {
+                   c->handleKeyEvent(6, Qt::Key_Eacute, 0, "é");
+                   c->handleKeyEvent(7, Qt::Key_Eacute, 0, "é");
+                   c->handleKeyEvent(6, Qt::Key_Z, 0, "z");
+               })
+            << hex("09 0000000000000000 01 00000002 C3A9 00 00 00000036 00000000 00000000");
+        QTest::newRow("input method text is pasted")
+            << Action([](Controller *c) { c->handleInputMethodText("你好"); c->handleInputMethodText(""); })
+            << hex("09 0000000000000000 01 00000006 E4BDA0E5A5BD");
+    }
+
+    void slotsWriteMessages()
+    {
+        QFETCH(Action, action);
+        QFETCH(QByteArray, bytes);
+        Session session;
+        QSignalSpy announced(session.controller, &Controller::messageSent);
+        action(session.controller);
+        QCOMPARE(session.wire.data().toHex(' '), bytes.toHex(' '));
+        QCOMPARE(announced.count(), ControlMessageDecoder().feed(bytes).size());
+    }
+
+    void unknownSizesStillSend()
+    {
+        // Before the first frame both sizes are (-1, -1); the touch goes out all the same.
+        Session session({-1, -1}, {0, 0});
+        session.controller->processMouseEvent(5, 2, 12.9, 7.0, 1, 1);
+        QCOMPARE(session.wire.data().toHex(' '),
+                 hex("02 00 0000000000000005 0000000C 00000007 FFFF FFFF FFFF 00000001 00000001").toHex(' '));
+        // A zero show size divides by zero: the message is still written, with a clamped point.
+        Session zero({0, 0}, {1080, 2400});
+        zero.controller->handleMouseEvent(2, 1.0, 1.0, 1, 1);
+        QCOMPARE(zero.sent().size(), 1);
+    }
+
+    void swipesStepOnATimer_data()
+    {
+        QTest::addColumn<Action>("swipe");
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<QString>("firstMove");
+        QTest::addColumn<QString>("end");
+        // The step fraction is single precision: 1/5 is a hair above 0.2, so the first step up lands on 1055.
+        QTest::newRow("up") << Action(&Controller::actionSwipeUp) << 5 << "540,1055" << "540,480";
+        QTest::newRow("down") << Action(&Controller::actionSwipeDown) << 10 << "540,1272" << "540,1920";
+        QTest::newRow("left") << Action(&Controller::actionSwipeLeft) << 10 << "507,1200" << "216,1200";
+        QTest::newRow("right") << Action(&Controller::actionSwipeRight) << 10 << "572,1200" << "864,1200";
+    }
+
+    void swipesStepOnATimer()
+    {
+        QFETCH(Action, swipe);
+        QFETCH(int, steps);
+        QFETCH(QString, firstMove);
+        QFETCH(QString, end);
+        Session session;
+        QSignalSpy announced(session.controller, &Controller::messageSent);
+        swipe(session.controller);
+        // The press goes out at once, the rest on a timer that is gone once the swipe is done.
+        QCOMPARE(describeControl(session.sent()), QStringList{"touch 0@540,1200"});
+        QTRY_VERIFY(session.controller->findChildren<QTimer *>().isEmpty());
+
+        // Each step is the mouse's own touch, whose fields are pinned by the drag's bytes above.
+        const QStringList lines = describeControl(session.sent());
+        QCOMPARE(lines.size(), steps + 2);
+        QCOMPARE(announced.count(), steps + 2);
+        QCOMPARE(lines.filter("touch 2@").size(), steps);
+        QCOMPARE(lines[1], "touch 2@" + firstMove);
+        QCOMPARE(lines[steps], "touch 2@" + end);
+        QCOMPARE(lines.last(), "touch 1@" + end);
+        QCOMPARE(session.sent().last().value("pointerId").toInteger(), -2);
+    }
+
+    void mappedKeysPlayTheirTouches_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        // Whether the finger is lifted by the key's release or by the view losing focus.
+        QTest::addColumn<bool>("focusLost");
+        QTest::addColumn<QStringList>("sent");
+
+        const QStringList tap{"touch 0@540,1200", "touch 1@540,1200"};
+        QTest::newRow("tap held while the key is down") << int(Qt::Key_A) << 0 << false << tap;
+        QTest::newRow("tap lifted when the view loses focus") << int(Qt::Key_A) << 0 << true << tap;
+        QTest::newRow("three taps") << int(Qt::Key_T) << 0 << false
+                                    << QStringList{"touch 0@108,2160", "touch 1@108,2160", "touch 0@108,2160",
+                                                   "touch 1@108,2160", "touch 0@108,2160", "touch 1@108,2160"};
+        QStringList swipe{"touch 0@216,1200"};
+        for (int step = 1; step <= 12; ++step)
+            swipe << QString("touch 2@%1,1200").arg(int((0.2 + (0.8 - 0.2) * double(float(step) / 12.0f)) * 540 * 1080 / 540));
+        swipe << "touch 1@864,1200";
+        QTest::newRow("swipe of 200 ms in 12 moves") << int(Qt::Key_W) << 0 << false << swipe;
+        // Shift+A is not A: it goes out as the letter with the shift meta state; auto-repeat too.
+        QTest::newRow("unmapped modifiers") << int(Qt::Key_A) << int(Qt::ShiftModifier) << false
+                                            << QStringList{"key 0 29 meta 1", "key 0 29 meta 1", "key 1 29 meta 1"};
+    }
+
+    void mappedKeysPlayTheirTouches()
+    {
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(bool, focusLost);
+        QFETCH(QStringList, sent);
+        Session session;
+        KeyMappingProfile profile("Game");
+        QVERIFY(profile.addMapping(Qt::Key_A, 0, "A", 0.5, 0.5, 1));
+        QVERIFY(profile.addMapping(Qt::Key_T, 0, "T", 0.1, 0.9, 3));
+        QVERIFY(profile.addSwipeMapping(Qt::Key_W, 0, "W", 0.2, 0.5, 0.8, 0.5, 200));
+        QSignalSpy messages(&session.device, &Device::deviceMessage);
+        session.device.setCurrentKeyMappingProfile(&profile);
+        QCOMPARE(messages.value(0), (QVariantList{"KeyMapping Profile: Game", "info", 2000}));
+
+        Controller *controller = session.controller;
+        controller->handleKeyEvent(6, key, modifiers, QString());
+        // Auto-repeat of a held mapped key adds nothing. The taps play on their own; the rest
+        // waits for the release, after every move has gone out.
+        const bool taps = key == Qt::Key_T;
+        if (!taps)
+            controller->handleKeyEvent(6, key, modifiers, QString());
+        QTRY_COMPARE(describeControl(session.sent()).size(), sent.size() - (taps ? 0 : 1));
+        if (focusLost)
+            controller->releaseKeyMappings();
+        controller->handleKeyEvent(7, key, modifiers, QString());
+        QCOMPARE(describeControl(session.sent()), sent);
+        // One finger per key, from the ten kept for mappings.
+        for (const QJsonObject &touch : session.sent()) {
+            if (touch.value("type").toString() == "InjectTouchEvent")
+                QCOMPARE(touch.value("pointerId").toInteger(), 0);
         }
+
+        // A profile deleted in the editor turns the phone's mapping off.
+        auto *deleted = new KeyMappingProfile("Gone");
+        session.device.setCurrentKeyMappingProfile(deleted);
+        delete deleted;
+        QCOMPARE(session.device.currentKeyMappingProfile(), nullptr);
+        QCOMPARE(messages.last(), (QVariantList{"KeyMapping Disabled", "info", 2000}));
     }
-    QCOMPARE(yellowAbove, 0);
-    QVERIFY(yellowBelow > 50);
-    QCOMPARE(picture.pixelColor(0, 0), QColor(Qt::black));
 
-    const QList<QStringList> calls = m_adb.calls();
-    QCOMPARE(calls.value(0), (QStringList{"-s", "S1", "push", path, "/data/local/tmp/wallpaper_korvel.png"}));
-    QVERIFY(calls.value(1).join(' ').contains("shell am start -a android.intent.action.ATTACH_DATA"));
-    QVERIFY(session.wire.data().isEmpty());
+    void groupSendWaitsForTheClickDelay()
+    {
+        Session session;
+        session.controller->setClickDelayMilliSeconds(150);
+        QSignalSpy announced(session.controller, &Controller::messageSent);
+        {
+            // The original is gone before the delay ends; the copy keeps its text.
+            const ControlMsg msg = ControlMsg::setClipboard(0, "later", true);
+            session.controller->groupSend(msg);
+        }
+        QVERIFY(session.wire.data().isEmpty());
+        QCOMPARE(announced.count(), 0);
+        QTRY_COMPARE(announced.count(), 1);
+        QCOMPARE(describeControl(session.sent()), QStringList{"clipboard 0 paste later"});
+    }
 
-    // A size that is not known yet draws nothing and calls nothing.
-    m_adb.clear();
-    session.controller->setWallpaper("Farm 8", -1, -1);
-    QVERIFY(m_adb.calls().isEmpty());
-}
+    void pendingGroupSendDiesWithTheController()
+    {
+        Session session;
+        session.controller->setClickDelayMilliSeconds(30);
+        session.controller->groupSend(ControlMsg::setClipboard(0, "dropped", true));
+        delete session.controller;
+        // A message sent later with the same delay arrives; the dropped one would have come first.
+        Controller later(&session.device, &session.wire);
+        later.setClickDelayMilliSeconds(30);
+        later.groupSend(ControlMsg::ofType(ControlMsgType::RotateDevice));
+        QTRY_VERIFY(!session.wire.data().isEmpty());
+        QCOMPARE(describeControl(session.sent()), QStringList{"RotateDevice"});
+    }
 
-void TestController::withoutSessionNothingBreaks()
-{
-    Controller controller;
-    QSignalSpy announced(&controller, &Controller::messageSent);
-    controller.actionHome();
-    controller.handleMouseEvent(2, 5.0, 5.0, 1, 1);
-    controller.actionSwipeLeft();
-    controller.actionReboot();
-    controller.actionShutdown();
-    controller.installApk("/nowhere.apk");
-    controller.uploadFile("/nowhere");
-    controller.setWallpaper("x", 10, 10);
-    QTRY_COMPARE_WITH_TIMEOUT(announced.count(), 2 + 1 + 12, 5000);
-    QVERIFY(m_adb.calls().isEmpty());
-}
+    void failedUploadIsReported()
+    {
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        m_adb.addRule("-s S1 push*", 1, {}, "remote couldn't create file\\n");
+        Session session;
+        QSignalSpy messages(&session.device, &Device::deviceMessage);
+        session.controller->uploadFile(file.fileName());
+        QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 10000);
+        QCOMPARE(messages[0], (QVariantList{"File upload failed: remote couldn't create file", "error", 5000}));
+    }
+
+    void rebootAndShutdownGoThroughAdb()
+    {
+        // What the phone does with them is proven through the real adb in tst_phonesimadb.
+        Session session;
+        session.controller->actionReboot();
+        QTRY_COMPARE(m_adb.calls().size(), 1);
+        session.controller->actionShutdown();
+        QTRY_COMPARE(m_adb.calls().size(), 3); // after asking whether it is an emulator
+        QCOMPARE(m_adb.calls().first(), (QStringList{"-s", "S1", "reboot"}));
+        QCOMPARE(m_adb.calls().last(), (QStringList{"-s", "S1", "reboot", "-p"}));
+    }
+
+    void withoutSessionNothingBreaks()
+    {
+        Controller controller;
+        QSignalSpy announced(&controller, &Controller::messageSent);
+        controller.actionHome();
+        controller.handleMouseEvent(2, 5.0, 5.0, 1, 1);
+        controller.actionSwipeLeft();
+        controller.actionReboot();
+        controller.actionShutdown();
+        controller.installApk("/nowhere.apk");
+        controller.uploadFile("/nowhere");
+        controller.setWallpaper("x", 10, 10);
+        QTRY_COMPARE_WITH_TIMEOUT(announced.count(), 2 + 1 + 12, 5000);
+        QVERIFY(m_adb.calls().isEmpty());
+    }
+};
 
 QTEST_MAIN(TestController)
 #include "tst_controller.moc"

@@ -40,105 +40,101 @@ class TestKeyMapping : public QObject
     Q_OBJECT
 
 private slots:
-    void fileContents_data();
-    void fileContents();
-    void profileKeepsKeysUnique();
-};
-
-void TestKeyMapping::fileContents_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("loaded");
-    QTest::addColumn<bool>("damaged");
-
-    QTest::newRow("taps and swipes") << QByteArray(R"({"version":"1.0","currentProfile":"Game","profiles":{
-        "Game":[{"keyCode":65,"modifiers":0,"keyDisplay":"A","type":0,"data":{"x":0.5,"y":0.25,"count":3}},
-                {"keyCode":87,"modifiers":33554432,"keyDisplay":"Shift+W","type":1,
-                 "data":{"startX":0.2,"startY":0.5,"endX":0.8,"endY":0.4,"duration":200}}],
-        "Empty":[]}})")
-                                     << "Empty: \nGame*: A 65/0 tap 0.5,0.25 x3 | Shift+W 87/33554432 swipe 0.2,0.5>0.8,0.4 200ms"
-                                     << false;
-    QTest::newRow("entry without data") << QByteArray(R"({"profiles":{"Old":[
-        {"keyCode":66,"modifiers":0,"keyDisplay":"B","type":0,"x":0.3,"y":0.7}]}})")
-                                        << "Old: B 66/0 tap 0.3,0.7 x1" << false;
-    QTest::newRow("wrong types are left out") << QByteArray(R"({"currentProfile":7,"profiles":{"P":[
-        {"keyCode":"65","modifiers":0,"keyDisplay":"A","type":0,"data":{"x":0.1,"y":0.1}},
-        {"keyCode":66,"modifiers":0,"keyDisplay":"","type":0,"data":{"x":0.1,"y":0.1}},
-        {"keyCode":67,"modifiers":0,"keyDisplay":"C","type":0,"data":[0.1,0.1]},
-        {"keyCode":68,"modifiers":0,"keyDisplay":"D","type":5,"data":{"x":0.1,"y":0.1}},
-        {"keyCode":69,"modifiers":0,"keyDisplay":"E","type":0,"data":{"x":"0.1","y":0.1}},
-        "F",
-        {"keyCode":71,"modifiers":0,"keyDisplay":"G","type":0,"data":{"x":0.6,"y":0.4}},
-        {"keyCode":71,"modifiers":0,"keyDisplay":"G again","type":0,"data":{"x":0.9,"y":0.9}}],
-        "Q":{"keyCode":72}}})")
-                                              << "P: G 71/0 tap 0.6,0.4 x1\nQ: " << false;
-    QTest::newRow("not JSON") << QByteArray("{\"profiles\": {\"Game\": [") << QString() << true;
-    QTest::newRow("profiles not an object") << QByteArray(R"({"profiles":[{"keyCode":65}]})") << QString() << true;
-    QTest::newRow("an array") << QByteArray("[1, 2]") << QString() << true;
-}
-
-void TestKeyMapping::fileContents()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(QString, loaded);
-    QFETCH(bool, damaged);
-
-    KeyMapping *mapping = KeyMapping::instance();
-    const QString path = mapping->getConfigFilePath();
-    const QDir folder = QFileInfo(path).dir();
-    for (const QString &name : folder.entryList(QDir::Files))
-        QVERIFY(QFile::remove(folder.filePath(name)));
+    void fileContents_data()
     {
-        QFile out(path);
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(file);
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("loaded");
+        QTest::addColumn<bool>("damaged");
+
+        QTest::newRow("taps and swipes") << QByteArray(R"({"version":"1.0","currentProfile":"Game","profiles":{
+            "Game":[{"keyCode":65,"modifiers":0,"keyDisplay":"A","type":0,"data":{"x":0.5,"y":0.25,"count":3}},
+                    {"keyCode":87,"modifiers":33554432,"keyDisplay":"Shift+W","type":1,
+                     "data":{"startX":0.2,"startY":0.5,"endX":0.8,"endY":0.4,"duration":200}}],
+            "Empty":[]}})")
+                                         << "Empty: \nGame*: A 65/0 tap 0.5,0.25 x3 | Shift+W 87/33554432 swipe 0.2,0.5>0.8,0.4 200ms"
+                                         << false;
+        QTest::newRow("entry without data") << QByteArray(R"({"profiles":{"Old":[
+            {"keyCode":66,"modifiers":0,"keyDisplay":"B","type":0,"x":0.3,"y":0.7}]}})")
+                                            << "Old: B 66/0 tap 0.3,0.7 x1" << false;
+        QTest::newRow("wrong types are left out") << QByteArray(R"({"currentProfile":7,"profiles":{"P":[
+            {"keyCode":"65","modifiers":0,"keyDisplay":"A","type":0,"data":{"x":0.1,"y":0.1}},
+            {"keyCode":66,"modifiers":0,"keyDisplay":"","type":0,"data":{"x":0.1,"y":0.1}},
+            {"keyCode":67,"modifiers":0,"keyDisplay":"C","type":0,"data":[0.1,0.1]},
+            {"keyCode":68,"modifiers":0,"keyDisplay":"D","type":5,"data":{"x":0.1,"y":0.1}},
+            {"keyCode":69,"modifiers":0,"keyDisplay":"E","type":0,"data":{"x":"0.1","y":0.1}},
+            "F",
+            {"keyCode":71,"modifiers":0,"keyDisplay":"G","type":0,"data":{"x":0.6,"y":0.4}},
+            {"keyCode":71,"modifiers":0,"keyDisplay":"G again","type":0,"data":{"x":0.9,"y":0.9}}],
+            "Q":{"keyCode":72}}})")
+                                                  << "P: G 71/0 tap 0.6,0.4 x1\nQ: " << false;
+        QTest::newRow("not JSON") << QByteArray("{\"profiles\": {\"Game\": [") << QString() << true;
+        QTest::newRow("profiles not an object") << QByteArray(R"({"profiles":[{"keyCode":65}]})") << QString() << true;
+        QTest::newRow("an array") << QByteArray("[1, 2]") << QString() << true;
     }
 
-    QCOMPARE(mapping->loadFromFile(), !damaged);
-    QCOMPARE(describe(mapping), loaded);
-    const QStringList kept = folder.entryList({"keymappings.json.corrupt-*"}, QDir::Files);
-    if (damaged) {
-        // Kept byte for byte under a name the user is told.
-        QCOMPARE(kept.size(), 1);
-        QCOMPARE(readAll(folder.filePath(kept.first())), file);
-        QVERIFY2(mapping->fileMessage().contains(kept.first()), qPrintable(mapping->fileMessage()));
-        QVERIFY(!QFile::exists(path));
-        // Work goes on, and a new file does not touch the kept one.
-        QVERIFY(mapping->addProfile("Fresh"));
-        QCOMPARE(readAll(folder.filePath(kept.first())), file);
-    } else {
-        QVERIFY(kept.isEmpty());
-        QVERIFY(mapping->fileMessage().isEmpty());
+    void fileContents()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, loaded);
+        QFETCH(bool, damaged);
+
+        KeyMapping *mapping = KeyMapping::instance();
+        const QString path = mapping->getConfigFilePath();
+        const QDir folder = QFileInfo(path).dir();
+        for (const QString &name : folder.entryList(QDir::Files))
+            QVERIFY(QFile::remove(folder.filePath(name)));
+        {
+            QFile out(path);
+            QVERIFY(out.open(QIODevice::WriteOnly));
+            out.write(file);
+        }
+
+        QCOMPARE(mapping->loadFromFile(), !damaged);
+        QCOMPARE(describe(mapping), loaded);
+        const QStringList kept = folder.entryList({"keymappings.json.corrupt-*"}, QDir::Files);
+        if (damaged) {
+            // Kept byte for byte under a name the user is told.
+            QCOMPARE(kept.size(), 1);
+            QCOMPARE(readAll(folder.filePath(kept.first())), file);
+            QVERIFY2(mapping->fileMessage().contains(kept.first()), qPrintable(mapping->fileMessage()));
+            QVERIFY(!QFile::exists(path));
+            // Work goes on, and a new file does not touch the kept one.
+            QVERIFY(mapping->addProfile("Fresh"));
+            QCOMPARE(readAll(folder.filePath(kept.first())), file);
+        } else {
+            QVERIFY(kept.isEmpty());
+            QVERIFY(mapping->fileMessage().isEmpty());
+        }
+
+        // What is saved reads back the same, in the current form.
+        const QString before = describe(mapping);
+        QVERIFY(mapping->saveToFile());
+        const QJsonObject written = QJsonDocument::fromJson(readAll(path)).object();
+        QCOMPARE(written.value("version").toString(), QString("1.0"));
+        for (const QJsonValue &profile : written.value("profiles").toObject()) {
+            for (const QJsonValue &entry : profile.toArray())
+                QVERIFY(entry.toObject().value("data").isObject());
+        }
+        QVERIFY(mapping->loadFromFile());
+        QCOMPARE(describe(mapping), before);
     }
 
-    // What is saved reads back the same, in the current form.
-    const QString before = describe(mapping);
-    QVERIFY(mapping->saveToFile());
-    const QJsonObject written = QJsonDocument::fromJson(readAll(path)).object();
-    QCOMPARE(written.value("version").toString(), QString("1.0"));
-    for (const QJsonValue &profile : written.value("profiles").toObject()) {
-        for (const QJsonValue &entry : profile.toArray())
-            QVERIFY(entry.toObject().value("data").isObject());
+    void profileKeepsKeysUnique()
+    {
+        KeyMappingProfile profile("P");
+        QSignalSpy changed(&profile, &KeyMappingProfile::mappingsChanged);
+        QVERIFY(profile.addMapping(65, 0, "A", 0.5, 0.5));
+        QVERIFY(!profile.addMapping(65, 0, "A again", 0.1, 0.1));
+        QVERIFY(!profile.addSwipeMapping(66, 0, "", 0, 0, 1, 1, 100));
+        QVERIFY(profile.addMapping(65, int(Qt::ShiftModifier), "Shift+A", 0.1, 0.1));
+        QVERIFY(!profile.updateMapping(1, 65, 0, "A", 0.2, 0.2, 1));
+        QVERIFY(profile.updateMapping(1, 66, 0, "B", 0.2, 0.2, 2));
+        QVERIFY(!profile.removeMapping(2));
+        QCOMPARE(changed.count(), 3);
+        QCOMPARE(profile.getMappingByKey(66, 0).value("data").toMap().value("count").toInt(), 2);
+        QCOMPARE(profile.getMappingCount(), 2);
     }
-    QVERIFY(mapping->loadFromFile());
-    QCOMPARE(describe(mapping), before);
-}
-
-void TestKeyMapping::profileKeepsKeysUnique()
-{
-    KeyMappingProfile profile("P");
-    QSignalSpy changed(&profile, &KeyMappingProfile::mappingsChanged);
-    QVERIFY(profile.addMapping(65, 0, "A", 0.5, 0.5));
-    QVERIFY(!profile.addMapping(65, 0, "A again", 0.1, 0.1));
-    QVERIFY(!profile.addSwipeMapping(66, 0, "", 0, 0, 1, 1, 100));
-    QVERIFY(profile.addMapping(65, int(Qt::ShiftModifier), "Shift+A", 0.1, 0.1));
-    QVERIFY(!profile.updateMapping(1, 65, 0, "A", 0.2, 0.2, 1));
-    QVERIFY(profile.updateMapping(1, 66, 0, "B", 0.2, 0.2, 2));
-    QVERIFY(!profile.removeMapping(2));
-    QCOMPARE(changed.count(), 3);
-    QCOMPARE(profile.getMappingByKey(66, 0).value("data").toMap().value("count").toInt(), 2);
-    QCOMPARE(profile.getMappingCount(), 2);
-}
+};
 
 QTEST_GUILESS_MAIN(TestKeyMapping)
 #include "tst_keymapping.moc"

@@ -1,5 +1,5 @@
 // The adb daemon in this process, driven over raw sockets as a hostile or minimal host would,
-// and through the real adb for the phone-to-PC tunnel hook.
+// and through the real adb for a phone-to-PC tunnel that finds nobody.
 #include "adbdaemon.h"
 #include "adbmessage.h"
 #include "adbrunner.h"
@@ -9,8 +9,8 @@
 #include "phonesimprocess.h"
 
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSignalSpy>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
@@ -20,7 +20,41 @@
 
 namespace {
 constexpr quint32 HostMaxPayload = 4096;
-}
+
+// A host's end of one connection: raw messages in and out.
+struct Host
+{
+    QTcpSocket socket;
+    QByteArray buffer;
+    AdbMessage reply;
+
+    void send(quint32 command, quint32 arg0, quint32 arg1, const QByteArray &data = {})
+    {
+        socket.write(AdbMessage::encode(command, arg0, arg1, data));
+    }
+
+    // The next message from the phone, into `reply`; false if none came or the connection ended.
+    bool read()
+    {
+        auto result = AdbMessage::ParseResult::Incomplete;
+        QTest::qWaitFor([&] {
+            buffer += socket.readAll();
+            result = AdbMessage::parse(buffer, 16 * 1024 * 1024, &reply);
+            return result != AdbMessage::ParseResult::Incomplete || socket.state() != QAbstractSocket::ConnectedState;
+        }, 5000);
+        return result == AdbMessage::ParseResult::Complete;
+    }
+
+    bool connect(quint16 port, bool handshake = true)
+    {
+        socket.connectToHost(QHostAddress::LocalHost, port);
+        if (!socket.waitForConnected(3000) || !handshake)
+            return socket.state() == QAbstractSocket::ConnectedState;
+        send(AdbMessage::Cnxn, 0x01000001, HostMaxPayload, "host::features=shell_v2");
+        return read() && reply.command == AdbMessage::Cnxn;
+    }
+};
+} // namespace
 
 class TestPhoneSimDaemon : public QObject
 {
@@ -32,32 +66,6 @@ class TestPhoneSimDaemon : public QObject
     std::unique_ptr<AdbDaemon> m_daemon;
     quint16 m_port = 0;
 
-    // Reads messages from a raw socket until one arrives or the time runs out.
-    bool readMessage(QTcpSocket &socket, QByteArray &buffer, AdbMessage *message, int timeoutMs = 5000)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < timeoutMs) {
-            buffer += socket.readAll();
-            const auto result = AdbMessage::parse(buffer, 16 * 1024 * 1024, message);
-            if (result == AdbMessage::ParseResult::Complete)
-                return true;
-            if (result == AdbMessage::ParseResult::Malformed || socket.state() != QAbstractSocket::ConnectedState)
-                return false;
-            QTest::qWait(5);
-        }
-        return false;
-    }
-
-    bool handshake(QTcpSocket &socket, QByteArray &buffer, AdbMessage *reply)
-    {
-        socket.connectToHost(QHostAddress::LocalHost, m_port);
-        if (!socket.waitForConnected(3000))
-            return false;
-        socket.write(AdbMessage::encode(AdbMessage::Cnxn, 0x01000001, HostMaxPayload, "host::features=shell_v2"));
-        return readMessage(socket, buffer, reply) && reply->command == AdbMessage::Cnxn;
-    }
-
 private slots:
     void init()
     {
@@ -65,11 +73,7 @@ private slots:
         m_port = PhoneSimProcess::freePort();
         profile.serial = QString("127.0.0.1:%1").arg(m_port);
         profile.model = "Redmi Note 9";
-        profile.manufacturer = "Xiaomi";
-        profile.product = "merlin";
-        profile.device = "merlin";
         profile.androidVersion = "11";
-        profile.sdk = 30;
         profile.screenSize = QSize(1080, 2340);
         profile.wifiAddress = "127.0.0.99";
         profile.dataDir = m_dir.path() + "/" + QTest::currentTestFunction();
@@ -81,19 +85,15 @@ private slots:
 
     void cleanup()
     {
-        if (QByteArray(QTest::currentTestFunction()).startsWith("reverse"))
-            AdbRunner(m_adbServerPort.value()).killServer();
         m_daemon.reset();
         m_phone.reset();
     }
 
     void malformedInputDropsOnlyThatConnection_data()
     {
+        // Bad magic and other unreadable headers are the parser's, in tst_phonesimwire.
         QTest::addColumn<bool>("afterHandshake");
         QTest::addColumn<QByteArray>("bytes");
-        QByteArray badMagic = AdbMessage::encode(AdbMessage::Open, 1, 0);
-        badMagic[20] = char(badMagic[20] ^ 1);
-        QTest::newRow("bad magic") << true << badMagic;
         // Far beyond what the phone offered in its CNXN: dropped without waiting for the data.
         QByteArray huge = AdbMessage::encode(AdbMessage::Wrte, 1, 1);
         qToLittleEndian<quint32>(64 * 1024 * 1024, huge.data() + 12);
@@ -105,145 +105,93 @@ private slots:
     {
         QFETCH(bool, afterHandshake);
         QFETCH(QByteArray, bytes);
-        QTcpSocket bystander;
-        QByteArray bystanderBuffer;
-        AdbMessage reply;
-        QVERIFY(handshake(bystander, bystanderBuffer, &reply));
-
-        QTcpSocket victim;
-        QByteArray buffer;
-        if (afterHandshake) {
-            QVERIFY(handshake(victim, buffer, &reply));
-        } else {
-            victim.connectToHost(QHostAddress::LocalHost, m_port);
-            QVERIFY(victim.waitForConnected(3000));
-        }
-        victim.write(bytes);
-        QTRY_COMPARE_WITH_TIMEOUT(victim.state(), QAbstractSocket::UnconnectedState, 5000);
+        Host bystander;
+        QVERIFY(bystander.connect(m_port));
+        Host victim;
+        QVERIFY(victim.connect(m_port, afterHandshake));
+        victim.socket.write(bytes);
+        QTRY_COMPARE_WITH_TIMEOUT(victim.socket.state(), QAbstractSocket::UnconnectedState, 5000);
 
         // The connection that behaved still works, and a new one gets CNXN.
-        QCOMPARE(bystander.state(), QAbstractSocket::ConnectedState);
-        bystander.write(AdbMessage::encode(AdbMessage::Open, 7, 0, QByteArray("shell:echo alive", 17)));
-        QVERIFY(readMessage(bystander, bystanderBuffer, &reply));
-        QCOMPARE(reply.command, quint32(AdbMessage::Okay));
-        QVERIFY(readMessage(bystander, bystanderBuffer, &reply));
-        QCOMPARE(reply.command, quint32(AdbMessage::Wrte));
-        QCOMPARE(reply.data, QByteArray("alive\n"));
-        QTcpSocket newcomer;
-        QByteArray newcomerBuffer;
-        QVERIFY(handshake(newcomer, newcomerBuffer, &reply));
+        bystander.send(AdbMessage::Open, 7, 0, QByteArray("shell:echo alive", 17));
+        QVERIFY(bystander.read());
+        QCOMPARE(bystander.reply.command, quint32(AdbMessage::Okay));
+        QVERIFY(bystander.read());
+        QCOMPARE(bystander.reply.data, QByteArray("alive\n"));
+        Host newcomer;
+        QVERIFY(newcomer.connect(m_port));
     }
 
     void oneWriteInFlightPerStream()
     {
-        QTcpSocket socket;
-        QByteArray buffer;
-        AdbMessage reply;
-        QVERIFY(handshake(socket, buffer, &reply));
-        socket.write(AdbMessage::encode(AdbMessage::Open, 5, 0, QByteArray("tcp:7", 6)));
-        QVERIFY(readMessage(socket, buffer, &reply));
-        QCOMPARE(reply.command, quint32(AdbMessage::Okay));
-        const quint32 phoneId = reply.arg0;
+        Host host;
+        QVERIFY(host.connect(m_port));
+        host.send(AdbMessage::Open, 5, 0, QByteArray("tcp:7", 6));
+        QVERIFY(host.read());
+        QCOMPARE(host.reply.command, quint32(AdbMessage::Okay));
+        const quint32 phoneId = host.reply.arg0;
 
-        // Three full chunks into the echo service; the phone acknowledges each one.
+        // Three full chunks into the echo service, then a second stream whose OKAY comes after
+        // everything the chunks made the phone send.
         QByteArray sent;
         for (int i = 0; i < 3; ++i) {
-            const QByteArray chunk(int(HostMaxPayload), char('a' + i));
-            sent += chunk;
-            socket.write(AdbMessage::encode(AdbMessage::Wrte, 5, phoneId, chunk));
+            sent += QByteArray(int(HostMaxPayload), char('a' + i));
+            host.send(AdbMessage::Wrte, 5, phoneId, sent.right(HostMaxPayload));
         }
+        host.send(AdbMessage::Open, 6, 0, QByteArray("tcp:7", 6));
         QByteArray echoed;
         int okays = 0;
         int writes = 0;
-        // Without our OKAY the phone must not send a second WRTE.
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 500) {
-            if (!readMessage(socket, buffer, &reply, 100))
-                continue;
-            if (reply.command == AdbMessage::Okay)
-                ++okays;
-            if (reply.command == AdbMessage::Wrte) {
-                ++writes;
-                QVERIFY(reply.data.size() <= int(HostMaxPayload));
-                echoed += reply.data;
-            }
+        while (host.read() && host.reply.arg1 != 6) {
+            okays += host.reply.command == AdbMessage::Okay;
+            writes += host.reply.command == AdbMessage::Wrte;
+            echoed += host.reply.data;
         }
+        QCOMPARE(host.reply.arg1, quint32(6));
+        // Each chunk is acknowledged, but without our OKAY only one echo is on its way.
         QCOMPARE(okays, 3);
         QCOMPARE(writes, 1);
         while (echoed.size() < sent.size()) {
-            socket.write(AdbMessage::encode(AdbMessage::Okay, 5, phoneId));
-            QVERIFY(readMessage(socket, buffer, &reply));
-            QCOMPARE(reply.command, quint32(AdbMessage::Wrte));
-            echoed += reply.data;
+            host.send(AdbMessage::Okay, 5, phoneId);
+            QVERIFY(host.read());
+            QCOMPARE(host.reply.command, quint32(AdbMessage::Wrte));
+            QVERIFY(host.reply.data.size() <= int(HostMaxPayload));
+            echoed += host.reply.data;
         }
-        QCOMPARE(echoed, sent);
+        QVERIFY(echoed == sent);
     }
 
     void unknownServiceIsRefused()
     {
-        QTcpSocket socket;
-        QByteArray buffer;
-        AdbMessage reply;
-        QVERIFY(handshake(socket, buffer, &reply));
-        socket.write(AdbMessage::encode(AdbMessage::Open, 9, 0, QByteArray("jdwp:1234", 10)));
-        QVERIFY(readMessage(socket, buffer, &reply));
-        QCOMPARE(reply.command, quint32(AdbMessage::Clse));
-        QCOMPARE(reply.arg0, quint32(0));
-        QCOMPARE(reply.arg1, quint32(9));
+        Host host;
+        QVERIFY(host.connect(m_port));
+        host.send(AdbMessage::Open, 9, 0, QByteArray("jdwp:1234", 10));
+        QVERIFY(host.read());
+        QCOMPARE(host.reply.command, quint32(AdbMessage::Clse));
+        QCOMPARE(host.reply.arg0, quint32(0));
+        QCOMPARE(host.reply.arg1, quint32(9));
     }
 
-    void reverseHookCarriesBytesBothWays()
+    // Tunnels that open carry every mirroring session in tests/device; this is the one that
+    // does not.
+    void reverseToAClosedPortClosesWithoutOpening()
     {
         if (!AdbRunner::available())
             QSKIP("adb is not installed");
         const AdbRunner adb(m_adbServerPort.value());
-        const QString serial = QString("127.0.0.1:%1").arg(m_port);
+        const QString serial = m_phone->profile().serial;
+        const auto cleanup = qScopeGuard([&adb] { adb.killServer(); });
         QVERIFY(adb.run({"connect", serial}).out.contains("connected to"));
         QTRY_VERIFY_WITH_TIMEOUT(adb.listed(serial), 10000);
-        QVERIFY(m_phone->openReverse("scrcpy_0000abcd") == nullptr); // no tunnel yet
+        QVERIFY(m_phone->openReverse("gone") == nullptr); // no tunnel yet
 
-        // A tunnel to a port nobody listens on closes without ever opening.
-        const quint16 nobody = PhoneSimProcess::freePort();
-        QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:gone", QString("tcp:%1").arg(nobody)}).exitCode, 0);
+        QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:gone", QString("tcp:%1").arg(PhoneSimProcess::freePort())}).exitCode, 0);
         QPointer<PhoneChannel> refused = m_phone->openReverse("gone");
         QVERIFY(refused);
-        QSignalSpy refusedOpened(refused.data(), &PhoneChannel::opened);
-        QSignalSpy refusedClosed(refused.data(), &PhoneChannel::closed);
-        QTRY_COMPARE_WITH_TIMEOUT(refusedClosed.count(), 1, 10000);
-        QCOMPARE(refusedOpened.count(), 0);
-
-        QTcpServer pc;
-        QVERIFY(pc.listen(QHostAddress::LocalHost, 0));
-        QCOMPARE(adb.run({"-s", serial, "reverse", "localabstract:scrcpy_0000abcd", QString("tcp:%1").arg(pc.serverPort())})
-                     .exitCode,
-                 0);
-        QPointer<PhoneChannel> channel = m_phone->openReverse("scrcpy_0000abcd");
-        QVERIFY(channel);
-        QSignalSpy opened(channel.data(), &PhoneChannel::opened);
-        QSignalSpy closed(channel.data(), &PhoneChannel::closed);
-        QByteArray fromPc;
-        connect(channel.data(), &PhoneChannel::dataReceived, this, [&fromPc](const QByteArray &data) { fromPc += data; });
-        QTRY_VERIFY_WITH_TIMEOUT(pc.hasPendingConnections(), 10000);
-        std::unique_ptr<QTcpSocket> socket(pc.nextPendingConnection());
-        QTRY_COMPARE_WITH_TIMEOUT(opened.count(), 1, 10000);
-        QVERIFY(channel->isOpen());
-
-        // Larger than one adb payload, so flow control has to carry it in pieces.
-        QByteArray toPc(3 * 1024 * 1024 + 5, '\0');
-        for (int i = 0; i < toPc.size(); ++i)
-            toPc[i] = char((i * 31) & 0xff);
-        channel->write(toPc);
-        QByteArray received;
-        QTRY_VERIFY_WITH_TIMEOUT((received += socket->readAll()).size() >= toPc.size(), 20000);
-        QCOMPARE(received, toPc);
-        QTRY_COMPARE_WITH_TIMEOUT(channel->pendingBytes(), qint64(0), 5000);
-
-        socket->write("control message from the PC");
-        QTRY_COMPARE_WITH_TIMEOUT(fromPc, QByteArray("control message from the PC"), 10000);
-        channel->close();
-        QTRY_COMPARE_WITH_TIMEOUT(socket->state(), QAbstractSocket::UnconnectedState, 10000);
-        QCOMPARE(closed.count(), 1);
+        QSignalSpy opened(refused.data(), &PhoneChannel::opened);
+        QSignalSpy closed(refused.data(), &PhoneChannel::closed);
+        QTRY_COMPARE_WITH_TIMEOUT(closed.count(), 1, 10000);
+        QCOMPARE(opened.count(), 0);
     }
 };
 

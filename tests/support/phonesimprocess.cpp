@@ -77,10 +77,10 @@ void PhoneSimProcess::stop()
     m_process.waitForFinished(3000);
 }
 
-QList<QJsonObject> PhoneSimProcess::journal(const QString &event) const
+QList<QJsonObject> PhoneSimProcess::readJournal(const QString &dataDir, const QString &event)
 {
     QList<QJsonObject> lines;
-    QFile file(m_dir.path() + "/journal.jsonl");
+    QFile file(dataDir + "/journal.jsonl");
     if (!file.open(QIODevice::ReadOnly))
         return lines;
     while (!file.atEnd()) {

@@ -32,7 +32,9 @@ public:
     QString sandboxPath(const QString &devicePath) const { return m_dir.path() + "/sandbox" + devicePath; }
 
     // The journal lines written so far, optionally only those of one event.
-    QList<QJsonObject> journal(const QString &event = {}) const;
+    QList<QJsonObject> journal(const QString &event = {}) const { return readJournal(dataDir(), event); }
+    // The same for the journal in any phone's data folder (phones living in the test process).
+    static QList<QJsonObject> readJournal(const QString &dataDir, const QString &event = {});
     // Runs `phonesim ctl`; returns its exit code and puts its output in *output.
     int ctl(const QStringList &args, QString *output = nullptr) const;
 

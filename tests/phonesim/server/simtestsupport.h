@@ -1,23 +1,55 @@
 #pragma once
 
-#include "fakechannel.h"
 #include "phone.h"
+#include "phonechannel.h"
+#include "phonesimprocess.h"
 #include "simserver.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QList>
-#include <QObject>
 #include <QSignalSpy>
-#include <QStringList>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include <memory>
+
+// An in-memory stream end: records what the phone writes, and lets a test play the PC's part
+// (accept, refuse, send bytes, close).
+class FakeChannel : public PhoneChannel
+{
+    Q_OBJECT
+public:
+    using PhoneChannel::PhoneChannel;
+
+    void write(const QByteArray &data) override
+    {
+        if (!m_closed)
+            written += data;
+    }
+    void close() override
+    {
+        if (m_closed)
+            return;
+        m_closed = true;
+        emit closed();
+    }
+    bool isOpen() const override { return m_accepted && !m_closed; }
+    qint64 pendingBytes() const override { return 0; }
+
+    void accept()
+    {
+        m_accepted = true;
+        emit opened();
+    }
+    void sendFromPc(const QByteArray &bytes) { emit dataReceived(bytes); }
+    bool wasClosed() const { return m_closed; }
+
+    QByteArray written;
+
+private:
+    bool m_accepted = false;
+    bool m_closed = false;
+};
 
 // The PC end of the reverse tunnel: every connection the phone opens becomes a FakeChannel that
 // is accepted on the next turn of the event loop, unless the test says otherwise.
@@ -51,14 +83,12 @@ public:
 // A phone with its own data folder, and the server file pushed unless told otherwise.
 struct TestPhone
 {
-    explicit TestPhone(bool serverPushed = true, QSize screen = QSize(1080, 2400), const QString &streamFile = {})
+    explicit TestPhone(bool serverPushed = true, const QString &streamFile = {})
     {
         PhoneProfile profile;
         profile.serial = "SIM0001";
         profile.model = "Pixel Sim";
-        profile.manufacturer = "Korvel";
-        profile.androidVersion = "13";
-        profile.screenSize = screen;
+        profile.screenSize = QSize(1080, 2400);
         profile.dataDir = dir.path();
         profile.streamFile = streamFile;
         phone = std::make_unique<Phone>(profile);
@@ -71,19 +101,7 @@ struct TestPhone
         }
     }
 
-    QList<QJsonObject> journal(const QString &event) const
-    {
-        QList<QJsonObject> lines;
-        QFile file(dir.path() + "/journal.jsonl");
-        if (!file.open(QIODevice::ReadOnly))
-            return lines;
-        while (!file.atEnd()) {
-            const QJsonObject line = QJsonDocument::fromJson(file.readLine()).object();
-            if (line.value("event").toString() == event)
-                lines << line;
-        }
-        return lines;
-    }
+    QList<QJsonObject> journal(const QString &event) const { return PhoneSimProcess::readJournal(dir.path(), event); }
 
     QTemporaryDir dir;
     std::unique_ptr<Phone> phone;
@@ -98,9 +116,8 @@ inline QString serverCommand(const QString &options, const QString &version = "3
 // A server on a test phone, its PC end, and spies on how it ends.
 struct ServerRig
 {
-    explicit ServerRig(const QString &command, bool serverPushed = true, QSize screen = QSize(1080, 2400),
-                       const QString &streamFile = {})
-        : phone(serverPushed, screen, streamFile), tunnel(phone.phone.get()), server(phone.phone.get(), command)
+    explicit ServerRig(const QString &command, bool serverPushed = true, const QString &streamFile = {})
+        : phone(serverPushed, streamFile), tunnel(phone.phone.get()), server(phone.phone.get(), command)
     {
     }
 

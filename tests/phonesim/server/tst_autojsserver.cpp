@@ -1,3 +1,4 @@
+#include "autojsprotocol.h"
 #include "autojsserver.h"
 #include "simtestsupport.h"
 
@@ -5,54 +6,46 @@
 #include <QJsonDocument>
 #include <QtTest>
 
-// The AutoJS command port as the PC uses it: a greeting in the phone's 8-byte framing, and
-// commands in the PC's 16-byte ASCII framing, recorded in the journal.
-class TestAutojsServer : public QObject
+namespace {
+// The phone's AutoJS port with a PC connection that Korvel's own framing talks to; the framing
+// itself is pinned byte by byte in tests/organisation/tst_autojs.
+struct Rig
 {
-    Q_OBJECT
+    TestPhone phone;
+    AutojsServer server{phone.phone.get()};
 
-private:
-    // The PC's framing, built by hand: decimal length in bytes 0-13, "1" in byte 14.
-    static QByteArray frame(const QJsonObject &message)
+    FakeChannel *open()
     {
-        const QByteArray body = QJsonDocument(message).toJson(QJsonDocument::Compact);
-        QByteArray header(16, '\0');
-        const QByteArray digits = QByteArray::number(body.size());
-        header.replace(0, digits.size(), digits);
-        header[14] = '1';
-        return header + body;
-    }
-
-    static QJsonObject command(const QJsonObject &data)
-    {
-        return {{"id", 40123}, {"type", "command"}, {"data", data}};
-    }
-
-    static QJsonObject runCommand(const QString &script)
-    {
-        return command({{"command", "run"}, {"id", 40123}, {"name", "farm"}, {"script", script}});
-    }
-
-    static FakeChannel *openChannel(AutojsServer &server, QObject *owner)
-    {
-        auto *channel = new FakeChannel(owner);
+        auto *channel = new FakeChannel(&server);
         channel->accept();
         server.accept(channel);
         return channel;
     }
+};
+
+QByteArray stopAll()
+{
+    return AutojsProtocol::encodeCommand(40123, {{"command", "stopAll"}});
+}
+} // namespace
+
+// The AutoJS command port as the PC uses it: a greeting in the phone's framing, and commands
+// recorded in the journal.
+class TestAutojsServer : public QObject
+{
+    Q_OBJECT
 
 private slots:
     void greetsThePcWithHello()
     {
-        TestPhone phone;
-        AutojsServer server(phone.phone.get());
-        FakeChannel *channel = openChannel(server, this);
-        const QByteArray bytes = channel->written;
-        QVERIFY(bytes.size() > 8);
-        const quint32 length = qFromBigEndian<quint32>(bytes.constData());
-        QCOMPARE(qFromBigEndian<quint32>(bytes.constData() + 4), 1u);
-        QCOMPARE(qsizetype(length), bytes.size() - 8);
-        const QJsonObject hello = QJsonDocument::fromJson(bytes.mid(8)).object();
+        Rig rig;
+        QByteArray bytes = rig.open()->written;
+        quint32 type = 0;
+        QByteArray body;
+        QCOMPARE(AutojsProtocol::takeReply(bytes, &type, &body), AutojsProtocol::Take::Message);
+        QCOMPARE(type, AutojsProtocol::TypeJson);
+        QVERIFY(bytes.isEmpty());
+        const QJsonObject hello = QJsonDocument::fromJson(body).object();
         QCOMPARE(hello.value("type").toString(), QString("hello"));
         QCOMPARE(hello.value("data").toObject().value("device_name").toString(), QString("Pixel Sim"));
     }
@@ -67,14 +60,15 @@ private slots:
     void journalsRunAndStopAll()
     {
         QFETCH(int, chunkSize);
-        TestPhone phone;
-        AutojsServer server(phone.phone.get());
-        FakeChannel *channel = openChannel(server, this);
+        Rig rig;
+        FakeChannel *channel = rig.open();
         const QString script = QString("toast('h\u00e9llo');\n").repeated(20);
-        const QByteArray bytes = frame(runCommand(script)) + frame(command({{"command", "stopAll"}}));
+        const QByteArray bytes =
+            AutojsProtocol::encodeCommand(40123, {{"command", "run"}, {"id", 40123}, {"name", "farm"}, {"script", script}})
+            + stopAll();
         for (qsizetype at = 0; at < bytes.size(); at += chunkSize)
             channel->sendFromPc(bytes.mid(at, chunkSize));
-        const QList<QJsonObject> lines = phone.journal("autojs");
+        const QList<QJsonObject> lines = rig.phone.journal("autojs");
         QCOMPARE(lines.size(), 2);
         QCOMPARE(lines[0].value("type").toString(), QString("run"));
         QCOMPARE(lines[0].value("name").toString(), QString("farm"));
@@ -98,31 +92,29 @@ private slots:
     void garbageClosesOnlyThatChannel()
     {
         QFETCH(QByteArray, bytes);
-        TestPhone phone;
-        AutojsServer server(phone.phone.get());
-        FakeChannel *bad = openChannel(server, this);
-        FakeChannel *good = openChannel(server, this);
+        Rig rig;
+        FakeChannel *bad = rig.open();
+        FakeChannel *good = rig.open();
         bad->sendFromPc(bytes);
         QVERIFY(bad->wasClosed());
-        const QList<QJsonObject> errors = phone.journal("error");
-        QCOMPARE(errors.size(), 1);
-        QCOMPARE(errors[0].value("source").toString(), QString("autojs"));
-        good->sendFromPc(frame(command({{"command", "stopAll"}})));
+        QCOMPARE(rig.phone.journal("error").size(), 1);
+        QCOMPARE(rig.phone.journal("error").first().value("source").toString(), QString("autojs"));
+        good->sendFromPc(stopAll());
         QVERIFY(!good->wasClosed());
-        QCOMPARE(phone.journal("autojs").size(), 1);
+        QCOMPARE(rig.phone.journal("autojs").size(), 1);
     }
 
     void survivesAChannelThatGoesAway()
     {
-        TestPhone phone;
-        AutojsServer server(phone.phone.get());
-        FakeChannel *channel = openChannel(server, this);
-        channel->sendFromPc(frame(runCommand("x")).left(10));
+        Rig rig;
+        FakeChannel *channel = rig.open();
+        channel->sendFromPc(stopAll().left(10));
         channel->close();
         delete channel;
-        QTest::qWait(10);
-        QVERIFY(phone.journal("autojs").isEmpty());
-        QVERIFY(phone.journal("error").isEmpty());
+        // Its connection goes with the deferred deletions; the half command is never run.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(rig.phone.journal("autojs").isEmpty());
+        QVERIFY(rig.phone.journal("error").isEmpty());
     }
 };
 

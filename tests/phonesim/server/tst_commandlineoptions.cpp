@@ -1,6 +1,7 @@
 #include "commandlineoptions.h"
 #include "testpattern.h"
 
+#include <QJsonDocument>
 #include <QtTest>
 
 class TestCommandLineOptions : public QObject
@@ -16,16 +17,11 @@ private slots:
             "scid=00001234 control=true video=true audio=false");
         QVERIFY2(options.ok(), qPrintable(options.error()));
         QCOMPARE(options.classPath, QString("/data/local/tmp/scrcpy-server.jar"));
-        QCOMPARE(options.videoBitRate, 2000000);
-        QCOMPARE(options.maxSize, 280);
-        QCOMPARE(options.maxFps, 5);
-        QCOMPARE(options.stayAwake, true);
-        QCOMPARE(options.video, true);
-        QCOMPARE(options.audio, false);
-        QCOMPARE(options.control, true);
-        QCOMPARE(options.logLevel, QString("verbose"));
-        QCOMPARE(options.socketName(), QString("scrcpy_00001234"));
-        QCOMPARE(options.toJson().value("scid").toString(), QString("00001234"));
+        // Everything else as the phone journals it when the server starts.
+        QCOMPARE(QJsonDocument(options.toJson()).toJson(QJsonDocument::Compact),
+                 QByteArray(R"({"audio":false,"audio_codec":"opus","control":true,"log_level":"verbose","max_fps":5,)"
+                            R"("max_size":280,"scid":"00001234","socket":"scrcpy_00001234","stay_awake":true,)"
+                            R"("version":"3.3.1","video":true,"video_bit_rate":2000000})"));
     }
 
     void leavesDefaultsForOptionsNotGiven()

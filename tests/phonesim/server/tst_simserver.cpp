@@ -1,7 +1,7 @@
+#include "controldescription.h"
 #include "simserver.h"
 #include "simtestsupport.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 Q_DECLARE_METATYPE(FakeTunnel::Answer)
@@ -28,39 +28,30 @@ private:
 private slots:
     void opensSocketsInOrder_data()
     {
+        // What each socket starts with: the first one the device name, NUL padded to 64 bytes,
+        // then the media sockets their codec.
         QTest::addColumn<QString>("options");
-        QTest::addColumn<QStringList>("roles");
-        QTest::newRow("all three") << "video=true audio=true control=true" << QStringList{"video", "audio", "control"};
-        QTest::newRow("video off") << "video=false audio=true control=true" << QStringList{"audio", "control"};
-        QTest::newRow("control only") << "video=false audio=false control=true" << QStringList{"control"};
-        QTest::newRow("video only") << "video=true audio=false control=false" << QStringList{"video"};
+        QTest::addColumn<QByteArrayList>("starts");
+        const QByteArray name = QByteArray("Pixel Sim").leftJustified(64, '\0');
+        QTest::newRow("all three") << "video=true audio=true control=true" << QByteArrayList{name + "h264", "opus", ""};
+        QTest::newRow("video off") << "video=false audio=true control=true" << QByteArrayList{name + "opus", ""};
+        QTest::newRow("control only") << "video=false audio=false control=true" << QByteArrayList{name};
+        QTest::newRow("video only") << "video=true audio=false control=false" << QByteArrayList{name + "h264"};
     }
 
     void opensSocketsInOrder()
     {
         QFETCH(QString, options);
-        QFETCH(QStringList, roles);
+        QFETCH(QByteArrayList, starts);
         ServerRig rig(serverCommand("scid=0000abcd max_size=320 " + options));
         rig.server.start();
-        QTRY_COMPARE(rig.tunnel.channels.size(), roles.size());
-        QCOMPARE(rig.tunnel.names, QStringList(roles.size(), "scrcpy_0000abcd"));
-        for (int i = 0; i < roles.size(); ++i) {
-            const int headerSize = roles[i] == "control" ? 0 : 4;
-            QTRY_VERIFY(rig.channel(i)->written.size() >= (i == 0 ? 64 : 0) + headerSize);
-            QByteArray bytes = rig.channel(i)->written;
-            if (i == 0) {
-                // Only the first socket carries the device name, NUL padded to 64 bytes.
-                QCOMPARE(bytes.left(9), QByteArray("Pixel Sim"));
-                QCOMPARE(bytes.mid(9, 55), QByteArray(55, '\0'));
-                bytes.remove(0, 64);
-            }
-            if (roles[i] == "video")
-                QCOMPARE(bytes.left(4), QByteArray("h264"));
-            else if (roles[i] == "audio")
-                QCOMPARE(bytes.left(4), QByteArray("opus"));
-            else
-                QVERIFY(bytes.isEmpty());
-        }
+        QTRY_COMPARE(rig.tunnel.channels.size(), starts.size());
+        QCOMPARE(rig.tunnel.names, QStringList(starts.size(), "scrcpy_0000abcd"));
+        for (int i = 0; i < starts.size(); ++i)
+            QTRY_COMPARE(rig.channel(i)->written.left(starts[i].size()), starts[i]);
+        // The control socket carries nothing more until the PC or the phone has something to say.
+        if (options.endsWith("control=true"))
+            QCOMPARE(rig.tunnel.channels.last()->written, starts.last());
         QVERIFY(!rig.channel(0)->wasClosed());
     }
 
@@ -69,13 +60,8 @@ private slots:
         ServerRig rig(serverCommand("video_bit_rate=2000000 max_size=280 max_fps=5 scid=0badcafe"));
         rig.tunnel.answers = {FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold};
         rig.server.start();
-        // The start is journalled at once, with its options.
-        const QList<QJsonObject> starts = rig.phone.journal("server_start");
-        QCOMPARE(starts.size(), 1);
-        QCOMPARE(starts[0].value("video_bit_rate").toInt(), 2000000);
-        QCOMPARE(starts[0].value("max_size").toInt(), 280);
-        QCOMPARE(starts[0].value("max_fps").toInt(), 5);
-        QCOMPARE(starts[0].value("scid").toString(), QString("0badcafe"));
+        // The start is journalled at once, with its options (as tst_commandlineoptions reads them).
+        QCOMPARE(rig.phone.journal("server_start").value(0).value("scid").toString(), QString("0badcafe"));
         QCoreApplication::processEvents();
         QCOMPARE(rig.tunnel.names.size(), 1);
         rig.channel(0)->accept();
@@ -108,8 +94,7 @@ private slots:
         verifyFailed(rig, "Connection refused");
         for (int i = 0; i < openedBeforeFailure; ++i)
             QVERIFY(rig.channel(i)->wasClosed());
-        QCOMPARE(rig.phone.journal("server_stop").size(), 1);
-        QCOMPARE(rig.phone.journal("server_stop").first().value("exitCode").toInt(), 1);
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("exitCode").toInt(), 1);
     }
 
     void failsBeforeAnySocket_data()
@@ -121,8 +106,6 @@ private slots:
                                         << "java.lang.ClassNotFoundException: com.genymobile.scrcpy.Server";
         QTest::newRow("version") << true << serverCommand("scid=00000001", "3.2")
                                  << "[server] ERROR: The server version (3.3.1) does not match the client (3.2)";
-        QTest::newRow("unknown option") << true << serverCommand("scid=00000001 tunnel_mode=x")
-                                        << "Unknown server option: tunnel_mode";
         QTest::newRow("nothing enabled") << true << serverCommand("video=false audio=false control=false") << "At least one";
     }
 
@@ -159,9 +142,7 @@ private slots:
             QVERIFY(channel->wasClosed());
         QTRY_COMPARE(rig.finished.size(), 1);
         QCOMPARE(rig.finished.first().first().toInt(), 137);
-        const QList<QJsonObject> stops = rig.phone.journal("server_stop");
-        QCOMPARE(stops.size(), 1);
-        QCOMPARE(stops[0].value("reason").toString(), QString("killed"));
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("reason").toString(), QString("killed"));
     }
 
     void endsWhenThePcClosesTheVideoSocket()
@@ -192,15 +173,8 @@ private slots:
         QCOMPARE(rig.phone.phone->rotation(), 1);
         // Sequence 5 asked for an acknowledgement.
         QCOMPARE(control->written, hex("01 0000000000000005"));
-        const QList<QJsonObject> lines = rig.phone.journal("control");
-        QCOMPARE(lines.size(), 3);
-        QCOMPARE(lines[0].value("type").toString(), QString("SetClipboard"));
-        QCOMPARE(lines[0].value("paste").toBool(), true);
-        QCOMPARE(lines[1].value("type").toString(), QString("InjectTouchEvent"));
-        QCOMPARE(lines[1].value("pointerId").toInteger(), -2);
-        QCOMPARE(lines[1].value("x").toInt(), 80);
-        QCOMPARE(lines[1].value("screenHeight").toInt(), 352);
-        QCOMPARE(lines[2].value("type").toString(), QString("RotateDevice"));
+        QCOMPARE(describeControl(rig.phone.journal("control")),
+                 (QStringList{"clipboard 5 paste hi", "touch 0@80,160", "RotateDevice"}));
     }
 
     void sendsThePhoneClipboardToThePc()
@@ -228,10 +202,11 @@ private slots:
         rig.channel(1)->sendFromPc(hex("0B 63 64 65"));
         QVERIFY(rig.channel(1)->wasClosed());
         QCOMPARE(rig.phone.journal("control").size(), 1);
-        const QList<QJsonObject> errors = rig.phone.journal("error");
-        QCOMPARE(errors.size(), 1);
-        QCOMPARE(errors[0].value("source").toString(), QString("control"));
-        QTest::qWait(50);
+        QCOMPARE(rig.phone.journal("error").size(), 1);
+        QCOMPARE(rig.phone.journal("error").first().value("source").toString(), QString("control"));
+        // The video goes on.
+        const qsizetype streamed = rig.channel(0)->written.size();
+        QTRY_VERIFY(rig.channel(0)->written.size() > streamed);
         QVERIFY(rig.finished.isEmpty());
         QVERIFY(rig.channel(0)->isOpen());
     }

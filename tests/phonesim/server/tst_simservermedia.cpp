@@ -7,7 +7,8 @@
 
 #include <QtTest>
 
-// What the PC's decoders make of the phone's media sockets.
+// The phone's media sockets packet by packet, and its pictures through Korvel's own decoder. That
+// whole sessions show them, at the size and with the sound expected, is proven in tests/device.
 class TestSimServerMedia : public QObject
 {
     Q_OBJECT
@@ -15,21 +16,27 @@ class TestSimServerMedia : public QObject
 public:
     static void initMain() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
 
-private slots:
-    void initTestCase() { av_log_set_level(AV_LOG_ERROR); }
-
 private:
     static QByteArray hex(const char *text) { return QByteArray::fromHex(text); }
-
     static MediaStream video(const ServerRig &rig) { return MediaStream::parse(rig.channel(0)->written, true, true); }
+    static int nalType(const QByteArray &annexB) { return quint8(annexB[4]) & 0x1f; }
 
-    static int nalType(const QByteArray &annexB, int startCodeAt)
+    // The index of the configuration packet that starts each encoder run.
+    static QList<int> configIndexes(const ServerRig &rig)
     {
-        return quint8(annexB[startCodeAt + 4]) & 0x1f;
+        QList<int> indexes;
+        const MediaStream stream = video(rig);
+        for (int i = 0; i < stream.packets.size(); ++i) {
+            if (stream.packets[i].config())
+                indexes << i;
+        }
+        return indexes;
     }
 
 private slots:
-    void videoDecodesAndRotationRestartsItAtTheNewSize()
+    void initTestCase() { av_log_set_level(AV_LOG_ERROR); }
+
+    void videoStartsWithItsConfigurationAndRotationRestartsIt()
     {
         ServerRig rig(serverCommand("scid=00000001 audio=false max_size=800"));
         QVERIFY(rig.startAndOpen(2));
@@ -37,52 +44,39 @@ private slots:
         const MediaStream stream = video(rig);
         QCOMPARE(stream.name, QByteArray("Pixel Sim"));
         QCOMPARE(stream.codec, QByteArray("h264"));
-        QCOMPARE(QSize(int(stream.width), int(stream.height)), QSize(360, 800));
+        QCOMPARE(stream.size, QSize(360, 800));
         // The configuration packet comes first and holds SPS then PPS in Annex B form.
         const MediaPacket &config = stream.packets[0];
-        QVERIFY(config.config());
-        QVERIFY(!config.keyFrame());
-        QCOMPARE(config.payload.left(4), QByteArray("\x00\x00\x00\x01", 4));
-        QCOMPARE(nalType(config.payload, 0), 7);
-        QVERIFY(config.payload.contains(QByteArray("\x00\x00\x00\x01\x68", 5))); // PPS
+        QVERIFY(config.config() && !config.keyFrame());
+        QCOMPARE(nalType(config.payload), 7);
+        QVERIFY(config.payload.contains(QByteArray("\x00\x00\x00\x01\x68", 5)));
         // Then a key frame, then ordinary frames with rising timestamps.
-        QVERIFY(!stream.packets[1].config());
-        QVERIFY(stream.packets[1].keyFrame());
+        QVERIFY(!stream.packets[1].config() && stream.packets[1].keyFrame());
         QVERIFY(!stream.packets[2].keyFrame());
         QVERIFY(stream.packets[2].pts() > stream.packets[1].pts());
-        TestDecoder decoder("h264");
-        QVERIFY(decoder.ok());
-        for (const MediaPacket &packet : stream.packets)
-            decoder.decode(packet);
-        QCOMPARE(decoder.errors, 0);
-        QVERIFY(decoder.frames.size() >= 2);
-        for (const TestDecoder::Frame &frame : std::as_const(decoder.frames))
-            QCOMPARE(frame.size, QSize(360, 800));
 
-        rig.channel(1)->sendFromPc(hex("0B")); // rotate
+        // Rotated: a new configuration and a key frame follow; the stream header is not repeated.
+        rig.channel(1)->sendFromPc(hex("0B"));
         QCOMPARE(rig.phone.phone->rotation(), 1);
-        auto configIndexes = [&] {
-            QList<int> indexes;
-            const MediaStream stream = video(rig);
-            for (int i = 0; i < stream.packets.size(); ++i) {
-                if (stream.packets[i].config())
-                    indexes << i;
-            }
-            return indexes;
-        };
-        QTRY_COMPARE(configIndexes().size(), 2);
-        const int configIndex = configIndexes().last();
-        QTRY_VERIFY(video(rig).packets.size() > configIndex + 1);
-        const MediaStream afterRotate = video(rig);
-        QVERIFY(afterRotate.packets[configIndex + 1].keyFrame());
-        // The stream header is not repeated: the size change shows only in the bitstream.
-        QCOMPARE(QSize(int(afterRotate.width), int(afterRotate.height)), QSize(360, 800));
-        TestDecoder whole("h264");
-        for (const MediaPacket &packet : afterRotate.packets)
-            whole.decode(packet);
-        QCOMPARE(whole.errors, 0);
-        QCOMPARE(whole.frames.first().size, QSize(360, 800));
-        QCOMPARE(whole.frames.last().size, QSize(800, 360));
+        QTRY_COMPARE(configIndexes(rig).size(), 2);
+        const int restart = configIndexes(rig).last();
+        QTRY_VERIFY(video(rig).packets.size() > restart + 1);
+        QVERIFY(video(rig).packets[restart + 1].keyFrame());
+        QCOMPARE(video(rig).size, QSize(360, 800));
+    }
+
+    void resetVideoSendsConfigAndKeyFrame()
+    {
+        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=160"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(video(rig).packets.size() >= 3);
+        const int before = int(video(rig).packets.size());
+        rig.channel(1)->sendFromPc(hex("11"));
+        // Pictures of the replaced encoder still on their way are dropped: the configuration
+        // comes right after what had arrived, then a key frame.
+        QTRY_VERIFY(video(rig).packets.size() >= before + 2);
+        QVERIFY(video(rig).packets[before].config());
+        QVERIFY(video(rig).packets[before + 1].keyFrame());
     }
 
     void cornersShowThePhoneColourAndTouchesShowADot()
@@ -90,15 +84,15 @@ private slots:
         ServerRig rig(serverCommand("scid=00000001 audio=false max_size=400"));
         QVERIFY(rig.startAndOpen(2));
         QTRY_VERIFY(video(rig).packets.size() >= 2); // a picture before the touch
-        // A finger held down in the middle of the screen (the PC's frame is 180x400).
+        // A finger held down in the middle of the screen, as the PC sends it from a 180x400 view.
         rig.channel(1)->sendFromPc(hex("02 00 0000000000000000 0000005A 000000C8 00B4 0190 FFFF 00000001 00000001"));
-        const int packetsAtTouch = video(rig).packets.size();
+        const qsizetype packetsAtTouch = video(rig).packets.size();
         QTRY_VERIFY(video(rig).packets.size() >= packetsAtTouch + 2);
-        TestDecoder decoder("h264");
-        for (const MediaPacket &packet : video(rig).packets)
-            decoder.decode(packet);
-        const QImage first = decoder.frames.first().luma;
-        const QImage last = decoder.frames.last().luma;
+        const QList<QImage> pictures = decodeVideo(rig.channel(0)->written);
+        QVERIFY(pictures.size() >= 3);
+        const QImage first = pictures.first();
+        const QImage last = pictures.last();
+        QCOMPARE(first.size(), QSize(184, 400));
         // Luma of the phone's colour as the encoder's BT.601 limited-range conversion gives it.
         const QColor colour = TestPattern::backgroundColor(0);
         const int backgroundLuma = 16 + (65 * colour.red() + 129 * colour.green() + 25 * colour.blue()) / 256;
@@ -107,43 +101,17 @@ private slots:
         QVERIFY(qGray(last.pixel(last.width() / 2, last.height() / 2)) > 200);
     }
 
-    void resetVideoSendsConfigAndKeyFrame()
-    {
-        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=160"));
-        QVERIFY(rig.startAndOpen(2));
-        QTRY_VERIFY(video(rig).packets.size() >= 3);
-        const int before = video(rig).packets.size();
-        rig.channel(1)->sendFromPc(hex("11"));
-        // Pictures of the replaced encoder still on their way are dropped: the configuration
-        // comes right after what had arrived, then a key frame.
-        QTRY_VERIFY(video(rig).packets.size() >= before + 2);
-        const MediaStream stream = video(rig);
-        QVERIFY(stream.packets[before].config());
-        QVERIFY(stream.packets[before + 1].keyFrame());
-    }
-
-    void audioDecodesAsOpusStereo()
+    void audioIsOpusInTwentyMillisecondPackets()
     {
         ServerRig rig(serverCommand("scid=00000001 video=false control=false audio=true"));
         QVERIFY(rig.startAndOpen(1));
-        QTRY_VERIFY(MediaStream::parse(rig.channel(0)->written, true, false).packets.size() >= 6);
+        QTRY_VERIFY(MediaStream::parse(rig.channel(0)->written, true, false).packets.size() >= 3);
         const MediaStream stream = MediaStream::parse(rig.channel(0)->written, true, false);
         QCOMPARE(stream.codec, QByteArray("opus"));
         QVERIFY(stream.packets[0].config());
         QVERIFY(stream.packets[0].payload.startsWith("OpusHead"));
         QVERIFY(!stream.packets[1].config());
         QCOMPARE(stream.packets[2].pts() - stream.packets[1].pts(), 20000);
-        TestDecoder decoder("opus");
-        QVERIFY(decoder.ok());
-        for (int i = 1; i < stream.packets.size(); ++i)
-            decoder.decode(stream.packets[i]);
-        QCOMPARE(decoder.errors, 0);
-        QCOMPARE(decoder.frames.size(), stream.packets.size() - 1);
-        for (const TestDecoder::Frame &frame : std::as_const(decoder.frames)) {
-            QCOMPARE(frame.sampleRate, 48000);
-            QCOMPARE(frame.channels, 2);
-            QCOMPARE(frame.samples, 960);
-        }
     }
 
     void playsAStreamFileInALoop()
@@ -162,19 +130,17 @@ private slots:
                 file += packet.data;
         }
         QTemporaryDir clipDir;
-        const QString path = clipDir.path() + "/clip.h264";
-        QFile out(path);
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(file);
+        QFile out(clipDir.filePath("clip.h264"));
+        QVERIFY(out.open(QIODevice::WriteOnly) && out.write(file) == file.size());
         out.close();
 
-        ServerRig rig(serverCommand("scid=00000001 audio=false control=false max_size=800"), true, QSize(1080, 2400), path);
+        ServerRig rig(serverCommand("scid=00000001 audio=false control=false max_size=800"), true, out.fileName());
         QVERIFY(rig.startAndOpen(1));
         QTRY_VERIFY_WITH_TIMEOUT(video(rig).packets.size() >= 8, 10000);
         const MediaStream stream = video(rig);
-        QCOMPARE(QSize(int(stream.width), int(stream.height)), QSize(64, 48));
+        QCOMPARE(stream.size, QSize(64, 48));
         QVERIFY(stream.packets[0].config());
-        QCOMPARE(nalType(stream.packets[0].payload, 0), 7);
+        QCOMPARE(nalType(stream.packets[0].payload), 7);
         // Key frames where the file has IDR pictures: the 1st of every 3 frames.
         for (int i = 1; i < 8; ++i) {
             QVERIFY(!stream.packets[i].config());
@@ -182,12 +148,9 @@ private slots:
             if (i > 1)
                 QVERIFY(stream.packets[i].pts() > stream.packets[i - 1].pts());
         }
-        TestDecoder decoder("h264");
-        for (const MediaPacket &packet : stream.packets)
-            decoder.decode(packet);
-        QCOMPARE(decoder.errors, 0);
-        QVERIFY(decoder.frames.size() >= 6);
-        QCOMPARE(decoder.frames.first().size, QSize(64, 48));
+        const QList<QImage> pictures = decodeVideo(rig.channel(0)->written);
+        QVERIFY(pictures.size() >= 6);
+        QCOMPARE(pictures.first().size(), QSize(64, 48));
     }
 
     void splitsAnnexBIntoAccessUnits()
@@ -210,7 +173,7 @@ private slots:
     void rejectsAFileWithoutPictures()
     {
         QTemporaryDir dir;
-        QFile out(dir.path() + "/noise.h264");
+        QFile out(dir.filePath("noise.h264"));
         QVERIFY(out.open(QIODevice::WriteOnly));
         out.write("this is not video at all");
         out.close();
@@ -218,7 +181,7 @@ private slots:
         QString error;
         QVERIFY(!player.load(out.fileName(), &error));
         QVERIFY(error.contains("noise.h264"));
-        QVERIFY(!player.load(dir.path() + "/missing.h264", &error));
+        QVERIFY(!player.load(dir.filePath("missing.h264"), &error));
     }
 };
 
