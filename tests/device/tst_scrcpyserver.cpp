@@ -18,7 +18,7 @@ private:
     FakeAdb m_adb;
     QTemporaryDir m_dir;
 
-    QTcpSocket *connectTo(quint16 port, QObject *owner)
+    static QTcpSocket *connectTo(quint16 port, QObject *owner)
     {
         auto *socket = new QTcpSocket(owner);
         socket->connectToHost(QHostAddress::LocalHost, port);
@@ -78,16 +78,6 @@ private slots:
         ServerParams params;
         params.setScid(0x7fffffff);
         QCOMPARE(params.scidText(), QString("7fffffff"));
-    }
-
-    void settersSignalOnlyChanges()
-    {
-        ServerParams params;
-        QSignalSpy spy(&params, &ServerParams::maxSizeChanged);
-        params.setMaxSize(280);
-        params.setMaxSize(720);
-        params.setMaxSize(720);
-        QCOMPARE(spy.count(), 1);
     }
 
     void startPushesListensTunnelsAndLaunches()

@@ -3,17 +3,11 @@ import QtTest
 import Korvel
 
 // Selection in the device list stays within one group; the context menu stays inside the panel.
-TestCase {
+KorvelTestCase {
     id: testCase
     name: "DeviceList"
-    when: windowShown
-    visible: true
     width: 400
     height: 700
-
-    function init() {
-        failOnWarning(/.*/)
-    }
 
     DeviceGroupManager { id: manager }
     DeviceGroup { id: rackA }

@@ -1,20 +1,16 @@
 import QtQuick
-import QtQuick.Controls
 import QtTest
 import Korvel
 
 // The phrase and key-mapping dialogs: each opens, edits and keeps its work in the backend.
-TestCase {
+KorvelTestCase {
     id: testCase
     name: "PhraseKeyDialogs"
-    when: windowShown
-    visible: true
     width: 1100
     height: 760
 
-    function init() {
-        failOnWarning(/.*/)
-        // What an earlier, interrupted run left in the files.
+    // What an earlier, interrupted run left in the files.
+    function initTestCase() {
         for (const name of ["Harvest", "Picker"])
             KeyMapping.removeProfile(name)
         for (const category of CommonPhraseManager.getCategoriesList()) {
@@ -29,32 +25,6 @@ TestCase {
     Component { id: pickerComponent; KeyMapProfilePicker {} }
     Component { id: deviceComponent; Device {} }
     SignalSpy { id: selectedSpy; signalName: "phraseSelected" }
-
-    function openDialog(component, properties) {
-        const dialog = createTemporaryObject(component, testCase, properties || {})
-        dialog.open()
-        tryVerify(() => dialog.opened)
-        return dialog
-    }
-
-    function itemWithText(root, text) {
-        const children = root.contentItem ? [root.contentItem] : Array.from(root.children)
-        for (const child of children.concat(Array.from(root.children || []))) {
-            if (child.text === text && child.visible)
-                return child
-            const found = itemWithText(child, text)
-            if (found)
-                return found
-        }
-        return null
-    }
-
-    // Layouts place their items at the next polish: a click before it lands where the item was.
-    function click(item, x, y) {
-        for (let ancestor = item; ancestor; ancestor = ancestor.parent)
-            tryVerify(() => !isPolishScheduled(ancestor))
-        mouseClick(item, x, y)
-    }
 
     function confirmDelete(dialog) {
         const question = findChild(dialog, "confirmQuestion")
