@@ -62,9 +62,8 @@ private slots:
         QVERIFY(device);
         device->startScrcpySession();
         QVERIFY(device->running());
-        QTRY_VERIFY_WITH_TIMEOUT(device->videoFrames()->latest() != nullptr, 15000);
         // Longest side 800, both sides multiples of 8, as the phone scales its screen.
-        QCOMPARE(device->frameSize(), QSize(360, 800));
+        QTRY_COMPARE_WITH_TIMEOUT(device->frameSize(), QSize(360, 800), 15000);
         QCOMPARE(phone->journal("server_start").size(), 1);
         device->stopScrcpySession();
         QVERIFY(!device->running());
