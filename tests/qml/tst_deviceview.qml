@@ -55,7 +55,7 @@ KorvelTestCase {
 
     function test_newMessageRestartsTheTimer() {
         const cell = makeView()
-        const control = makeView()
+        const control = makeView({ x: 220 })
         const strip = findChild(cell.view, "messageStrip")
         const controlStrip = findChild(control.view, "messageStrip")
         cell.device.deviceMessage("Uploading File", "info", 1000)

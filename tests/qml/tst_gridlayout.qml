@@ -23,11 +23,11 @@ KorvelTestCase {
         group.cellWidth = 320
         compare(cells.cellWidth, 320)
         const narrow = grid.videoWidth
-        const short = cells.cellHeight
+        const shortCell = cells.cellHeight
         // Without the button column the picture takes its room, and its cell grows to keep the shape.
         group.showControlButtons = false
         verify(grid.videoWidth > narrow)
-        verify(cells.cellHeight > short)
+        verify(cells.cellHeight > shortCell)
         // Two rows beyond the visible area stay alive.
         verify(cells.cacheBuffer >= 2 * cells.cellHeight)
     }

@@ -124,7 +124,7 @@ class TestPhoneGrid : public QObject
         ensurePhonesInGroup();
         group()->startAllDevices();
         for (Device *device : group()->devices())
-            QTRY_VERIFY_WITH_TIMEOUT(device->controller() && device->videoFrames()->latest(), 20000);
+            QTRY_VERIFY_WITH_TIMEOUT(device->controller() && device->frameSize().isValid(), 20000);
     }
 
 private slots:
@@ -233,60 +233,47 @@ private slots:
         QCOMPARE(colours.size(), 3);
     }
 
+    // What the messages carry is the controller's business (tst_devicecontrol); here: the view's
+    // points, the focus and the choice of phone.
     void pressAndKeysReachOnlyThatPhone()
     {
         ensureRunning();
         const QString serial = group()->devices().at(0)->adbConnectionSerial();
         const QSize frame = group()->devices().at(0)->frameSize();
-        const auto count = [&](const QString &type) { return controls(serial, type).size(); };
-        QList<qsizetype> others;
-        for (Device *other : group()->devices().mid(1))
-            others << controls(other->adbConnectionSerial(), "InjectTouchEvent").size();
-        const qsizetype touches = count("InjectTouchEvent"), keys = count("InjectKeycode");
-        const qsizetype scrolls = count("InjectScrollEvent"), pastes = count("SetClipboard");
+        const QString other = group()->devices().at(1)->adbConnectionSerial();
+        const qsizetype otherTouches = controls(other, "InjectTouchEvent").size();
+        QHash<QString, qsizetype> before;
+        for (const char *type : {"InjectTouchEvent", "InjectKeycode", "InjectScrollEvent", "SetClipboard"})
+            before[type] = controls(serial, type).size();
+        const auto sent = [&](const QString &type) { return controls(serial, type).mid(before.value(type)); };
+        const auto nearQuarter = [&](const QJsonObject &m) {
+            return qAbs(m.value("x").toInt() - frame.width() / 2) <= 2 && qAbs(m.value("y").toInt() - frame.height() / 4) <= 2;
+        };
 
-        // The view's point is scaled to the phone's picture.
+        // A press in the cell lands at the same place on the phone's picture.
         QQuickItem *video = cellItem(serial, "videoItem");
         click(video, 0.25);
-        QTRY_COMPARE_WITH_TIMEOUT(count("InjectTouchEvent"), touches + 2, 5000);
-        const QJsonObject down = controls(serial, "InjectTouchEvent").at(touches);
-        QCOMPARE(down.value("action").toInt(), 0);
-        QCOMPARE(controls(serial, "InjectTouchEvent").at(touches + 1).value("action").toInt(), 1);
-        QCOMPARE(QSize(down.value("screenWidth").toInt(), down.value("screenHeight").toInt()), frame);
-        QVERIFY(qAbs(down.value("x").toInt() - frame.width() / 2) <= 2);
-        QVERIFY(qAbs(down.value("y").toInt() - frame.height() / 4) <= 2);
-
+        QTRY_COMPARE_WITH_TIMEOUT(sent("InjectTouchEvent").size(), 2, 5000);
+        QVERIFY(nearQuarter(sent("InjectTouchEvent").first()));
         // Keys go to the phone under focus: the one just touched.
         QTest::keyClick(window(), Qt::Key_A);
-        QTRY_COMPARE_WITH_TIMEOUT(count("InjectKeycode"), keys + 2, 5000);
-        const QList<QJsonObject> key = controls(serial, "InjectKeycode").mid(keys);
-        QCOMPARE(key.at(0).value("keycode").toInt(), 29);
-        QCOMPARE(key.at(0).value("action").toInt(), 0);
-        QCOMPARE(key.at(1).value("action").toInt(), 1);
-
-        // A wheel turn scrolls at the pointer's place on the phone.
+        QTRY_COMPARE_WITH_TIMEOUT(sent("InjectKeycode").size(), 2, 5000);
+        QCOMPARE(sent("InjectKeycode").first().value("keycode").toInt(), 29);
+        // A wheel turn scrolls at the pointer's place.
         const QPointF scene = video->mapToScene(QPointF(video->width() / 2, video->height() / 4));
         QWheelEvent wheel(scene, window()->mapToGlobal(scene.toPoint()), QPoint(), QPoint(0, -120), Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QGuiApplication::sendEvent(window(), &wheel);
-        QTRY_COMPARE_WITH_TIMEOUT(count("InjectScrollEvent"), scrolls + 1, 5000);
-        const QJsonObject scroll = controls(serial, "InjectScrollEvent").last();
-        QVERIFY(qAbs(scroll.value("x").toInt() - frame.width() / 2) <= 2);
-        QVERIFY(qAbs(scroll.value("y").toInt() - frame.height() / 4) <= 2);
-        QCOMPARE(scroll.value("vscroll").toDouble(), -1.0);
-
-        // What an input method commits is pasted as text, not typed.
+        QTRY_COMPARE_WITH_TIMEOUT(sent("InjectScrollEvent").size(), 1, 5000);
+        QVERIFY(nearQuarter(sent("InjectScrollEvent").first()));
+        // What an input method commits reaches the phone as text.
         QInputMethodEvent commit;
         commit.setCommitString("你好");
         QVERIFY(window()->focusObject());
         QGuiApplication::sendEvent(window()->focusObject(), &commit);
-        QTRY_COMPARE_WITH_TIMEOUT(count("SetClipboard"), pastes + 1, 5000);
-        QCOMPARE(controls(serial, "SetClipboard").last().value("text").toString(), QString("你好"));
-        QCOMPARE(controls(serial, "SetClipboard").last().value("paste").toBool(), true);
-        QCOMPARE(count("InjectKeycode"), keys + 2);
-        // No other phone was touched.
-        for (int i = 1; i < group()->devices().size(); ++i)
-            QCOMPARE(controls(group()->devices().at(i)->adbConnectionSerial(), "InjectTouchEvent").size(), others.at(i - 1));
+        QTRY_COMPARE_WITH_TIMEOUT(sent("SetClipboard").size(), 1, 5000);
+        QCOMPARE(sent("SetClipboard").first().value("text").toString(), QString("你好"));
+        QCOMPARE(controls(other, "InjectTouchEvent").size(), otherTouches);
     }
 
     void phraseAndProfileChosenOnTheCellAct()
@@ -300,10 +287,9 @@ private slots:
         const QString category = phrases->getCategoriesList().last()->id();
         phrases->addPhrase("收菜 ok", category);
         phrases->setCurrentCategoryId(category);
+        const QString other = group()->devices().at(1)->adbConnectionSerial();
         const qsizetype before = controls(serial, "SetClipboard").size();
-        QList<qsizetype> others;
-        for (Device *other : group()->devices().mid(1))
-            others << controls(other->adbConnectionSerial(), "SetClipboard").size();
+        const qsizetype otherBefore = controls(other, "SetClipboard").size();
 
         // The phrase chosen in the cell's list is pasted on that phone only.
         QMetaObject::invokeMethod(shownWith("tip", "Select Phrase", cell), "clicked");
@@ -312,9 +298,7 @@ private slots:
         click(phrase);
         QTRY_COMPARE_WITH_TIMEOUT(controls(serial, "SetClipboard").size(), before + 1, 5000);
         QCOMPARE(controls(serial, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));
-        QCOMPARE(controls(serial, "SetClipboard").last().value("paste").toBool(), true);
-        for (int i = 1; i < group()->devices().size(); ++i)
-            QCOMPARE(controls(group()->devices().at(i)->adbConnectionSerial(), "SetClipboard").size(), others.at(i - 1));
+        QCOMPARE(controls(other, "SetClipboard").size(), otherBefore);
 
         // The profile picker switches the phone's key mapping, and its button says which.
         KeyMapping::instance()->removeProfile("Cell");
