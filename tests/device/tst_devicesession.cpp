@@ -4,6 +4,7 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "framehandoff.h"
+#include "mediarecorder.h"
 #include "packetsink.h"
 #include "phonefixture.h"
 #include "scrcpyserver.h"
@@ -12,17 +13,92 @@
 #include "videodemuxer.h"
 
 #include <QImageReader>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
 #include <QtTest>
 
-// A Device mirroring simulated phones through Debian's real adb.
+namespace {
+
+// What FFmpeg's own ffprobe finds in a file: complaints, codecs, length, whether every stream's
+// times rise, and whether the video starts with a key frame.
+struct Probe
+{
+    QByteArray errors;
+    QStringList codecs;
+    double duration = 0;
+    bool timesRise = true;
+    bool keyFirst = false;
+};
+
+Probe probe(const QString &path)
+{
+    QProcess ffprobe;
+    ffprobe.start("ffprobe", {"-v", "error", "-show_entries", "stream=codec_name:format=duration:packet=stream_index,pts,flags",
+                              "-of", "json", path});
+    if (!ffprobe.waitForFinished(30000))
+        return {"ffprobe did not finish"};
+    Probe result{ffprobe.readAllStandardError()};
+    const QJsonObject root = QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object();
+    for (const QJsonValue &stream : root.value("streams").toArray())
+        result.codecs << stream["codec_name"].toString();
+    result.duration = root.value("format")["duration"].toString().toDouble();
+    QMap<int, double> last;
+    for (const QJsonValue &packet : root.value("packets").toArray()) {
+        const int stream = packet["stream_index"].toInt();
+        if (!last.contains(stream) && result.codecs.value(stream) == "h264")
+            result.keyFirst = packet["flags"].toString().startsWith('K');
+        result.timesRise = result.timesRise && (!last.contains(stream) || packet["pts"].toDouble() > last[stream]);
+        last[stream] = packet["pts"].toDouble();
+    }
+    result.codecs.sort();
+    return result;
+}
+
+constexpr double ToneHz = 440.0;
+
+// The frequency of the tone in interleaved 48 kHz stereo s16 PCM, from the left channel's rising
+// zero crossings; 0 when there are fewer than a few hundred milliseconds of sound.
+double toneFrequency(const QByteArray &pcm)
+{
+    const auto *samples = reinterpret_cast<const qint16 *>(pcm.constData());
+    const qsizetype frames = pcm.size() / 4;
+    qsizetype start = 0;
+    // Leading silence (before the first packet reached the sink) says nothing about the tone.
+    while (start < frames && qAbs(samples[2 * start]) < 500)
+        ++start;
+    if (frames - start < 48000 / 4)
+        return 0;
+    double first = -1, last = -1;
+    int crossings = 0;
+    for (qsizetype i = start + 1; i < frames; ++i) {
+        const int a = samples[2 * (i - 1)], b = samples[2 * i];
+        if (a < 0 && b >= 0) {
+            const double at = double(i - 1) + double(-a) / double(b - a);
+            if (first < 0)
+                first = at;
+            last = at;
+            ++crossings;
+        }
+    }
+    return crossings < 2 ? 0 : (crossings - 1) * 48000.0 / (last - first);
+}
+
+} // namespace
+
+// A Device mirroring simulated phones through Debian's real adb: its session, what survives a
+// failure, and the media it saves and plays.
 class TestDeviceSession : public QObject
 {
     Q_OBJECT
 
     std::unique_ptr<PhoneFixture> m_fixture;
     QTemporaryDir m_screenshots;
+    QTemporaryDir m_videos;
+    QTemporaryDir m_pulseDir{QDir::tempPath() + "/kvpa-XXXXXX"};
+    QProcess m_pulse;
 
-    // A device of the group on a new phone; full-size pictures when maxSize is 0.
+    // A device of the group on a new phone, its pictures at most maxSize pixels long.
     Device *makeDevice(DeviceGroup &group, PhoneSimProcess *&phone, QSize size = {720, 1600}, int maxSize = 320,
                        const QStringList &phoneArgs = {})
     {
@@ -37,13 +113,45 @@ class TestDeviceSession : public QObject
         group.appendDevice(device);
         return device;
     }
+    // A running session with sound on a new, animated phone.
+    Device *startWithSound(DeviceGroup &group, PhoneSimProcess *&phone, const QStringList &phoneArgs = {})
+    {
+        Device *device = makeDevice(group, phone, {1080, 2400}, 400, QStringList{"--animate"} + phoneArgs);
+        if (device) {
+            device->serverParamsSmallView()->setAudio(true);
+            device->startScrcpySession();
+        }
+        return device;
+    }
 
 private slots:
     void initTestCase()
     {
         QVERIFY(AdbRunner::available());
+        // A null sink stands in for the speakers; it must be known before the first audio output opens.
+        const QString dir = m_pulseDir.path();
+        QVERIFY(QDir().mkpath(dir + "/runtime"));
+        QFile config(dir + "/default.pa");
+        QVERIFY(config.open(QIODevice::WriteOnly));
+        config.write(QString("load-module module-native-protocol-unix socket=%1/runtime/native auth-anonymous=1\n"
+                             "load-module module-null-sink sink_name=korvel_test rate=48000 channels=2\n"
+                             "set-default-sink korvel_test\n").arg(dir).toUtf8());
+        config.close();
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("HOME", dir);
+        env.insert("XDG_RUNTIME_DIR", dir + "/runtime");
+        m_pulse.setProcessEnvironment(env);
+        m_pulse.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_pulse.start("pulseaudio", {"-n", "--daemonize=no", "--system=false", "--exit-idle-time=-1",
+                                     "--disallow-exit", "--use-pid-file=false", "--disable-shm=yes",
+                                     "--log-target=stderr", "--log-level=error", "-F", config.fileName()});
+        QVERIFY2(m_pulse.waitForStarted(), "pulseaudio did not start");
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(dir + "/runtime/native"), 10000);
+        qputenv("PULSE_SERVER", ("unix:" + dir + "/runtime/native").toUtf8());
+
         m_fixture = std::make_unique<PhoneFixture>();
         AppConfig::instance()->setScreenshotSavePath(m_screenshots.path());
+        AppConfig::instance()->setVideoSavePath(m_videos.path());
         // View switches wait between adb steps; a tenth of the time keeps the test short.
         Device::setStepDelay(100);
     }
@@ -52,50 +160,41 @@ private slots:
     {
         m_fixture.reset();
         AppConfig::instance()->reset();
+        m_pulse.terminate();
+        m_pulse.waitForFinished(5000);
     }
 
-    void sessionMirrorsThePhone()
+    void sessionMirrorsThePhoneAndSavesScreenshots()
     {
         PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
         Device *device = makeDevice(group, phone, {1080, 2400}, 800);
         QVERIFY(device);
+        QSignalSpy messages(device, &Device::deviceMessage);
+        device->takeScreenshot();
+        QCOMPARE(messages.value(0), (QVariantList{"Not Connected", "error", 2000}));
         device->startScrcpySession();
         QVERIFY(device->running());
         // Longest side 800, both sides multiples of 8, as the phone scales its screen.
         QTRY_COMPARE_WITH_TIMEOUT(device->frameSize(), QSize(360, 800), 15000);
         QCOMPARE(phone->journal("server_start").size(), 1);
-        device->stopScrcpySession();
-        QVERIFY(!device->running());
-        QTRY_VERIFY_WITH_TIMEOUT(!phone->journal("server_stop").isEmpty(), 10000);
-        QCOMPARE(group.deviceCount(), 1);
-    }
 
-    void screenshotIsSavedAsJpeg()
-    {
-        PhoneSimProcess *phone = nullptr;
-        DeviceGroup group;
-        Device *device = makeDevice(group, phone, {1080, 2400}, 0);
-        QVERIFY(device);
-        QSignalSpy messages(device, &Device::deviceMessage);
-        device->takeScreenshot();
-        QCOMPARE(messages.value(0), (QVariantList{"Not Connected", "error", 2000}));
-
-        device->startScrcpySession();
-        QTRY_VERIFY_WITH_TIMEOUT(device->frameSize() == QSize(1080, 2400), 20000);
-        messages.clear();
         device->takeScreenshot();
         QVERIFY(device->isScreenShotting());
         device->takeScreenshot(); // ignored while the first one runs
         QTRY_VERIFY_WITH_TIMEOUT(!device->isScreenShotting(), 10000);
-        QCOMPARE(messages.count(), 1);
-        QCOMPARE(messages.at(0), (QVariantList{"Screenshot Saved", "success", 2000}));
+        QCOMPARE(messages.size(), 2);
+        QCOMPARE(messages.at(1), (QVariantList{"Screenshot Saved", "success", 2000}));
         const QStringList saved = QDir(m_screenshots.path()).entryList({phone->serial() + "_*.jpg"});
         QCOMPARE(saved.size(), 1);
         QImageReader reader(m_screenshots.filePath(saved.first()));
         QCOMPARE(reader.format(), QByteArray("jpeg"));
-        QCOMPARE(reader.size(), QSize(1080, 2400));
+        QCOMPARE(reader.size(), QSize(360, 800));
+
         device->stopScrcpySession();
+        QVERIFY(!device->running());
+        QTRY_VERIFY_WITH_TIMEOUT(!phone->journal("server_stop").isEmpty(), 10000);
+        QCOMPARE(group.deviceCount(), 1);
     }
 
     void oneServerPerSessionAndStoppingOneLeavesTheOther()
@@ -374,6 +473,144 @@ private slots:
         QSignalSpy failed(&unknown, &Device::deviceMessage);
         unknown.setWiFiConnection();
         QTRY_COMPARE_WITH_TIMEOUT(failed.value(0), (QVariantList{"Failed to tcpip", "error", 3000}), 10000);
+    }
+    void recordingIsAPlayableFile_data()
+    {
+        QTest::addColumn<bool>("audio");
+        QTest::addColumn<QStringList>("codecs");
+        QTest::newRow("video and sound") << true << QStringList{"h264", "opus"};
+        QTest::newRow("video only") << false << QStringList{"h264"};
+    }
+
+    void recordingIsAPlayableFile()
+    {
+        QFETCH(bool, audio);
+        QFETCH(QStringList, codecs);
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = makeDevice(group, phone, {1080, 2400}, 400, {"--animate"});
+        QVERIFY(device);
+        device->serverParamsSmallView()->setAudio(audio);
+        device->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(device->controller() && device->frameSize().isValid(), 20000);
+        MediaRecorder *recorder = device->videoRecorder();
+        QSignalSpy messages(device, &Device::deviceMessage);
+
+        device->startRecord();
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", "success", 2000}), 10000);
+        QVERIFY(recorder->isRecording());
+        QElapsedTimer recorded;
+        recorded.start();
+        // The length of the recording is the thing under test.
+        QTRY_VERIFY_WITH_TIMEOUT(recorded.elapsed() >= 3000, 10000);
+        device->stopRecord();
+        const double seconds = recorded.elapsed() / 1000.0;
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Stopped", "success", 2000}), 10000);
+        QVERIFY(messages.contains(QVariantList{"Stop Recording", "info", 2000}));
+        QTRY_VERIFY(!recorder->isRecording());
+
+        const QFileInfo file(recorder->filePath());
+        QCOMPARE(file.absolutePath(), QFileInfo(m_videos.path()).absoluteFilePath());
+        // Named after the phone's nickname and serial.
+        QVERIFY2(file.fileName().startsWith(device->nickName() + "_" + device->adbConnectionSerial() + "_")
+                     && file.suffix() == "mkv", qPrintable(file.fileName()));
+        const Probe result = probe(file.filePath());
+        QCOMPARE(result.errors, QByteArray());
+        QCOMPARE(result.codecs, codecs);
+        QVERIFY2(qAbs(result.duration - seconds) <= seconds * 0.1,
+                 qPrintable(QString("%1 s in the file, %2 s recorded").arg(result.duration).arg(seconds)));
+        QVERIFY(result.timesRise);
+        QVERIFY(result.keyFirst);
+        device->stopScrcpySession();
+    }
+
+    void unwritableRecordingFolderFailsAndVideoGoesOn()
+    {
+        QTemporaryDir dir;
+        QFile blocker(dir.filePath("not-a-folder"));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        AppConfig::instance()->setVideoSavePath(blocker.fileName() + "/Videos");
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = makeDevice(group, phone, {720, 1600}, 320, {"--animate"});
+        QVERIFY(device);
+        device->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(device->controller(), 20000);
+        QSignalSpy messages(device, &Device::deviceMessage);
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher();
+        device->startRecord();
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Failed", "error", 5000}), 10000);
+        QVERIFY(!device->videoRecorder()->isRecording());
+        const int seen = frames->framesPublished();
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > seen + 3, 10000);
+        AppConfig::instance()->setVideoSavePath(m_videos.path());
+        device->stopScrcpySession();
+    }
+
+    void vanishedPhoneLeavesAPlayableRecording()
+    {
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        QPointer<Device> device = startWithSound(group, phone);
+        QVERIFY(device);
+        QTRY_VERIFY_WITH_TIMEOUT(device->controller() && device->frameSize().isValid(), 20000);
+        QSignalSpy messages(device, &Device::deviceMessage);
+        device->startRecord();
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", "success", 2000}), 10000);
+        const QString path = device->videoRecorder()->filePath();
+        // A second of the stream goes to the recorder before the phone goes.
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher();
+        const int seen = frames->framesPublished();
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() >= seen + 30, 20000);
+        QCOMPARE(phone->ctl({"vanish"}), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(device->offline(), 30000);
+        QVERIFY(!device->videoRecorder()->isRecording());
+        const Probe result = probe(path);
+        QCOMPARE(result.errors, QByteArray());
+        QCOMPARE(result.codecs, (QStringList{"h264", "opus"}));
+        QVERIFY(result.duration > 0);
+    }
+    void soundReachesTheSpeakers()
+    {
+        QTemporaryDir dir;
+        const QString heard = dir.filePath("monitor.raw");
+        QProcess parec;
+        parec.start("parec", {"--device=korvel_test.monitor", "--format=s16le", "--rate=48000", "--channels=2",
+                              "--raw", "--latency-msec=20", heard});
+        QVERIFY(parec.waitForStarted());
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = startWithSound(group, phone);
+        QVERIFY(device);
+        const auto frequency = [&heard] {
+            QFile file(heard);
+            return file.open(QIODevice::ReadOnly) ? toneFrequency(file.readAll()) : 0.0;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(qAbs(frequency() - ToneHz) <= ToneHz * 0.02, 15000);
+        device->stopScrcpySession();
+        parec.terminate();
+        parec.waitForFinished(5000);
+    }
+
+    void phoneWithoutSoundKeepsItsVideo()
+    {
+        PhoneSimProcess *phone = nullptr;
+        DeviceGroup group;
+        Device *device = startWithSound(group, phone, {"--audio", "disabled"});
+        QVERIFY(device);
+        QSignalSpy messages(device, &Device::deviceMessage);
+        FrameHandoff *frames = device->videoFrames();
+        frames->addWatcher(); // as a view on screen: every picture is decoded
+        const QVariantList message{"Audio is not available on this phone (Android 11 or later)", "error", 5000};
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(message), 15000);
+        const int seen = frames->framesPublished();
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > seen + 3, 10000);
+        QVERIFY(device->running() && device->controller());
+        device->stopScrcpySession();
+        frames->removeWatcher();
     }
 };
 

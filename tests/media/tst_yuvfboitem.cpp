@@ -14,19 +14,15 @@ extern "C" {
 
 namespace {
 
-struct Rgb
-{
-    int r, g, b;
-};
-
 // The quadrants' colours, top-left, top-right, bottom-left, bottom-right, then the window below.
-const Rgb Colours[5] = {{200, 40, 40}, {40, 180, 60}, {50, 70, 200}, {220, 210, 60}, {255, 0, 255}};
+const QList<QColor> Colours{{200, 40, 40}, {40, 180, 60}, {50, 70, 200}, {220, 210, 60}, Qt::magenta};
 
 // BT.601 RGB to Y, Cb or Cr (channel 0, 1, 2), full range (JPEG) or limited range as video uses.
-uchar toYuv(Rgb c, int channel, bool fullRange)
+uchar toYuv(const QColor &c, int channel, bool fullRange)
 {
-    const double v[3] = {0.299 * c.r + 0.587 * c.g + 0.114 * c.b, -0.168736 * c.r - 0.331264 * c.g + 0.5 * c.b,
-                         0.5 * c.r - 0.418688 * c.g - 0.081312 * c.b};
+    const double v[3] = {0.299 * c.red() + 0.587 * c.green() + 0.114 * c.blue(),
+                         -0.168736 * c.red() - 0.331264 * c.green() + 0.5 * c.blue(),
+                         0.5 * c.red() - 0.418688 * c.green() - 0.081312 * c.blue()};
     const double scaled = fullRange ? v[channel] + (channel ? 128 : 0)
                                     : channel ? 128 + v[channel] * 224 / 255 : 16 + v[channel] * 219 / 255;
     return uchar(qBound(0, int(std::lround(scaled)), 255));
@@ -54,12 +50,6 @@ void publish(FrameHandoff &handoff, int w, int h, int padding = 0, bool fullRang
     av_frame_free(&frame);
 }
 
-bool near(const QColor &actual, Rgb expected, int tolerance)
-{
-    return qAbs(actual.red() - expected.r) <= tolerance && qAbs(actual.green() - expected.g) <= tolerance
-           && qAbs(actual.blue() - expected.b) <= tolerance;
-}
-
 } // namespace
 
 class TestYuvFboItem : public QObject
@@ -78,7 +68,7 @@ private:
     }
     // The item covers only the upper part of a magenta window, so the grabbed image itself shows
     // which way up it is: compares the centres of the item's quadrants and the window below it.
-    void verifyColours(const QList<Rgb> &expected, int tolerance)
+    void verifyColours(const QList<QColor> &expected, int tolerance)
     {
         const QImage image = grab();
         const int w = int(m_item->width()), h = int(m_item->height());
@@ -86,12 +76,14 @@ private:
                               {w / 2, (h + image.height()) / 2}};
         for (int i = 0; i < 5; ++i) {
             const QColor c = image.pixelColor(at[i]);
-            QVERIFY2(near(c, expected[i], tolerance),
+            const QColor e = expected[i];
+            QVERIFY2(qAbs(c.red() - e.red()) <= tolerance && qAbs(c.green() - e.green()) <= tolerance
+                         && qAbs(c.blue() - e.blue()) <= tolerance,
                      qPrintable(QStringLiteral("spot %1 is (%2, %3, %4)").arg(i).arg(c.red()).arg(c.green()).arg(c.blue())));
         }
     }
-    void verifyQuadrants() { verifyColours(QList<Rgb>(Colours, Colours + 5), 6); }
-    void verifyBlack() { verifyColours({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}, Colours[4]}, 0); }
+    void verifyQuadrants() { verifyColours(Colours, 6); }
+    void verifyBlack() { verifyColours({Qt::black, Qt::black, Qt::black, Qt::black, Qt::magenta}, 0); }
 
     std::unique_ptr<QQuickWindow> m_window;
     std::unique_ptr<FrameHandoff> m_frames;

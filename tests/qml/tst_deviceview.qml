@@ -81,15 +81,26 @@ KorvelTestCase {
     function test_controlButtonsFollowTheDevice() {
         const device = createTemporaryObject(deviceComponent, testCase)
         const column = createTemporaryObject(buttonsComponent, testCase, { device: device })
+        const button = tip => buttons(column).find(button => button.tip === tip)
         verify(findChild(column, "homeButton").enabled)
         // Audio is switched on the phone; the button then reads the phone's new state.
-        const audio = buttons(column).find(button => button.tip === "Audio Disabled")
-        click(audio)
+        click(button("Audio Disabled"))
         compare(device.isAudioEnabled, true)
-        compare(audio.tip, "Audio Enabled")
+        verify(button("Audio Enabled"))
         // Recording is offered on every bound phone; it reads the phone's own recorder.
-        verify(buttons(column).find(button => button.tip === "Record Video").enabled)
+        verify(button("Record Video").enabled)
         compare(device.videoRecorder.isRecording, false)
+        // The profile picked from the button is this phone's, and the button names it.
+        KeyMapping.removeProfile("Cell")
+        KeyMapping.addProfile("Cell")
+        click(button("Key Mapping"))
+        let profile = null
+        tryVerify(() => (profile = itemWithText(testCase.Window.window.contentItem, "Cell")))
+        click(profile)
+        compare(device.currentKeyMappingProfile.name, "Cell")
+        verify(button("KeyMapping: Cell"))
+        device.currentKeyMappingProfile = null
+        KeyMapping.removeProfile("Cell")
     }
 
     function test_screenPositionOverlay() {

@@ -3,8 +3,9 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
-#include "keymapping.h"
 #include "phonefixture.h"
+#include "qmlwarnings.h"
+#include "quickitems.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -13,24 +14,11 @@
 #include <QQuickWindow>
 #include <QRegularExpression>
 #include <QtQml/qqmlextensionplugin.h>
-#include <QtQuickTest/quicktest.h>
 #include <QtTest>
 
 Q_IMPORT_QML_PLUGIN(KorvelPlugin)
 
 namespace {
-QStringList qmlWarnings;
-QtMessageHandler previousHandler = nullptr;
-
-void collectWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    const bool fromQml = QString::fromUtf8(context.file ? context.file : "").endsWith(".qml")
-        || message.contains("qml", Qt::CaseInsensitive);
-    if (type != QtDebugMsg && type != QtInfoMsg && fromQml)
-        qmlWarnings << message;
-    previousHandler(type, context, message);
-}
-
 // A visible, opaque pixel of the phone's picture: anything clearly brighter than black.
 bool isLit(const QColor &color)
 {
@@ -45,34 +33,19 @@ class TestPhoneGrid : public QObject
     Q_OBJECT
 
     std::unique_ptr<PhoneFixture> m_fixture;
+    std::unique_ptr<QmlWarnings> m_warnings;
     QQmlApplicationEngine *m_engine = nullptr;
     QStringList m_serials;
 
     QQuickWindow *window() const { return qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0)); }
 
-    // Items under `under` (the window when null) that match, in tree order; only shown ones when asked.
-    QList<QQuickItem *> items(const std::function<bool(QQuickItem *)> &wanted, QQuickItem *under = nullptr,
-                              bool shownOnly = false) const
-    {
-        QList<QQuickItem *> found;
-        std::function<void(QQuickItem *)> walk = [&](QQuickItem *at) {
-            if (shownOnly && !at->isVisible())
-                return;
-            if (wanted(at))
-                found << at;
-            for (QQuickItem *child : at->childItems())
-                walk(child);
-        };
-        walk(under ? under : window()->contentItem());
-        return found;
-    }
     QQuickItem *item(const QString &name, QQuickItem *under = nullptr) const
     {
-        return items([&](QQuickItem *i) { return i->objectName() == name; }, under).value(0);
+        return QuickItems::named(under ? under : window()->contentItem(), name);
     }
     QQuickItem *shownWith(const char *property, const QString &value, QQuickItem *under = nullptr) const
     {
-        return items([&](QQuickItem *i) { return i->property(property) == value; }, under, true).value(0);
+        return QuickItems::shownWith(under ? under : window()->contentItem(), property, value);
     }
     // A cell's own child, found from the cell of the given phone.
     QQuickItem *cellItem(const QString &serial, const QString &name) const
@@ -92,14 +65,6 @@ class TestPhoneGrid : public QObject
     DeviceGroup *group() const { return manager()->currentSelectedGroup(); }
     QObject *scanDialog() const { return window()->findChild<QObject *>("scanDialog"); }
     QString text(QQuickItem *item) const { return item->property("text").toString(); }
-
-    // Layouts place their items at the next polish: a click before it lands where the item was.
-    void click(QQuickItem *target, qreal yFraction = 0.5) const
-    {
-        QVERIFY(QQuickTest::qWaitForPolish(target->window()));
-        const QPointF point(target->width() / 2, target->height() * yFraction);
-        QTest::mouseClick(target->window(), Qt::LeftButton, {}, target->mapToScene(point).toPoint());
-    }
 
     // The control messages of one type that the phone with this serial received.
     QList<QJsonObject> controls(const QString &serial, const QString &type) const
@@ -142,7 +107,7 @@ private slots:
         DeviceGroup::setStaggerIntervals({20, 30, 50});
         Device::setStepDelay(100);
 
-        previousHandler = qInstallMessageHandler(collectWarnings);
+        m_warnings = std::make_unique<QmlWarnings>();
         // As with a screen reader running: controls name themselves from the start.
         QAccessible::setActive(true);
         AppStartup::configureApplication();
@@ -160,7 +125,7 @@ private slots:
         QQuickItem *scan = item("scanButton");
         QVERIFY(scan->isVisible());
         QCOMPARE(text(scan), QString("No Devices In This Group, Click To Scan"));
-        click(scan);
+        QVERIFY(QuickItems::click(scan));
         QTRY_VERIFY(scanDialog()->property("opened").toBool());
         QTRY_COMPARE_WITH_TIMEOUT(item("scanDeviceList")->property("count").toInt(), 3, 15000);
         QTRY_VERIFY(!manager()->isScanning());
@@ -171,11 +136,11 @@ private slots:
 
         // Nothing is checked: nothing to add. One row by clicking it, then all of them.
         QVERIFY(!item("scanAddButton")->isEnabled());
-        click(item("scanRow_" + m_serials.at(1)));
+        QVERIFY(QuickItems::click(item("scanRow_" + m_serials.at(1))));
         QCOMPARE(scanDialog()->property("checkedSerials").toStringList(), QStringList{m_serials.at(1)});
-        click(item("scanSelectAll"));
+        QVERIFY(QuickItems::click(item("scanSelectAll")));
         QCOMPARE(scanDialog()->property("checkedSerials").toStringList().size(), 3);
-        click(item("scanAddButton"));
+        QVERIFY(QuickItems::click(item("scanAddButton")));
         QTRY_VERIFY(!scanDialog()->property("visible").toBool());
         QTRY_COMPARE(group()->deviceCount(), 3);
         QTRY_COMPARE(text(item("deviceCountText")), QString("Devices: 3"));
@@ -197,7 +162,7 @@ private slots:
         QMetaObject::invokeMethod(dialog, "open");
         QTRY_VERIFY(dialog->property("opened").toBool());
         item("adbCommandInput")->setProperty("text", "shell echo rack");
-        click(item("adbCommandExecute"));
+        QVERIFY(QuickItems::click(item("adbCommandExecute")));
         QTRY_COMPARE_WITH_TIMEOUT(text(item("operationSummary")), QString("3 done"), 15000);
         QCOMPARE(item("operationRows")->property("count").toInt(), 3);
         QVERIFY(!item("operationCancel")->isEnabled());
@@ -208,7 +173,7 @@ private slots:
     void startAllShowsEveryPhoneLive()
     {
         ensurePhonesInGroup();
-        click(item("startAllButton"));
+        QVERIFY(QuickItems::click(item("startAllButton")));
         // Every cell shows its own phone: lit, and each in another colour (phonesim colours them by index).
         QSet<QRgb> colours;
         const QRegularExpression fps("^\\d+\\.\\d FPS$");
@@ -252,7 +217,7 @@ private slots:
 
         // A press in the cell lands at the same place on the phone's picture.
         QQuickItem *video = cellItem(serial, "videoItem");
-        click(video, 0.25);
+        QVERIFY(QuickItems::click(video, 0.5, 0.25));
         QTRY_COMPARE_WITH_TIMEOUT(sent("InjectTouchEvent").size(), 2, 5000);
         QVERIFY(nearQuarter(sent("InjectTouchEvent").first()));
         // Keys go to the phone under focus: the one just touched.
@@ -276,43 +241,26 @@ private slots:
         QCOMPARE(controls(other, "InjectTouchEvent").size(), otherTouches);
     }
 
-    void phraseAndProfileChosenOnTheCellAct()
+    // The picker's choice of profile is tst_deviceview's; the paste needs a running phone.
+    void phraseChosenOnTheCellIsPastedThere()
     {
         ensureRunning();
-        Device *device = group()->devices().at(0);
-        const QString serial = device->adbConnectionSerial();
-        QQuickItem *cell = item("deviceView_" + serial);
+        const QString serial = group()->devices().at(0)->adbConnectionSerial();
+        const QString other = group()->devices().at(1)->adbConnectionSerial();
         CommonPhraseManager *phrases = CommonPhraseManager::instance();
         phrases->addCategory("Farm");
         const QString category = phrases->getCategoriesList().last()->id();
         phrases->addPhrase("收菜 ok", category);
         phrases->setCurrentCategoryId(category);
-        const QString other = group()->devices().at(1)->adbConnectionSerial();
         const qsizetype before = controls(serial, "SetClipboard").size();
         const qsizetype otherBefore = controls(other, "SetClipboard").size();
-
-        // The phrase chosen in the cell's list is pasted on that phone only.
-        QMetaObject::invokeMethod(shownWith("tip", "Select Phrase", cell), "clicked");
+        QMetaObject::invokeMethod(shownWith("tip", "Select Phrase", item("deviceView_" + serial)), "clicked");
         QQuickItem *phrase = nullptr;
         QTRY_VERIFY((phrase = shownWith("text", "收菜 ok")));
-        click(phrase);
+        QVERIFY(QuickItems::click(phrase));
         QTRY_COMPARE_WITH_TIMEOUT(controls(serial, "SetClipboard").size(), before + 1, 5000);
         QCOMPARE(controls(serial, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));
         QCOMPARE(controls(other, "SetClipboard").size(), otherBefore);
-
-        // The profile picker switches the phone's key mapping, and its button says which.
-        KeyMapping::instance()->removeProfile("Cell");
-        QVERIFY(KeyMapping::instance()->addProfile("Cell"));
-        QMetaObject::invokeMethod(shownWith("tip", "Key Mapping", cell), "clicked");
-        QQuickItem *profile = nullptr;
-        QTRY_VERIFY((profile = shownWith("text", "Cell")));
-        click(profile);
-        QVERIFY(device->currentKeyMappingProfile());
-        QCOMPARE(device->currentKeyMappingProfile()->name(), QString("Cell"));
-        QVERIFY(shownWith("tip", "KeyMapping: Cell"));
-        // The test's own data leaves the files as they were.
-        device->setCurrentKeyMappingProfile(nullptr);
-        KeyMapping::instance()->removeProfile("Cell");
         phrases->removeCategory(category);
     }
 
@@ -322,7 +270,7 @@ private slots:
         // Screen readers and UI automation read what a button does, never a bare glyph; what is
         // hidden is not read out.
         const auto shownButtons = [this] {
-            return items([](QQuickItem *i) { return i->inherits("QQuickAbstractButton"); }, nullptr, true);
+            return QuickItems::find(window()->contentItem(), [](QQuickItem *i) { return i->inherits("QQuickAbstractButton"); }, true);
         };
         const auto unnamed = [this](const QList<QQuickItem *> &buttons) {
             QStringList found;
@@ -359,7 +307,7 @@ private slots:
         group()->setMaxSizeBigView(800);
         Device *device = group()->devices().at(1);
         const QString serial = device->adbConnectionSerial();
-        click(cellItem(serial, "bigViewButton"));
+        QVERIFY(QuickItems::click(cellItem(serial, "bigViewButton")));
         QVERIFY(device->isBigView());
         QTRY_VERIFY(bigWindow(serial));
         QQuickWindow *big = bigWindow(serial);
@@ -394,12 +342,12 @@ private slots:
         QQuickItem *toggle = item("groupControlButton");
         const QList<Device *> devices = group()->devices();
         QCOMPARE(text(toggle), QString("Start Group Control"));
-        click(toggle);
+        QVERIFY(QuickItems::click(toggle));
         QVERIFY(group()->groupControlMode());
         QCOMPARE(text(toggle), QString("🚩 Group Controlling"));
         QVERIFY(cellItem(devices.at(0)->adbConnectionSerial(), "hostFlag")->isVisible());
         QVERIFY(!cellItem(devices.at(1)->adbConnectionSerial(), "hostFlag")->isVisible());
-        click(toggle);
+        QVERIFY(QuickItems::click(toggle));
         QVERIFY(!group()->groupControlMode());
         QCOMPARE(text(toggle), QString("Start Group Control"));
         QVERIFY(!cellItem(devices.at(0)->adbConnectionSerial(), "hostFlag")->isVisible());
@@ -408,7 +356,7 @@ private slots:
     void stopAllStopsEveryPhone()
     {
         ensureRunning();
-        click(item("stopAllButton"));
+        QVERIFY(QuickItems::click(item("stopAllButton")));
         for (Device *device : group()->devices()) {
             QTRY_VERIFY_WITH_TIMEOUT(!device->running(), 10000);
             QVERIFY(cellItem(device->adbConnectionSerial(), "clickToStart")->isVisible());
@@ -418,12 +366,11 @@ private slots:
 
     void cleanupTestCase()
     {
-        const QStringList warnings = qmlWarnings;
+        const QStringList warnings = m_warnings->all();
         delete m_engine;
-        m_engine = nullptr;
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         m_fixture.reset();
-        qInstallMessageHandler(previousHandler);
+        m_warnings.reset();
         QVERIFY2(warnings.isEmpty(), qPrintable(warnings.join("\n")));
     }
 };
