@@ -1,9 +1,9 @@
 #include "appstartup.h"
 #include "commonphrasemanager.h"
+#include "controlmessages.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
-#include "phonefixture.h"
 #include "qmlwarnings.h"
 #include "quickitems.h"
 
@@ -66,17 +66,9 @@ class TestPhoneGrid : public QObject
     QObject *scanDialog() const { return window()->findChild<QObject *>("scanDialog"); }
     QString text(QQuickItem *item) const { return item->property("text").toString(); }
 
-    // The control messages of one type that the phone with this serial received.
     QList<QJsonObject> controls(const QString &serial, const QString &type) const
     {
-        QList<QJsonObject> found;
-        for (const auto &p : m_fixture->phones()) {
-            for (const QJsonObject &line : p->serial() == serial ? p->journal("control") : QList<QJsonObject>()) {
-                if (line.value("type").toString() == type)
-                    found << line;
-            }
-        }
-        return found;
+        return controlMessages(*m_fixture, serial, type);
     }
 
     void ensurePhonesInGroup()
