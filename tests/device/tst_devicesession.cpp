@@ -57,31 +57,20 @@ Probe probe(const QString &path)
 
 constexpr double ToneHz = 440.0;
 
-// The frequency of the tone in interleaved 48 kHz stereo s16 PCM, from the left channel's rising
-// zero crossings; 0 when there are fewer than a few hundred milliseconds of sound.
+// The tone's frequency in interleaved 48 kHz stereo s16 PCM, from the left channel's rising zero
+// crossings; 0 with less than a quarter of a second between the first and the last.
 double toneFrequency(const QByteArray &pcm)
 {
     const auto *samples = reinterpret_cast<const qint16 *>(pcm.constData());
-    const qsizetype frames = pcm.size() / 4;
-    qsizetype start = 0;
-    // Leading silence (before the first packet reached the sink) says nothing about the tone.
-    while (start < frames && qAbs(samples[2 * start]) < 500)
-        ++start;
-    if (frames - start < 48000 / 4)
-        return 0;
-    double first = -1, last = -1;
-    int crossings = 0;
-    for (qsizetype i = start + 1; i < frames; ++i) {
-        const int a = samples[2 * (i - 1)], b = samples[2 * i];
-        if (a < 0 && b >= 0) {
-            const double at = double(i - 1) + double(-a) / double(b - a);
-            if (first < 0)
-                first = at;
-            last = at;
+    qsizetype first = -1, last = -1, crossings = 0;
+    for (qsizetype i = 1; i < pcm.size() / 4; ++i) {
+        if (samples[2 * (i - 1)] < 0 && samples[2 * i] >= 0) {
+            first = first < 0 ? i : first;
+            last = i;
             ++crossings;
         }
     }
-    return crossings < 2 ? 0 : (crossings - 1) * 48000.0 / (last - first);
+    return last - first < 48000 / 4 ? 0 : (crossings - 1) * 48000.0 / double(last - first);
 }
 
 } // namespace
@@ -131,20 +120,15 @@ private slots:
         // A null sink stands in for the speakers; it must be known before the first audio output opens.
         const QString dir = m_pulseDir.path();
         QVERIFY(QDir().mkpath(dir + "/runtime"));
-        QFile config(dir + "/default.pa");
-        QVERIFY(config.open(QIODevice::WriteOnly));
-        config.write(QString("load-module module-native-protocol-unix socket=%1/runtime/native auth-anonymous=1\n"
-                             "load-module module-null-sink sink_name=korvel_test rate=48000 channels=2\n"
-                             "set-default-sink korvel_test\n").arg(dir).toUtf8());
-        config.close();
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("HOME", dir);
         env.insert("XDG_RUNTIME_DIR", dir + "/runtime");
         m_pulse.setProcessEnvironment(env);
         m_pulse.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_pulse.start("pulseaudio", {"-n", "--daemonize=no", "--system=false", "--exit-idle-time=-1",
-                                     "--disallow-exit", "--use-pid-file=false", "--disable-shm=yes",
-                                     "--log-target=stderr", "--log-level=error", "-F", config.fileName()});
+        m_pulse.start("pulseaudio", {"-n", "--daemonize=no", "--system=false", "--exit-idle-time=-1", "--disallow-exit",
+                                     "--use-pid-file=false", "--disable-shm=yes", "--log-target=stderr", "--log-level=error",
+                                     "-L", "module-native-protocol-unix socket=" + dir + "/runtime/native auth-anonymous=1",
+                                     "-L", "module-null-sink sink_name=korvel_test rate=48000 channels=2"});
         QVERIFY2(m_pulse.waitForStarted(), "pulseaudio did not start");
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(dir + "/runtime/native"), 10000);
         qputenv("PULSE_SERVER", ("unix:" + dir + "/runtime/native").toUtf8());
