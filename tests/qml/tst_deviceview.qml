@@ -34,30 +34,13 @@ KorvelTestCase {
         verify(!findChild(cell.view, "hostFlag").visible)
     }
 
-    function test_messageStrip_data() {
-        return [
-            { tag: "error", type: "error", color: ColorManager.error },
-            { tag: "success", type: "success", color: ColorManager.success },
-            { tag: "info", type: "info", color: ColorManager.info }
-        ]
-    }
-
-    function test_messageStrip(data) {
-        const cell = makeView()
-        const strip = findChild(cell.view, "messageStrip")
-        verify(!strip.visible)
-        cell.device.deviceMessage("Screenshot Saved", data.type, 150)
-        verify(strip.visible)
-        compare(strip.text, "Screenshot Saved")
-        verify(Qt.colorEqual(strip.color, data.color), strip.color + " vs " + data.color)
-        tryVerify(() => !strip.visible, 2000)
-    }
-
+    // A message hides by itself after its time; a new one replaces it and starts its own time.
     function test_newMessageRestartsTheTimer() {
         const cell = makeView()
         const control = makeView({ x: 220 })
         const strip = findChild(cell.view, "messageStrip")
         const controlStrip = findChild(control.view, "messageStrip")
+        verify(!strip.visible)
         cell.device.deviceMessage("Uploading File", "info", 1000)
         control.device.deviceMessage("Uploading File", "info", 500)
         tryVerify(() => !controlStrip.visible, 5000)
@@ -90,16 +73,22 @@ KorvelTestCase {
         // Recording is offered on every bound phone; it reads the phone's own recorder.
         verify(button("Record Video").enabled)
         compare(device.videoRecorder.isRecording, false)
-        // The profile picked from the button is this phone's, and the button names it.
+        // The profile picked from the button is this phone's, and the button names it; "no key
+        // map" takes it off again.
         KeyMapping.removeProfile("Cell")
         KeyMapping.addProfile("Cell")
-        click(button("Key Mapping"))
-        let profile = null
-        tryVerify(() => (profile = itemWithText(testCase.Window.window.contentItem, "Cell")))
-        click(profile)
+        const picked = (tip, entry) => {
+            click(button(tip))
+            let item = null
+            tryVerify(() => (item = entry()))
+            click(item)
+        }
+        const overlay = testCase.Window.window.contentItem
+        picked("Key Mapping", () => itemWithText(overlay, "Cell"))
         compare(device.currentKeyMappingProfile.name, "Cell")
-        verify(button("KeyMapping: Cell"))
-        device.currentKeyMappingProfile = null
+        picked("KeyMapping: Cell", () => findChild(overlay, "noKeyMap"))
+        compare(device.currentKeyMappingProfile, null)
+        verify(button("Key Mapping"))
         KeyMapping.removeProfile("Cell")
     }
 

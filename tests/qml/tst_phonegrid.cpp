@@ -328,23 +328,6 @@ private slots:
         QTRY_COMPARE(device->showSize(), cellItem(serial, "videoItem")->size().toSize());
     }
 
-    void groupControlToggle()
-    {
-        ensurePhonesInGroup();
-        QQuickItem *toggle = item("groupControlButton");
-        const QList<Device *> devices = group()->devices();
-        QCOMPARE(text(toggle), QString("Start Group Control"));
-        QVERIFY(QuickItems::click(toggle));
-        QVERIFY(group()->groupControlMode());
-        QCOMPARE(text(toggle), QString("🚩 Group Controlling"));
-        QVERIFY(cellItem(devices.at(0)->adbConnectionSerial(), "hostFlag")->isVisible());
-        QVERIFY(!cellItem(devices.at(1)->adbConnectionSerial(), "hostFlag")->isVisible());
-        QVERIFY(QuickItems::click(toggle));
-        QVERIFY(!group()->groupControlMode());
-        QCOMPARE(text(toggle), QString("Start Group Control"));
-        QVERIFY(!cellItem(devices.at(0)->adbConnectionSerial(), "hostFlag")->isVisible());
-    }
-
     void stopAllStopsEveryPhone()
     {
         ensureRunning();

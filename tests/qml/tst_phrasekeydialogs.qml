@@ -11,8 +11,7 @@ KorvelTestCase {
 
     // What an earlier, interrupted run left in the files.
     function initTestCase() {
-        for (const name of ["Harvest", "Picker"])
-            KeyMapping.removeProfile(name)
+        KeyMapping.removeProfile("Harvest")
         for (const category of CommonPhraseManager.getCategoriesList()) {
             if (category.name === "Farm chat" || category.name === "Replies")
                 CommonPhraseManager.removeCategory(category.id)
@@ -22,8 +21,6 @@ KorvelTestCase {
     Component { id: phrasesComponent; CommonPhrasesDialog {} }
     Component { id: selectionComponent; PhraseSelectionDialog {} }
     Component { id: keyMappingComponent; KeyMappingDialog {} }
-    Component { id: pickerComponent; KeyMapProfilePicker {} }
-    Component { id: deviceComponent; Device {} }
     SignalSpy { id: selectedSpy; signalName: "phraseSelected" }
 
     function confirmDelete(dialog) {
@@ -126,18 +123,5 @@ KorvelTestCase {
         confirmDelete(dialog)
         verify(!KeyMapping.hasProfile("Harvest"))
         dialog.close()
-    }
-
-    function test_profilePickerSwitchesThePhone() {
-        KeyMapping.addProfile("Picker")
-        const device = createTemporaryObject(deviceComponent, testCase)
-        let dialog = openDialog(pickerComponent, { device: device })
-        click(itemWithText(dialog, "Picker"))
-        compare(device.currentKeyMappingProfile.name, "Picker")
-        tryVerify(() => !dialog.visible)
-        dialog = openDialog(pickerComponent, { device: device })
-        click(findChild(dialog, "noKeyMap"))
-        compare(device.currentKeyMappingProfile, null)
-        KeyMapping.removeProfile("Picker")
     }
 }
