@@ -62,14 +62,4 @@ KorvelTestCase {
         verify(!group.groupControlMode)
         compare(toggle.text, "Start Group Control")
     }
-
-    function test_moreGroupActionsButtonOpensItsMenu() {
-        const grid = makeGrid(createTemporaryObject(groupComponent, testCase))
-        const menu = findChild(grid, "moreGroupActionsMenu")
-        click(findChild(grid, "moreGroupActionsButton"))
-        tryVerify(() => menu.opened)
-        compare(menu.itemAt(0).text, "Screenshot")
-        menu.close()
-        tryVerify(() => !menu.visible)
-    }
 }
