@@ -114,14 +114,11 @@ private slots:
     void scanAddsTheCheckedPhones()
     {
         QCOMPARE(text(item("deviceCountText")), QString("Devices: 0"));
-        QQuickItem *scan = item("scanButton");
-        QVERIFY(scan->isVisible());
-        QCOMPARE(text(scan), QString("No Devices In This Group, Click To Scan"));
-        QVERIFY(QuickItems::click(scan));
+        QCOMPARE(text(item("scanButton")), QString("No Devices In This Group, Click To Scan"));
+        QVERIFY(QuickItems::click(item("scanButton")));
         QTRY_VERIFY(scanDialog()->property("opened").toBool());
         QTRY_COMPARE_WITH_TIMEOUT(item("scanDeviceList")->property("count").toInt(), 3, 15000);
         QTRY_VERIFY(!manager()->isScanning());
-        QVERIFY(!item("noDevicesText")->isVisible());
         for (const QString &serial : m_serials)
             QVERIFY2(item("scanRow_" + serial), qPrintable(serial));
         QCOMPARE(text(item("scanSelectAll")), QString("Select All (3)"));
