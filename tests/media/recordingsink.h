@@ -22,23 +22,16 @@ struct SeenPacket
     }
 };
 
-// Keeps a copy of every packet it is handed and writes its name to a log shared between sinks,
-// so a test can see the order in which the sinks were called.
+// Keeps a copy of every packet and writes its name to a log shared between sinks, so a test sees
+// the order in which the sinks were called.
 class RecordingSink : public PacketSink
 {
 public:
-    explicit RecordingSink(QString name = QString(), QStringList *log = nullptr)
-        : m_name(std::move(name)), m_log(log)
-    {
-    }
+    explicit RecordingSink(QString name = {}, QStringList *log = nullptr) : m_name(std::move(name)), m_log(log) {}
     void pushPacket(const AVPacket *packet) override
     {
-        SeenPacket seen;
-        seen.data = QByteArray(reinterpret_cast<const char *>(packet->data), packet->size);
-        seen.pts = packet->pts;
-        seen.dts = packet->dts;
-        seen.key = packet->flags & AV_PKT_FLAG_KEY;
-        packets.append(seen);
+        packets.append({QByteArray(reinterpret_cast<const char *>(packet->data), packet->size), packet->pts,
+                        packet->dts, bool(packet->flags & AV_PKT_FLAG_KEY)});
         if (m_log)
             m_log->append(m_name);
     }

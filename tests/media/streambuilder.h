@@ -1,22 +1,21 @@
 #pragma once
 
-#include <QByteArray>
+#include "h264encoder.h"
+#include "streamframing.h"
+
 #include <QtEndian>
 
-// Bytes as the phone's server sends them on the video socket.
+// Bytes as the phone's server sends them on the video socket; packet headers are raw so that a
+// test may lie about flags or sizes.
 namespace StreamBuilder {
 
-inline QByteArray header(const QByteArray &deviceName, const QByteArray &codecId, quint32 width, quint32 height)
+constexpr quint64 ConfigFlag = StreamFraming::configFlag;
+constexpr quint64 KeyFlag = StreamFraming::keyFrameFlag;
+
+inline QByteArray header(const QString &name, const QByteArray &codecId, int width, int height)
 {
-    QByteArray bytes = deviceName.left(64);
-    bytes.append(QByteArray(64 - bytes.size(), '\0'));
-    bytes.append(codecId.left(4).leftJustified(4, '\0'));
-    char be[4];
-    qToBigEndian(width, be);
-    bytes.append(be, 4);
-    qToBigEndian(height, be);
-    bytes.append(be, 4);
-    return bytes;
+    return StreamFraming::deviceName(name)
+           + StreamFraming::videoHeader(qFromBigEndian<quint32>(codecId.constData()), QSize(width, height));
 }
 
 inline QByteArray packetHeader(quint64 ptsAndFlags, quint32 size)
@@ -32,7 +31,43 @@ inline QByteArray packet(quint64 ptsAndFlags, const QByteArray &payload)
     return packetHeader(ptsAndFlags, quint32(payload.size())) + payload;
 }
 
-constexpr quint64 ConfigFlag = quint64(1) << 63;
-constexpr quint64 KeyFlag = quint64(1) << 62;
+// A clip from phonesim's encoder: its configuration packet, then one packet per picture. At fps
+// frames a second the encoder places a key frame every 10 * fps pictures.
+struct H264Clip
+{
+    QSize size;
+    QByteArray config;
+    QList<H264Encoder::Packet> pictures;
+
+    QByteArray packet(int i) const
+    {
+        return StreamFraming::packet(pictures[i].data, pictures[i].ptsUs, false, pictures[i].keyFrame);
+    }
+    // The stream header, the configuration and the pictures before `end`.
+    QByteArray stream(int end) const
+    {
+        QByteArray bytes = header("test phone", "h264", size.width(), size.height())
+                           + StreamFraming::packet(config, 0, true, false);
+        for (int i = 0; i < end; ++i)
+            bytes += packet(i);
+        return bytes;
+    }
+};
+
+inline H264Clip encodeClip(const QSize &size, int count, int fps = 30)
+{
+    H264Clip clip{size, {}, {}};
+    H264Encoder encoder;
+    QString error;
+    if (!encoder.open(size, 1000000, fps, &error))
+        qWarning("%s", qPrintable(error));
+    clip.config = encoder.config();
+    QImage picture(size, QImage::Format_RGB32);
+    for (int i = 0; encoder.isOpen() && i < count; ++i) {
+        picture.fill(QColor(60 + 4 * i, 120, 180));
+        encoder.encode(picture, i * 33333, &clip.pictures);
+    }
+    return clip;
+}
 
 } // namespace StreamBuilder

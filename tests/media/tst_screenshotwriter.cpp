@@ -1,5 +1,8 @@
+#include "appconfig.h"
 #include "screenshotwriter.h"
 
+#include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QtTest>
 
 extern "C" {
@@ -9,10 +12,11 @@ extern "C" {
 #include <memory>
 
 namespace {
+
 using FramePtr = std::unique_ptr<AVFrame, void (*)(AVFrame *)>;
 
-// A grey picture of one colour: luma `y`, neutral chroma.
-FramePtr greyFrame(int width, int height, int y)
+// A grey 4:2:0 picture, luma topY in its upper half and bottomY in its lower half.
+FramePtr greyFrame(int width, int height, int topY, int bottomY)
 {
     FramePtr frame(av_frame_alloc(), [](AVFrame *f) { av_frame_free(&f); });
     frame->width = width;
@@ -20,58 +24,115 @@ FramePtr greyFrame(int width, int height, int y)
     frame->format = AV_PIX_FMT_YUV420P;
     if (av_frame_get_buffer(frame.get(), 0) < 0)
         return frame;
-    for (int plane = 0; plane < 3; ++plane) {
-        const int rows = plane == 0 ? height : (height + 1) / 2;
-        memset(frame->data[plane], plane == 0 ? y : 128, size_t(frame->linesize[plane]) * size_t(rows));
-    }
+    for (int row = 0; row < height; ++row)
+        memset(frame->data[0] + row * frame->linesize[0], row < height / 2 ? topY : bottomY, size_t(width));
+    for (int plane = 1; plane < 3; ++plane)
+        memset(frame->data[plane], 128, size_t(frame->linesize[plane]) * size_t((height + 1) / 2));
     return frame;
 }
+
+// Grey of about the given video luma (16..235 as 0..255), as a pixel of the converted image.
+bool greyOf(const QColor &pixel, int luma)
+{
+    return qAbs(pixel.red() - pixel.blue()) < 12 && qAbs(pixel.green() - (luma - 16) * 255 / 219) < 12;
 }
+
+} // namespace
 
 class TestScreenshotWriter : public QObject
 {
     Q_OBJECT
 
+    QTemporaryDir m_temp;
+    QString m_folder;
+
 private slots:
-    // Two phones' writers take turns with pictures of two shapes, as a rotated phone sends them.
+    void initTestCase()
+    {
+        // Missing on purpose: the first screenshot creates it with its parents.
+        m_folder = m_temp.path() + "/shots/nested/";
+        AppConfig::instance()->setScreenshotSavePath(m_temp.path() + "/shots/nested");
+    }
+
+    void savedAsJpeg_data()
+    {
+        QTest::addColumn<QSize>("picture");
+        QTest::addColumn<QSize>("saved");
+        QTest::addColumn<QString>("serial");
+        QTest::newRow("portrait kept") << QSize(1080, 2400) << QSize(1080, 2400) << "R58M12ABCDE";
+        QTest::newRow("landscape to 1920") << QSize(2400, 1080) << QSize(1920, 864) << "R58M12ABCDE";
+        QTest::newRow("height truncated") << QSize(2401, 1080) << QSize(1920, 863) << "R58M12ABCDE";
+        QTest::newRow("exactly 1920 kept") << QSize(1920, 1080) << QSize(1920, 1080) << "R58M12ABCDE";
+        // The serial names the file verbatim, colon and dots included.
+        QTest::newRow("odd small") << QSize(721, 1601) << QSize(721, 1601) << "192.168.1.20:5555";
+    }
+
+    void savedAsJpeg()
+    {
+        QFETCH(QSize, picture);
+        QFETCH(QSize, saved);
+        QFETCH(QString, serial);
+        ScreenshotWriter writer;
+        QString path;
+        QVERIFY(writer.save(greyFrame(picture.width(), picture.height(), 220, 40).get(), m_folder, serial, &path));
+        const QRegularExpressionMatch name = QRegularExpression(
+            "^" + QRegularExpression::escape(m_folder + serial) + "_(\\d{8}_\\d{6})_([1-9]\\d{3})\\.jpg$").match(path);
+        QVERIFY2(name.hasMatch(), qPrintable(path));
+        QVERIFY(QDateTime::fromString(name.captured(1), "yyyyMMdd_hhmmss").isValid());
+        QVERIFY(name.captured(2).toInt() <= 9998);
+        const QImage image(path, "JPEG");
+        QCOMPARE(image.size(), saved);
+        // Bright above, dark below: the rows were converted in order and not flipped.
+        QVERIFY(greyOf(image.pixelColor(saved.width() / 2, saved.height() / 4), 220));
+        QVERIFY(greyOf(image.pixelColor(saved.width() / 2, saved.height() * 3 / 4), 40));
+    }
+
+    void failedSaveReportsPath()
+    {
+        ScreenshotWriter writer;
+        QString path;
+        // A serial naming a folder that does not exist makes the save fail.
+        QVERIFY(!writer.save(greyFrame(64, 64, 100, 100).get(), m_folder, "no/such/folder", &path));
+        QVERIFY(path.startsWith(m_folder + "no/such/folder_"));
+        QVERIFY(!QFileInfo::exists(path));
+    }
+
+    void folderReadOncePerProcess()
+    {
+        const QString first = ScreenshotWriter::folder();
+        AppConfig::instance()->setScreenshotSavePath(m_temp.path() + "/elsewhere");
+        QCOMPARE(ScreenshotWriter::folder(), first);
+        QCOMPARE(first, m_folder);
+    }
+
+    // Two phones' writers take turns with pictures of several shapes, as a rotated phone sends them,
+    // and with frames they cannot use.
     void eachWriterFollowsItsOwnFrames()
     {
         ScreenshotWriter first;
         ScreenshotWriter second;
-        const FramePtr wide = greyFrame(96, 48, 200);
-        const FramePtr tall = greyFrame(48, 96, 60);
-        const FramePtr large = greyFrame(2400, 1080, 120);
+        const FramePtr wide = greyFrame(96, 48, 200, 60);
+        const FramePtr tall = greyFrame(48, 96, 200, 60);
+        const FramePtr large = greyFrame(2400, 1080, 200, 60);
+        FramePtr bad = greyFrame(32, 32, 200, 60);
+        bad->format = AV_PIX_FMT_NONE;
         const struct
         {
             ScreenshotWriter *writer;
             const AVFrame *frame;
-            QSize size;
+            QSize size; // 0 x 0: no image
         } steps[] = {
-            {&first, wide.get(), {96, 48}},   {&second, tall.get(), {48, 96}},  {&first, tall.get(), {48, 96}},
-            {&second, wide.get(), {96, 48}},  {&first, large.get(), {1920, 864}}, {&first, wide.get(), {96, 48}},
+            {&first, wide.get(), {96, 48}},   {&second, tall.get(), {48, 96}}, {&first, tall.get(), {48, 96}},
+            {&second, wide.get(), {96, 48}},  {&first, large.get(), {1920, 864}}, {&first, nullptr, {0, 0}},
+            {&first, bad.get(), {0, 0}},      {&first, wide.get(), {96, 48}},
         };
         for (const auto &step : steps) {
             const QImage image = step.writer->toImage(step.frame);
             QCOMPARE(image.size(), step.size);
-            const int luma = step.frame->data[0][0];
-            // Every corner carries the frame's grey, the last row included.
-            for (const QPoint corner : {QPoint(0, 0), QPoint(step.size.width() - 1, step.size.height() - 1)}) {
-                const QColor pixel = image.pixelColor(corner);
-                QVERIFY2(qAbs(pixel.red() - pixel.blue()) < 8 && qAbs(pixel.green() - (luma - 16) * 255 / 219) < 12,
-                         qPrintable(QString("%1 at %2,%3").arg(pixel.name()).arg(corner.x()).arg(corner.y())));
-            }
+            // The first and the last row are the frame's own.
+            QVERIFY(image.isNull() || greyOf(image.pixelColor(0, 0), 200));
+            QVERIFY(image.isNull() || greyOf(image.pixelColor(step.size.width() - 1, step.size.height() - 1), 60));
         }
-    }
-
-    void unusableFramesGiveNoImage()
-    {
-        ScreenshotWriter writer;
-        QVERIFY(writer.toImage(nullptr).isNull());
-        FramePtr bad = greyFrame(32, 32, 100);
-        bad->format = AV_PIX_FMT_NONE;
-        QVERIFY(writer.toImage(bad.get()).isNull());
-        // The writer recovers with the next good frame.
-        QCOMPARE(writer.toImage(greyFrame(32, 32, 100).get()).size(), QSize(32, 32));
     }
 };
 

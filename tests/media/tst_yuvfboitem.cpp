@@ -14,77 +14,40 @@ extern "C" {
 
 namespace {
 
-struct Rgb
-{
-    int r, g, b;
-};
+// The quadrants' colours, top-left, top-right, bottom-left, bottom-right, then the window below.
+const QList<QColor> Colours{{200, 40, 40}, {40, 180, 60}, {50, 70, 200}, {220, 210, 60}, Qt::magenta};
 
-struct Yuv
+// BT.601 RGB to Y, Cb or Cr (channel 0, 1, 2), full range (JPEG) or limited range as video uses.
+uchar toYuv(const QColor &c, int channel, bool fullRange)
 {
-    uchar y, u, v;
-};
-
-uchar clampByte(double value)
-{
-    return uchar(qBound(0, int(std::lround(value)), 255));
+    const double v[3] = {0.299 * c.red() + 0.587 * c.green() + 0.114 * c.blue(),
+                         -0.168736 * c.red() - 0.331264 * c.green() + 0.5 * c.blue(),
+                         0.5 * c.red() - 0.418688 * c.green() - 0.081312 * c.blue()};
+    const double scaled = fullRange ? v[channel] + (channel ? 128 : 0)
+                                    : channel ? 128 + v[channel] * 224 / 255 : 16 + v[channel] * 219 / 255;
+    return uchar(qBound(0, int(std::lround(scaled)), 255));
 }
 
-// BT.601 RGB to YCbCr, full range (JPEG) or limited range (16..235, 16..240) as video uses.
-Yuv toYuv(Rgb c, bool fullRange)
+// A decoded 4:2:0 picture with the four colours in its quadrants and `padding` bytes after each row.
+void publish(FrameHandoff &handoff, int w, int h, int padding = 0, bool fullRange = true)
 {
-    const double y = 0.299 * c.r + 0.587 * c.g + 0.114 * c.b;
-    const double cb = -0.168736 * c.r - 0.331264 * c.g + 0.5 * c.b;
-    const double cr = 0.5 * c.r - 0.418688 * c.g - 0.081312 * c.b;
-    if (fullRange)
-        return {clampByte(y), clampByte(cb + 128), clampByte(cr + 128)};
-    return {clampByte(16 + y * 219 / 255), clampByte(128 + cb * 224 / 255), clampByte(128 + cr * 224 / 255)};
-}
-
-const Rgb TopLeft{200, 40, 40};
-const Rgb TopRight{40, 180, 60};
-const Rgb BottomLeft{50, 70, 200};
-const Rgb BottomRight{220, 210, 60};
-
-// A 4:2:0 decoded picture whose quadrants have the four colours above, with padded rows.
-struct Picture
-{
-    Picture(int w, int h, int padding = 0, bool fullRange = true)
-        : frame(av_frame_alloc())
-    {
-        const int cw = (w + 1) / 2, ch = (h + 1) / 2;
-        frame->format = AV_PIX_FMT_YUV420P;
-        frame->color_range = fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
-        frame->width = w;
-        frame->height = h;
-        frame->linesize[0] = w + padding;
-        frame->linesize[1] = frame->linesize[2] = cw + padding;
-        av_frame_get_buffer(frame, 0);
-        auto colourAt = [&](bool left, bool top) { return top ? (left ? TopLeft : TopRight) : (left ? BottomLeft : BottomRight); };
-        for (int row = 0; row < h; ++row)
-            for (int col = 0; col < w; ++col)
-                frame->data[0][row * frame->linesize[0] + col] = toYuv(colourAt(col < w / 2, row < h / 2), fullRange).y;
-        for (int row = 0; row < ch; ++row)
-            for (int col = 0; col < cw; ++col) {
-                const Yuv c = toYuv(colourAt(2 * col < w / 2, 2 * row < h / 2), fullRange);
-                frame->data[1][row * frame->linesize[1] + col] = c.u;
-                frame->data[2][row * frame->linesize[2] + col] = c.v;
-            }
+    AVFrame *frame = av_frame_alloc();
+    frame->format = AV_PIX_FMT_YUV420P;
+    frame->color_range = fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+    frame->width = w;
+    frame->height = h;
+    for (int plane = 0; plane < 3; ++plane)
+        frame->linesize[plane] = (plane ? (w + 1) / 2 : w) + padding;
+    av_frame_get_buffer(frame, 0);
+    for (int plane = 0; plane < 3; ++plane) {
+        const int step = plane ? 2 : 1;
+        for (int row = 0; step * row < h; ++row)
+            for (int col = 0; step * col < w; ++col)
+                frame->data[plane][row * frame->linesize[plane] + col]
+                    = toYuv(Colours[(step * row < h / 2 ? 0 : 2) + (step * col < w / 2 ? 0 : 1)], plane, fullRange);
     }
-    ~Picture() { av_frame_free(&frame); }
-    void publishTo(FrameHandoff &handoff) const { handoff.publish(frame); }
-
-    AVFrame *frame;
-};
-
-bool near(const QColor &actual, Rgb expected, int tolerance = 6)
-{
-    return qAbs(actual.red() - expected.r) <= tolerance && qAbs(actual.green() - expected.g) <= tolerance
-           && qAbs(actual.blue() - expected.b) <= tolerance;
-}
-
-QString describe(const QColor &c)
-{
-    return QStringLiteral("(%1, %2, %3)").arg(c.red()).arg(c.green()).arg(c.blue());
+    handoff.publish(frame);
+    av_frame_free(&frame);
 }
 
 } // namespace
@@ -103,32 +66,24 @@ private:
         QCoreApplication::sendPostedEvents();
         return m_window->grabWindow();
     }
-    // Colours at the centres of the item's four quadrants (top-left, top-right, bottom-left,
-    // bottom-right), then the window background below the item. The item covers only the upper
-    // part of a magenta window, so the grabbed image itself shows which way up it is.
-    QList<QColor> quadrantColours()
+    // The item covers only the upper part of a magenta window, so the grabbed image itself shows
+    // which way up it is: compares the centres of the item's quadrants and the window below it.
+    void verifyColours(const QList<QColor> &expected, int tolerance)
     {
         const QImage image = grab();
         const int w = int(m_item->width()), h = int(m_item->height());
-        const QColor below = image.pixelColor(w / 2, (h + image.height()) / 2);
-        return {image.pixelColor(w / 4, h / 4), image.pixelColor(3 * w / 4, h / 4),
-                image.pixelColor(w / 4, 3 * h / 4), image.pixelColor(3 * w / 4, 3 * h / 4), below};
+        const QPoint at[5] = {{w / 4, h / 4}, {3 * w / 4, h / 4}, {w / 4, 3 * h / 4}, {3 * w / 4, 3 * h / 4},
+                              {w / 2, (h + image.height()) / 2}};
+        for (int i = 0; i < 5; ++i) {
+            const QColor c = image.pixelColor(at[i]);
+            const QColor e = expected[i];
+            QVERIFY2(qAbs(c.red() - e.red()) <= tolerance && qAbs(c.green() - e.green()) <= tolerance
+                         && qAbs(c.blue() - e.blue()) <= tolerance,
+                     qPrintable(QStringLiteral("spot %1 is (%2, %3, %4)").arg(i).arg(c.red()).arg(c.green()).arg(c.blue())));
+        }
     }
-    void verifyQuadrants()
-    {
-        const QList<QColor> colours = quadrantColours();
-        const Rgb expected[5] = {TopLeft, TopRight, BottomLeft, BottomRight, {255, 0, 255}};
-        for (int i = 0; i < 5; ++i)
-            QVERIFY2(near(colours[i], expected[i]),
-                     qPrintable(QStringLiteral("quadrant %1 is %2").arg(i).arg(describe(colours[i]))));
-    }
-    void verifyBlack()
-    {
-        const QList<QColor> colours = quadrantColours();
-        for (int i = 0; i < 4; ++i)
-            QVERIFY2(near(colours[i], {0, 0, 0}, 0), qPrintable(describe(colours[i])));
-        QVERIFY2(near(colours[4], {255, 0, 255}, 0), qPrintable(describe(colours[4])));
-    }
+    void verifyQuadrants() { verifyColours(Colours, 6); }
+    void verifyBlack() { verifyColours({Qt::black, Qt::black, Qt::black, Qt::black, Qt::magenta}, 0); }
 
     std::unique_ptr<QQuickWindow> m_window;
     std::unique_ptr<FrameHandoff> m_frames;
@@ -176,7 +131,7 @@ private slots:
         QFETCH(QSize, size);
         QFETCH(int, padding);
         QFETCH(bool, fullRange);
-        Picture(size.width(), size.height(), padding, fullRange).publishTo(*m_frames);
+        publish(*m_frames, size.width(), size.height(), padding, fullRange);
         verifyQuadrants();
     }
 
@@ -184,12 +139,12 @@ private slots:
     {
         verifyBlack();
         QCOMPARE(m_item->textureAllocations(), 0);
-        Picture(721, 1601).publishTo(*m_frames);
+        publish(*m_frames, 721, 1601);
         verifyQuadrants();
         m_frames->clear();
         verifyBlack();
         // ...until the next picture.
-        Picture(64, 64).publishTo(*m_frames);
+        publish(*m_frames, 64, 64);
         verifyQuadrants();
     }
 
@@ -198,7 +153,7 @@ private slots:
         QSignalSpy swaps(m_window.get(), &QQuickWindow::frameSwapped);
         QElapsedTimer clock;
         clock.start();
-        Picture(360, 800).publishTo(*m_frames);
+        publish(*m_frames, 360, 800);
         QTRY_COMPARE_WITH_TIMEOUT(m_item->uploads(), 1, 10000);
         const int quiet = int(3 * clock.elapsed()) + 100;
         // The frames already on their way (the new item's first one, the picture's) come and go;
@@ -236,25 +191,25 @@ private slots:
 
     void texturesReallocatedOnlyOnSizeChange()
     {
-        Picture(1080, 2400).publishTo(*m_frames);
+        publish(*m_frames, 1080, 2400);
         grab();
         QCOMPARE(m_item->textureAllocations(), 3);
         for (int i = 0; i < 3; ++i) {
-            Picture(1080, 2400, 8 * i).publishTo(*m_frames);
+            publish(*m_frames, 1080, 2400, 8 * i);
             grab();
         }
         QCOMPARE(m_item->textureAllocations(), 3);
 
         // Rotation: all three planes change size, once.
-        Picture(2400, 1080).publishTo(*m_frames);
+        publish(*m_frames, 2400, 1080);
         verifyQuadrants();
         QCOMPARE(m_item->textureAllocations(), 6);
-        Picture(2400, 1080).publishTo(*m_frames);
+        publish(*m_frames, 2400, 1080);
         grab();
         QCOMPARE(m_item->textureAllocations(), 6);
 
         // 2400 -> 2399 wide: the chroma planes stay 1200 wide, only luma is reallocated.
-        Picture(2399, 1080).publishTo(*m_frames);
+        publish(*m_frames, 2399, 1080);
         verifyQuadrants();
         QCOMPARE(m_item->textureAllocations(), 7);
     }

@@ -1,21 +1,14 @@
 import QtQuick
-import QtQuick.Controls
 import QtTest
 import Korvel
 
 // Every per-phone and per-group dialog, and the big view window, opens with its title and not a
 // single QML warning.
-TestCase {
+KorvelTestCase {
     id: testCase
     name: "DeviceDialogs"
-    when: windowShown
-    visible: true
     width: 1200
     height: 900
-
-    function init() {
-        failOnWarning(/.*/)
-    }
 
     DeviceGroup { id: testGroup }
     Device { id: testDevice }
@@ -26,16 +19,6 @@ TestCase {
     Component { id: renameComponent; DeviceRenameDialog { device: testDevice } }
     Component { id: bigViewComponent; BigDeviceView { device: testDevice } }
     Component { id: operationComponent; GroupOperationDialog { operation: testGroup.executeADBCommand("shell true") } }
-
-    function openAndClose(component, expectedTitle) {
-        const dialog = createTemporaryObject(component, testCase)
-        verify(dialog)
-        dialog.open()
-        tryVerify(() => dialog.opened)
-        compare(dialog.title, expectedTitle)
-        dialog.close()
-        tryVerify(() => !dialog.visible)
-    }
 
     function test_dialogsOpen_data() {
         return [
@@ -48,12 +31,14 @@ TestCase {
     }
 
     function test_dialogsOpen(data) {
-        openAndClose(data.component, data.title)
+        const dialog = openDialog(data.component)
+        compare(dialog.title, data.title)
+        dialog.close()
+        tryVerify(() => !dialog.visible)
     }
 
     function test_bigViewWindow() {
         const view = createTemporaryObject(bigViewComponent, testCase)
-        verify(view)
         view.show()
         tryVerify(() => view.visible)
         compare(view.title, "Big Screen")

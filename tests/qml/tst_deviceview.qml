@@ -3,26 +3,24 @@ import QtTest
 import Korvel
 
 // A phone cell before its session runs: its overlays, its status messages and its button column.
-TestCase {
+KorvelTestCase {
     id: testCase
     name: "DeviceView"
-    when: windowShown
-    visible: true
     width: 400
     height: 700
-
-    function init() {
-        failOnWarning(/.*/)
-    }
 
     Component { id: deviceComponent; Device {} }
     Component { id: viewComponent; DeviceView { width: 210; height: 324 } }
     Component { id: buttonsComponent; ControlButtons { width: 34; height: 640 } }
 
-    function makeView() {
+    function makeView(properties) {
         const device = createTemporaryObject(deviceComponent, testCase)
-        const view = createTemporaryObject(viewComponent, testCase, { device: device })
-        return { device: device, view: view }
+        return { device: device, view: createTemporaryObject(viewComponent, testCase,
+                                                             Object.assign({ device: device }, properties || {})) }
+    }
+
+    function buttons(column) {
+        return Array.from(findChild(column, "homeButton").parent.children).filter(child => child.tip !== undefined)
     }
 
     function test_stoppedPhoneOffersToStart() {
@@ -36,94 +34,72 @@ TestCase {
         verify(!findChild(cell.view, "hostFlag").visible)
     }
 
-    function test_messageStrip_data() {
-        return [
-            { tag: "error", type: "error", color: ColorManager.error },
-            { tag: "success", type: "success", color: ColorManager.success },
-            { tag: "info", type: "info", color: ColorManager.info }
-        ]
-    }
-
-    function test_messageStrip(data) {
+    // A message hides by itself after its time; a new one replaces it and starts its own time.
+    function test_newMessageRestartsTheTimer() {
         const cell = makeView()
+        const control = makeView({ x: 220 })
         const strip = findChild(cell.view, "messageStrip")
+        const controlStrip = findChild(control.view, "messageStrip")
         verify(!strip.visible)
-        cell.device.deviceMessage("Screenshot Saved", data.type, 150)
-        verify(strip.visible)
-        compare(strip.text, "Screenshot Saved")
-        verify(Qt.colorEqual(strip.color, data.color), strip.color + " vs " + data.color)
-        tryVerify(() => !strip.visible, 2000)
-    }
-
-    function test_newMessageReplacesAndRestartsTimer() {
-        const cell = makeView()
-        const strip = findChild(cell.view, "messageStrip")
-        cell.device.deviceMessage("Uploading File", "info", 300)
-        wait(200)
-        cell.device.deviceMessage("File upload failed", "error", 300)
-        wait(200)
-        // The first message's time is over, but the second one restarted the timer.
+        cell.device.deviceMessage("Uploading File", "info", 1000)
+        control.device.deviceMessage("Uploading File", "info", 500)
+        tryVerify(() => !controlStrip.visible, 5000)
+        cell.device.deviceMessage("File upload failed", "error", 1000)
+        // Gone at least 1100 ms after the first message: its time is over, the second one's is not.
+        control.device.deviceMessage("Uploading File", "info", 600)
+        tryVerify(() => !controlStrip.visible, 5000)
         verify(strip.visible)
         compare(strip.text, "File upload failed")
-        tryVerify(() => !strip.visible, 2000)
-    }
-
-    function test_closeButtonHidesMessage() {
-        const cell = makeView()
-        const strip = findChild(cell.view, "messageStrip")
-        cell.device.deviceMessage("Not Connected", "error", 100000)
-        verify(strip.visible)
-        mouseClick(findChild(strip, "messageClose"))
+        // The close button hides it before its time.
+        click(findChild(strip, "messageClose"))
         verify(!strip.visible)
     }
 
-    function test_controlButtonsInOrder() {
+    function test_unboundButtonsAreInert() {
         const column = createTemporaryObject(buttonsComponent, testCase)
-        const home = findChild(column, "homeButton")
-        const tips = []
-        for (const child of Array.from(home.parent.children)) {
-            if (child.tip !== undefined)
-                tips.push(child.tip)
-        }
-        compare(tips, ["Home", "Task List", "Back", "Swipe Up", "Swipe Down", "Swipe Left", "Swipe Right",
-                       "Rotate Screen", "Screenshot", "Record Video", "Select Phrase", "Volume Up", "Volume Down",
-                       "Upload File", "Key Mapping", "Screen Position", "Install APK", "Run AutoJS",
-                       "Run ADB Command", "Screen On", "Screen Off", "Audio Disabled", "Reboot", "Shutdown"])
-        // Nothing is bound: every button is inert.
-        for (const child of Array.from(home.parent.children)) {
-            if (child.tip !== undefined)
-                verify(!child.enabled, child.tip)
-        }
-        compare(home.height, 24)
+        for (const button of buttons(column))
+            verify(!button.enabled, button.tip)
     }
 
     function test_controlButtonsFollowTheDevice() {
         const device = createTemporaryObject(deviceComponent, testCase)
         const column = createTemporaryObject(buttonsComponent, testCase, { device: device })
-        const home = findChild(column, "homeButton")
-        verify(home.enabled)
-        const audio = Array.from(home.parent.children).find(child => child.tip === "Audio Disabled")
-        verify(audio)
+        const button = tip => buttons(column).find(button => button.tip === tip)
+        verify(findChild(column, "homeButton").enabled)
         // Audio is switched on the phone; the button then reads the phone's new state.
-        mouseClick(audio)
+        click(button("Audio Disabled"))
         compare(device.isAudioEnabled, true)
-        compare(audio.tip, "Audio Enabled")
+        verify(button("Audio Enabled"))
         // Recording is offered on every bound phone; it reads the phone's own recorder.
-        const record = Array.from(home.parent.children).find(child => child.tip === "Record Video")
-        verify(record.enabled)
+        verify(button("Record Video").enabled)
         compare(device.videoRecorder.isRecording, false)
+        // The profile picked from the button is this phone's, and the button names it; "no key
+        // map" takes it off again.
+        KeyMapping.removeProfile("Cell")
+        KeyMapping.addProfile("Cell")
+        const picked = (tip, entry) => {
+            click(button(tip))
+            let item = null
+            tryVerify(() => (item = entry()))
+            click(item)
+        }
+        const overlay = testCase.Window.window.contentItem
+        picked("Key Mapping", () => itemWithText(overlay, "Cell"))
+        compare(device.currentKeyMappingProfile.name, "Cell")
+        picked("KeyMapping: Cell", () => findChild(overlay, "noKeyMap"))
+        compare(device.currentKeyMappingProfile, null)
+        verify(button("Key Mapping"))
+        KeyMapping.removeProfile("Cell")
     }
 
     function test_screenPositionOverlay() {
-        const device = createTemporaryObject(deviceComponent, testCase)
         // Tall enough for the whole button column to be on screen.
-        const cell = { view: createTemporaryObject(viewComponent, testCase, { device: device, height: 680 }) }
-        const column = findChild(cell.view, "homeButton").parent
-        const toggle = Array.from(column.children).find(child => child.tip === "Screen Position")
-        mouseClick(toggle)
+        const cell = makeView({ height: 680 })
+        const toggle = buttons(cell.view).find(button => button.tip === "Screen Position")
         const input = findChild(cell.view, "inputArea")
+        click(toggle)
         verify(!input.enabled)
-        mouseClick(toggle)
+        click(toggle)
         verify(input.enabled)
     }
 }

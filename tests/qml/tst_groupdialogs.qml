@@ -1,20 +1,13 @@
 import QtQuick
-import QtQuick.Controls
 import QtTest
 import Korvel
 
 // The group manager dialog refuses unusable names before it asks the manager for anything.
-TestCase {
+KorvelTestCase {
     id: testCase
     name: "GroupDialogs"
-    when: windowShown
-    visible: true
     width: 900
     height: 700
-
-    function init() {
-        failOnWarning(/.*/)
-    }
 
     DeviceGroupManager { id: manager }
 
@@ -23,20 +16,13 @@ TestCase {
         DeviceGroupManagerDialog { groupManager: manager }
     }
 
-    function openDialog() {
-        const dialog = createTemporaryObject(dialogComponent, testCase)
-        dialog.open()
-        tryVerify(() => dialog.opened)
-        return dialog
-    }
-
     function groupNamed(name) {
         return manager.deviceGroups.find(group => group.name === name)
     }
 
     function submitName(dialog, name) {
         findChild(dialog, "groupNameField").text = name
-        mouseClick(findChild(dialog, "groupNameSubmit"))
+        click(findChild(dialog, "groupNameSubmit"))
     }
 
     function cleanup() {
@@ -56,9 +42,9 @@ TestCase {
     }
 
     function test_refusesNames(data) {
-        const dialog = openDialog()
+        const dialog = openDialog(dialogComponent)
         const before = manager.deviceGroups.length
-        mouseClick(findChild(dialog, "newGroupButton"))
+        click(findChild(dialog, "newGroupButton"))
         submitName(dialog, data.name)
         const alert = findChild(dialog, "groupNameErrorAlert")
         tryVerify(() => alert.opened)
@@ -69,9 +55,9 @@ TestCase {
     }
 
     function test_createsAndRenames() {
-        const dialog = openDialog()
+        const dialog = openDialog(dialogComponent)
         const before = manager.deviceGroups.length
-        mouseClick(findChild(dialog, "newGroupButton"))
+        click(findChild(dialog, "newGroupButton"))
         submitName(dialog, "Rack A")
         compare(manager.deviceGroups.length, before + 1)
         const rack = groupNamed("Rack A")
@@ -99,7 +85,7 @@ TestCase {
         manager.createDeviceGroup("Rack C")
         const rack = groupNamed("Rack C")
         manager.setCurrentSelectedGroup(rack)
-        const dialog = openDialog()
+        const dialog = openDialog(dialogComponent)
         dialog.deleteGroup(rack)
         verify(!groupNamed("Rack C"))
         compare(manager.currentSelectedGroup, manager.deviceGroups[0])

@@ -1,22 +1,17 @@
 import QtQuick
-import QtQuick.Controls
 import QtTest
 import Korvel
 
 // The phrase and key-mapping dialogs: each opens, edits and keeps its work in the backend.
-TestCase {
+KorvelTestCase {
     id: testCase
     name: "PhraseKeyDialogs"
-    when: windowShown
-    visible: true
     width: 1100
     height: 760
 
-    function init() {
-        failOnWarning(/.*/)
-        // What an earlier, interrupted run left in the files.
-        for (const name of ["Harvest", "Picker"])
-            KeyMapping.removeProfile(name)
+    // What an earlier, interrupted run left in the files.
+    function initTestCase() {
+        KeyMapping.removeProfile("Harvest")
         for (const category of CommonPhraseManager.getCategoriesList()) {
             if (category.name === "Farm chat" || category.name === "Replies")
                 CommonPhraseManager.removeCategory(category.id)
@@ -26,35 +21,7 @@ TestCase {
     Component { id: phrasesComponent; CommonPhrasesDialog {} }
     Component { id: selectionComponent; PhraseSelectionDialog {} }
     Component { id: keyMappingComponent; KeyMappingDialog {} }
-    Component { id: pickerComponent; KeyMapProfilePicker {} }
-    Component { id: deviceComponent; Device {} }
     SignalSpy { id: selectedSpy; signalName: "phraseSelected" }
-
-    function openDialog(component, properties) {
-        const dialog = createTemporaryObject(component, testCase, properties || {})
-        dialog.open()
-        tryVerify(() => dialog.opened)
-        return dialog
-    }
-
-    function itemWithText(root, text) {
-        const children = root.contentItem ? [root.contentItem] : Array.from(root.children)
-        for (const child of children.concat(Array.from(root.children || []))) {
-            if (child.text === text && child.visible)
-                return child
-            const found = itemWithText(child, text)
-            if (found)
-                return found
-        }
-        return null
-    }
-
-    // Layouts place their items at the next polish: a click before it lands where the item was.
-    function click(item, x, y) {
-        for (let ancestor = item; ancestor; ancestor = ancestor.parent)
-            tryVerify(() => !isPolishScheduled(ancestor))
-        mouseClick(item, x, y)
-    }
 
     function confirmDelete(dialog) {
         const question = findChild(dialog, "confirmQuestion")
@@ -156,18 +123,5 @@ TestCase {
         confirmDelete(dialog)
         verify(!KeyMapping.hasProfile("Harvest"))
         dialog.close()
-    }
-
-    function test_profilePickerSwitchesThePhone() {
-        KeyMapping.addProfile("Picker")
-        const device = createTemporaryObject(deviceComponent, testCase)
-        let dialog = openDialog(pickerComponent, { device: device })
-        click(itemWithText(dialog, "Picker"))
-        compare(device.currentKeyMappingProfile.name, "Picker")
-        tryVerify(() => !dialog.visible)
-        dialog = openDialog(pickerComponent, { device: device })
-        click(findChild(dialog, "noKeyMap"))
-        compare(device.currentKeyMappingProfile, null)
-        KeyMapping.removeProfile("Picker")
     }
 }

@@ -38,6 +38,15 @@ PhoneFixture::~PhoneFixture()
     m_adb.killServer();
 }
 
+PhoneSimProcess *PhoneFixture::phone(const QString &serial) const
+{
+    for (const auto &phone : m_phones) {
+        if (phone->serial() == serial)
+            return phone.get();
+    }
+    return nullptr;
+}
+
 PhoneSimProcess *PhoneFixture::addPhone(const QSize &screenSize, const QStringList &extraArgs)
 {
     auto phone = std::make_unique<PhoneSimProcess>();

@@ -27,6 +27,8 @@ public:
     // Starts a phone of the given screen size and connects it; null on failure (see error()).
     PhoneSimProcess *addPhone(const QSize &screenSize, const QStringList &extraArgs = {});
     const std::vector<std::unique_ptr<PhoneSimProcess>> &phones() const { return m_phones; }
+    // The phone with this serial, or null.
+    PhoneSimProcess *phone(const QString &serial) const;
     const AdbRunner &adb() const { return m_adb; }
     quint16 adbServerPort() const { return m_adbServerPort; }
     QString error() const { return m_error; }

@@ -91,6 +91,13 @@ QList<QJsonObject> PhoneSimProcess::readJournal(const QString &dataDir, const QS
     return lines;
 }
 
+QList<QJsonObject> PhoneSimProcess::controlMessages(const QString &type) const
+{
+    QList<QJsonObject> found = journal("control");
+    found.removeIf([&type](const QJsonObject &line) { return line.value("type").toString() != type; });
+    return found;
+}
+
 int PhoneSimProcess::ctl(const QStringList &args, QString *output) const
 {
     QProcess process;

@@ -35,6 +35,8 @@ public:
     QList<QJsonObject> journal(const QString &event = {}) const { return readJournal(dataDir(), event); }
     // The same for the journal in any phone's data folder (phones living in the test process).
     static QList<QJsonObject> readJournal(const QString &dataDir, const QString &event = {});
+    // The control messages of one type the phone has read, oldest first.
+    QList<QJsonObject> controlMessages(const QString &type) const;
     // Runs `phonesim ctl`; returns its exit code and puts its output in *output.
     int ctl(const QStringList &args, QString *output = nullptr) const;
 
