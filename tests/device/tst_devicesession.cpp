@@ -6,6 +6,7 @@
 #include "framehandoff.h"
 #include "mediarecorder.h"
 #include "packetsink.h"
+#include "phonefixture.h"
 #include "scrcpyserver.h"
 #include "serverparams.h"
 #include "videodecoder.h"

@@ -3,6 +3,7 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "phonefixture.h"
 #include "qmlwarnings.h"
 #include "quickitems.h"
 
