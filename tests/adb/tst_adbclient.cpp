@@ -114,36 +114,37 @@ private slots:
         QCOMPARE(m_adb.calls(), QList<Args>{expected});
     }
 
-    void successIsAPlainSubstringTest()
+    void verdictsFollowAdbsOwnWords_data()
     {
-        // adb's "failed" is the only failure word of connect; a time-out still counts as success.
-        m_adb.addRule("-s S1 connect *", 1, {}, "failed to connect");
-        QVERIFY(!AdbClient::connect("S1", "127.0.0.9", 5555));
-        m_adb.clear();
-        m_adb.addRule("-s S1 connect *", 0, "", {}, 0.8);
-        QVERIFY(AdbClient::connect("S1", "127.0.0.9", 5555));
-        m_adb.clear();
-        m_adb.addRule("-s S1 reboot", 1, {}, "device not found");
-        QVERIFY(!AdbClient::reboot("S1"));
-    }
-
-    void disconnectNeedsAdbsOwnAnswer_data()
-    {
+        QTest::addColumn<Operation>("operation");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("out");
+        QTest::addColumn<QString>("err");
+        QTest::addColumn<double>("sleep");
         QTest::addColumn<bool>("result");
-        QTest::newRow("dropped") << 0 << "disconnected 127.0.0.1:5555" << true;
-        QTest::newRow("unknown address") << 1 << "error: no such device '127.0.0.1:5555'" << false;
-        QTest::newRow("status 0 without the answer") << 0 << "" << false;
+        const Operation connect = [] { return AdbClient::connect("S1", "127.0.0.9", 5555); };
+        const Operation disconnect = [] { return AdbClient::disconnect("127.0.0.1:5555"); };
+        // "failed" is the only failure word of connect; a time-out still counts as success.
+        QTest::newRow("connect refused") << connect << 1 << "" << "failed to connect" << 0.0 << false;
+        QTest::newRow("connect timed out") << connect << 0 << "" << "" << 0.8 << true;
+        QTest::newRow("reboot without phone") << Operation([] { return AdbClient::reboot("S1"); }) << 1 << ""
+                                              << "device not found" << 0.0 << false;
+        // disconnect needs adb's own answer.
+        QTest::newRow("dropped") << disconnect << 0 << "disconnected 127.0.0.1:5555" << "" << 0.0 << true;
+        QTest::newRow("unknown address") << disconnect << 1 << "error: no such device '127.0.0.1:5555'" << "" << 0.0 << false;
+        QTest::newRow("status 0 without the answer") << disconnect << 0 << "" << "" << 0.0 << false;
     }
 
-    void disconnectNeedsAdbsOwnAnswer()
+    void verdictsFollowAdbsOwnWords()
     {
+        QFETCH(Operation, operation);
         QFETCH(int, exitCode);
         QFETCH(QString, out);
+        QFETCH(QString, err);
+        QFETCH(double, sleep);
         QFETCH(bool, result);
-        m_adb.addRule("disconnect *", exitCode, out);
-        QCOMPARE(AdbClient::disconnect("127.0.0.1:5555"), result);
+        m_adb.addRule("*", exitCode, out, err, sleep);
+        QCOMPARE(operation(), result);
     }
 
     void quitKillsOnlyAServerKorvelStarted_data()
@@ -176,14 +177,27 @@ private slots:
         qunsetenv("ANDROID_ADB_SERVER_PORT");
     }
 
-    void restartStopsWhenKillFails()
+    void restartStartsOnlyAfterAKill_data()
     {
-        m_adb.addRule("kill-server", 1, {}, "cannot connect");
-        QVERIFY(!AdbClient::restartServer());
-        QCOMPARE(m_adb.calls(), QList<Args>{Args{"kill-server"}});
-        m_adb.clear();
-        QVERIFY(AdbClient::restartServer());
-        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"kill-server"}, Args{"start-server"}}));
+        QTest::addColumn<int>("killExit");
+        QTest::addColumn<int>("startExit");
+        QTest::addColumn<bool>("restarted");
+        QTest::addColumn<QList<Args>>("calls");
+        QTest::newRow("both succeed") << 0 << 0 << true << QList<Args>{{"kill-server"}, {"start-server"}};
+        QTest::newRow("kill fails") << 1 << 0 << false << QList<Args>{{"kill-server"}};
+        QTest::newRow("start fails") << 0 << 1 << false << QList<Args>{{"kill-server"}, {"start-server"}};
+    }
+
+    void restartStartsOnlyAfterAKill()
+    {
+        QFETCH(int, killExit);
+        QFETCH(int, startExit);
+        QFETCH(bool, restarted);
+        QFETCH(QList<Args>, calls);
+        m_adb.addRule("kill-server", killExit, {}, "cannot connect");
+        m_adb.addRule("start-server", startExit, {}, "cannot bind");
+        QCOMPARE(AdbClient::restartServer(), restarted);
+        QCOMPARE(m_adb.calls(), calls);
     }
 
     void pushOfMissingFileStartsNoProcess()

@@ -1,8 +1,7 @@
 // common_phrases.json: what is read from it, what is written back, and that a damaged file is kept.
 #include "commonphrasemanager.h"
+#include "testfiles.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QtTest>
@@ -21,12 +20,6 @@ QString describe(CommonPhraseManager *manager)
     }
     lines << "current=" + manager->currentCategoryId();
     return lines.join("\n");
-}
-
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -74,21 +67,17 @@ void TestCommonPhraseManager::fileContents()
     QVERIFY(folder.mkpath("."));
     for (const QString &name : folder.entryList(QDir::Files))
         QVERIFY(QFile::remove(folder.filePath(name)));
-    {
-        QFile out(path);
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(file);
-    }
+    QVERIFY(TestFiles::write(path, file));
 
     manager->loadData();
     QCOMPARE(describe(manager), loaded);
-    const QStringList kept = folder.entryList({"common_phrases.json.corrupt-*"}, QDir::Files);
+    const QStringList kept = TestFiles::keptAside(path);
     if (damaged) {
         QCOMPARE(kept.size(), 1);
-        QCOMPARE(readAll(folder.filePath(kept.first())), file);
+        QCOMPARE(TestFiles::read(kept.first()), file);
         QVERIFY2(manager->fileMessage().contains(kept.first()), qPrintable(manager->fileMessage()));
         manager->addCategory("New");
-        QCOMPARE(readAll(folder.filePath(kept.first())), file);
+        QCOMPARE(TestFiles::read(kept.first()), file);
     } else {
         QVERIFY(kept.isEmpty());
         QVERIFY(manager->fileMessage().isEmpty());
@@ -97,7 +86,7 @@ void TestCommonPhraseManager::fileContents()
     // Every entry has a 36-character id once saved, and the file reads back the same.
     const QString before = describe(manager);
     manager->saveData();
-    const QJsonObject written = QJsonDocument::fromJson(readAll(path)).object();
+    const QJsonObject written = QJsonDocument::fromJson(TestFiles::read(path)).object();
     const QRegularExpression uuid("^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}$");
     for (const QString key : {"categories", "phrases"}) {
         for (const QJsonValue &entry : written.value(key).toArray()) {

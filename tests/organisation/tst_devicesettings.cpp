@@ -1,5 +1,6 @@
 #include "appconfig.h"
 #include "devicesettings.h"
+#include "testfiles.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -17,20 +18,9 @@ private:
     QString file() const { return m_folder.filePath("nicknames/device_nicknames.json"); }
     DeviceSettings *settings() const { return DeviceSettings::instance(); }
 
-    void writeFile(const QByteArray &content)
-    {
-        QDir().mkpath(QFileInfo(file()).path());
-        QFile out(file());
-        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        out.write(content);
-    }
-
     QJsonObject fileMembers() const
     {
-        QFile in(file());
-        if (!in.open(QIODevice::ReadOnly))
-            return {};
-        return QJsonDocument::fromJson(in.readAll()).object().value("device_nicknames").toObject();
+        return QJsonDocument::fromJson(TestFiles::read(file())).object().value("device_nicknames").toObject();
     }
 
 private slots:
@@ -51,21 +41,20 @@ private slots:
         QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
         settings()->setDeviceNickname("B-serial", "Bravo");
         settings()->setDeviceNickname("A-serial", "Alpha");
-        const QDateTime written = QFileInfo(file()).lastModified();
-        QTest::qWait(20);
-        settings()->setDeviceNickname("A-serial", "Alpha");
         QCOMPARE(spy.count(), 2);
         QCOMPARE(spy.at(1), (QVariantList{"A-serial", "Alpha"}));
-        QCOMPARE(QFileInfo(file()).lastModified(), written);
-
         QCOMPARE(fileMembers(), (QJsonObject{{"A-serial", "Alpha"}, {"B-serial", "Bravo"}}));
         QCOMPARE(settings()->getAllDeviceSerials(), (QStringList{"A-serial", "B-serial"}));
         // Written indented, members in serial order.
-        QFile in(file());
-        QVERIFY(in.open(QIODevice::ReadOnly));
-        const QByteArray text = in.readAll();
+        const QByteArray text = TestFiles::read(file());
         QVERIFY(text.contains("\n    \"device_nicknames\": {"));
         QVERIFY(text.indexOf("A-serial") < text.indexOf("B-serial"));
+
+        // The same name again: no signal, and the file is not written.
+        QVERIFY(QFile::remove(file()));
+        settings()->setDeviceNickname("A-serial", "Alpha");
+        QCOMPARE(spy.count(), 2);
+        QVERIFY(!QFile::exists(file()));
     }
 
     void emptyNicknameRemovesAndEmptySerialIsIgnored()
@@ -102,7 +91,7 @@ private slots:
 
     void loadSkipsBadMembers()
     {
-        writeFile(R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})");
+        QVERIFY(TestFiles::write(file(), R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})"));
         settings()->reload();
         QCOMPARE(settings()->getAllDeviceSerials(), QStringList{"good"});
         settings()->setDeviceNickname("other", "X");
@@ -121,8 +110,7 @@ private slots:
     void unusableFilesAreKeptAside()
     {
         QFETCH(QByteArray, content);
-        const QDir folder(QFileInfo(file()).path());
-        writeFile(content);
+        QVERIFY(TestFiles::write(file(), content));
         QSignalSpy message(settings(), &DeviceSettings::fileMessageChanged);
         settings()->reload();
         QVERIFY(settings()->getAllDeviceSerials().isEmpty());
@@ -131,18 +119,16 @@ private slots:
         // The next rename writes a new file; the user's own stays, named in the message.
         settings()->setDeviceNickname("a", "Alpha");
         QCOMPARE(fileMembers(), QJsonObject({{"a", "Alpha"}}));
-        const QStringList aside = folder.entryList({"device_nicknames.json.corrupt-*"}, QDir::Files);
+        const QStringList aside = TestFiles::keptAside(file());
         QCOMPARE(aside.size(), 1);
-        QFile kept(folder.filePath(aside.first()));
-        QVERIFY(kept.open(QIODevice::ReadOnly));
-        QCOMPARE(kept.readAll(), content);
-        QVERIFY2(settings()->fileMessage().contains(file()) && settings()->fileMessage().contains(kept.fileName()),
+        QCOMPARE(TestFiles::read(aside.first()), content);
+        QVERIFY2(settings()->fileMessage().contains(file()) && settings()->fileMessage().contains(aside.first()),
                  qPrintable(settings()->fileMessage()));
 
         // A good file clears the message.
         settings()->reload();
         QCOMPARE(settings()->fileMessage(), QString());
-        QVERIFY(kept.remove());
+        QVERIFY(QFile::remove(aside.first()));
     }
 
     void unreadableFileIsKeptAside()
@@ -152,18 +138,15 @@ private slots:
         settings()->reload();
         QVERIFY(settings()->getAllDeviceSerials().isEmpty());
         QVERIFY(!QFileInfo::exists(file()));
-        const QStringList aside = QDir(QFileInfo(file()).path()).entryList({"device_nicknames.json.corrupt-*"}, QDir::Dirs);
+        const QStringList aside = TestFiles::keptAside(file(), QDir::Dirs);
         QCOMPARE(aside.size(), 1);
-        QVERIFY(QDir(QFileInfo(file()).path() + "/" + aside.first()).removeRecursively());
+        QVERIFY(QDir(aside.first()).removeRecursively());
     }
 
     void failedSaveKeepsPreviousFile()
     {
         settings()->setDeviceNickname("keep", "Me");
-        QFile original(file());
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        const QByteArray before = original.readAll();
-        original.close();
+        const QByteArray before = TestFiles::read(file());
 
         // A disk that fills up mid-write: files may not grow past a few bytes more than the old one.
         signal(SIGXFSZ, SIG_IGN);
@@ -175,9 +158,7 @@ private slots:
         settings()->setDeviceNickname("new", QString(4096, 'x'));
         setrlimit(RLIMIT_FSIZE, &previous);
 
-        QFile after(file());
-        QVERIFY(after.open(QIODevice::ReadOnly));
-        QCOMPARE(after.readAll(), before);
+        QCOMPARE(TestFiles::read(file()), before);
         QCOMPARE(QDir(QFileInfo(file()).path()).entryList(QDir::Files), QStringList{"device_nicknames.json"});
     }
 };

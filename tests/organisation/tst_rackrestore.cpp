@@ -1,16 +1,17 @@
 #include "adbclient.h"
 #include "appconfig.h"
-#include "device.h"
-#include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "groupserials.h"
 #include "phonefixture.h"
+#include "testfiles.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QtTest>
 
-// The rack as the user left it, through Debian's real adb and simulated phones: a groups file that
-// cannot be parsed is kept aside while the manager starts, and groups with phones come back.
+// The group manager through Debian's real adb and simulated phones: the rack comes back as the
+// user left it, and the adb server restarts from the menu. Damaged groups files are tried by
+// tst_devicegroupmanager.
 class TestRackRestore : public QObject
 {
     Q_OBJECT
@@ -19,16 +20,7 @@ private:
     std::unique_ptr<PhoneFixture> m_fixture;
     QTemporaryDir m_folder;
 
-    QString file() const { return m_folder.filePath("device_groups.json"); }
     QString serial(int phone) const { return m_fixture->phones().at(phone)->serial(); }
-
-    static QStringList serialsOf(const DeviceGroup *group)
-    {
-        QStringList serials;
-        for (const Device *device : group->devices())
-            serials << device->adbConnectionSerial();
-        return serials;
-    }
 
     ADBDeviceInfo listed(int phone) const
     {
@@ -54,30 +46,8 @@ private slots:
     }
 
     void cleanupTestCase() { m_fixture.reset(); }
-
-    void corruptFileIsKeptAsideAndTheManagerStarts()
-    {
-        const QByteArray corrupt = R"({"device_groups": [ {"name": "Rack", "devices": ["a"]}, ]})";
-        QFile out(file());
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(corrupt);
-        out.close();
-
-        DeviceGroupManager manager;
-        QCOMPARE(manager.deviceGroups().size(), 1);
-        QCOMPARE(manager.deviceGroups().first()->name(), QString("Default Group"));
-        const QStringList aside = QDir(m_folder.path()).entryList({"device_groups.json.corrupt-*"}, QDir::Files);
-        QCOMPARE(aside.size(), 1);
-        QFile kept(m_folder.filePath(aside.first()));
-        QVERIFY(kept.open(QIODevice::ReadOnly));
-        QCOMPARE(kept.readAll(), corrupt);
-        QVERIFY(manager.fileMessage().contains(kept.fileName()));
-
-        // The manager works on: a scan offers every phone.
-        manager.scanDevices();
-        QTRY_VERIFY_WITH_TIMEOUT(!manager.isScanning(), 15000);
-        QCOMPARE(manager.availableDeviceInfos().size(), 3);
-    }
+    // No phones remembered from another test come back by themselves.
+    void init() { QFile::remove(DeviceGroupManager::filePath()); }
 
     void groupsWithPhonesSurviveARestart()
     {
@@ -92,15 +62,36 @@ private slots:
             QTRY_COMPARE(rack->deviceCount() + home->deviceCount(), 3);
             QCOMPARE(serialsOf(rack), (QStringList{serial(2), serial(0)}));
         }
-        QFile saved(file());
-        QVERIFY(saved.open(QIODevice::ReadOnly));
-        const QJsonArray groups = QJsonDocument::fromJson(saved.readAll()).object().value("device_groups").toArray();
-        QCOMPARE(groups.at(1).toObject().value("devices").toArray(), QJsonArray({serial(2), serial(0)}));
+        const QJsonArray groups = QJsonDocument::fromJson(TestFiles::read(DeviceGroupManager::filePath()))
+                                      .object().value("device_groups").toArray();
+        QCOMPARE(groups.at(1)["devices"].toArray(), QJsonArray({serial(2), serial(0)}));
 
         DeviceGroupManager again;
         QTRY_COMPARE_WITH_TIMEOUT(serialsOf(again.deviceGroups().at(1)), (QStringList{serial(2), serial(0)}), 15000);
         QTRY_COMPARE_WITH_TIMEOUT(serialsOf(again.deviceGroups().at(0)), QStringList{serial(1)}, 15000);
         QVERIFY(again.availableDeviceInfos().isEmpty());
+    }
+
+    void restartedAdbServerStartsWithoutPhones()
+    {
+        DeviceGroupManager manager;
+        QSignalSpy restarted(&manager, &DeviceGroupManager::adbServerRestarted);
+        manager.restartADBServer();
+        QVERIFY(restarted.wait(30000));
+        QCOMPARE(restarted.at(0).at(0).toBool(), true);
+
+        // The new server knows no phone yet, and an empty list is no failure.
+        const QString listing = AdbClient::run({"devices", "-l"});
+        QVERIFY2(listing.startsWith("List of devices attached"), qPrintable(listing));
+        QVERIFY(AdbClient::devices().isEmpty());
+        // adb's own words reach the user when it cannot do what was asked.
+        const QString failed = AdbClient::run({"-s", serial(0), "shell", "true"});
+        QVERIFY2(failed.startsWith("[error] adb command failed (exit code 1): "), qPrintable(failed));
+
+        for (const auto &phone : m_fixture->phones()) {
+            m_fixture->adb().run({"connect", phone->serial()});
+            QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(phone->serial()), 10000);
+        }
     }
 };
 
