@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -31,6 +32,12 @@ inline QStringList keptAside(const QString &path, QDir::Filters filters = QDir::
     for (const QString &name : file.dir().entryList({file.fileName() + ".corrupt-*"}, filters))
         found << file.dir().filePath(name);
     return found;
+}
+
+// As phonesim's journal gives a transferred file's content.
+inline QString sha256(const QByteArray &bytes)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
 } // namespace TestFiles
