@@ -123,11 +123,15 @@ private slots:
         QCOMPARE(buffer.size(), left);
     }
 
-    void commandsCarryTheForwardedPortAsTheirId()
+    void runConnectsInTheBackgroundAndCommandsCarryThePort()
     {
         Device device(nullptr, nullptr, "S1");
         serve(device);
+        QSignalSpy messages(&device, &Device::deviceMessage);
         device.runAutojs(script("farm.task.js"));
+        // run() returns before the forward and the connection: the outcome follows from the event loop.
+        QCOMPARE(messages.count(), 0);
+        QVERIFY(!device.autojs()->isRunning());
         QTcpSocket *peer = waitForPeer();
         QVERIFY(peer);
         QTRY_VERIFY(device.autojs()->isRunning());
@@ -142,6 +146,11 @@ private slots:
         QCOMPARE(commands[0]["data"]["id"].toInt(), port);
         QCOMPARE(commands[0]["data"]["name"].toString(), QString("farm"));
         QCOMPARE(commands[1].value("data").toObject(), (QJsonObject{{"command", "stopAll"}}));
+
+        // A second run forwards and connects again.
+        device.runAutojs(script("farm.task.js"));
+        QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 5000);
+        QCOMPARE(m_adb.calls().size(), 2);
     }
 
     void failuresReport_data()
@@ -187,24 +196,6 @@ private slots:
         QCOMPARE(running.count(), 1);
         QVERIFY(!device.autojs()->isRunning());
         QVERIFY(m_adb.calls().isEmpty());
-    }
-
-    void runDoesNotWaitForTheConnection()
-    {
-        Device device(nullptr, nullptr, "S1");
-        serve(device);
-        const QString path = script("b.js");
-        QSignalSpy messages(&device, &Device::deviceMessage);
-        device.runAutojs(path);
-        // run() has returned before the connection could be made: the outcome follows from the event loop.
-        QCOMPARE(messages.count(), 0);
-        QVERIFY(!device.autojs()->isRunning());
-        QTRY_VERIFY_WITH_TIMEOUT(device.autojs()->isRunning(), 5000);
-
-        // A second run forwards and connects again.
-        device.runAutojs(path);
-        QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 5000);
-        QCOMPARE(m_adb.calls().size(), 2);
     }
 
     void phoneMessages()

@@ -121,6 +121,7 @@ private slots:
         QCOMPARE(fileMembers(), QJsonObject({{"a", "Alpha"}}));
         const QStringList aside = TestFiles::keptAside(file());
         QCOMPARE(aside.size(), 1);
+        QVERIFY2(QRegularExpression(R"(\.corrupt-\d{8}-\d{6}$)").match(aside.first()).hasMatch(), qPrintable(aside.first()));
         QCOMPARE(TestFiles::read(aside.first()), content);
         QVERIFY2(settings()->fileMessage().contains(file()) && settings()->fileMessage().contains(aside.first()),
                  qPrintable(settings()->fileMessage()));
