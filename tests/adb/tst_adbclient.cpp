@@ -121,9 +121,28 @@ private slots:
         row("disconnect unknown address", disconnect, {disconnectArgs}, 1, "error: no such device '127.0.0.1:5555'",
             "", false);
         row("disconnect without the answer", disconnect, {disconnectArgs}, 0, "", "", false);
+        // A restart starts only after a kill.
+        const Operation restart = [] { return AdbClient::restartServer(); };
+        row("restartServer", restart, {{"kill-server"}, {"start-server"}});
+        row("restartServer, kill fails", restart, {{"kill-server"}}, 1, "", "cannot connect", false);
         // Nothing to send: no adb at all.
         row("push of a missing file", [] { return !AdbClient::push("S1", "/nonexistent/file.bin", "/data/local/tmp/"); },
             {});
+        row("devices failing", [] { return AdbClient::devices().isEmpty(); }, {{"devices", "-l"}}, 1,
+            "List of devices attached\\nA device", "cannot connect to daemon");
+        // An emulator is killed, a phone powered off.
+        const Operation shutdown = [] { return AdbClient::shutdown("S1"); };
+        const Args qemu{"-s", "S1", "shell", "getprop", "ro.kernel.qemu"};
+        row("shutdown of an emulator", shutdown, {qemu, {"-s", "S1", "emu", "kill"}}, 0, "1\\n");
+        row("shutdown of a phone", shutdown, {qemu, {"-s", "S1", "reboot", "-p"}}, 0, "0\\n");
+        row("shutdown without the property", shutdown, {qemu, {"-s", "S1", "reboot", "-p"}});
+        // Any existing file will do as the picture.
+        const QString picture = QCoreApplication::applicationFilePath();
+        row("setWallpaper", [picture] { return AdbClient::setWallpaper("S1", picture); },
+            {{"-s", "S1", "push", picture, "/data/local/tmp/wallpaper_korvel.png"},
+             {"-s", "S1", "shell", "am", "start", "-a", "android.intent.action.ATTACH_DATA", "-c",
+              "android.intent.category.DEFAULT", "-d", "file:///data/local/tmp/wallpaper_korvel.png", "-t", "image/*",
+              "--grant-read-uri-permission"}});
     }
 
     void operations()
@@ -175,47 +194,6 @@ private slots:
         qunsetenv("ANDROID_ADB_SERVER_PORT");
     }
 
-    void restartStartsOnlyAfterAKill_data()
-    {
-        QTest::addColumn<int>("killExit");
-        QTest::addColumn<int>("startExit");
-        QTest::addColumn<bool>("restarted");
-        QTest::addColumn<QList<Args>>("calls");
-        QTest::newRow("both succeed") << 0 << 0 << true << QList<Args>{{"kill-server"}, {"start-server"}};
-        QTest::newRow("kill fails") << 1 << 0 << false << QList<Args>{{"kill-server"}};
-        QTest::newRow("start fails") << 0 << 1 << false << QList<Args>{{"kill-server"}, {"start-server"}};
-    }
-
-    void restartStartsOnlyAfterAKill()
-    {
-        QFETCH(int, killExit);
-        QFETCH(int, startExit);
-        QFETCH(bool, restarted);
-        QFETCH(QList<Args>, calls);
-        m_adb.addRule("kill-server", killExit, {}, "cannot connect");
-        m_adb.addRule("start-server", startExit, {}, "cannot bind");
-        QCOMPARE(AdbClient::restartServer(), restarted);
-        QCOMPARE(m_adb.calls(), calls);
-    }
-
-    void shutdownChoosesEmulatorOrReboot_data()
-    {
-        QTest::addColumn<QString>("qemu");
-        QTest::addColumn<Args>("second");
-        QTest::newRow("emulator") << "1" << Args{"-s", "S1", "emu", "kill"};
-        QTest::newRow("phone") << "0" << Args{"-s", "S1", "reboot", "-p"};
-        QTest::newRow("empty property") << "" << Args{"-s", "S1", "reboot", "-p"};
-    }
-
-    void shutdownChoosesEmulatorOrReboot()
-    {
-        QFETCH(QString, qemu);
-        QFETCH(Args, second);
-        m_adb.addRule("-s S1 shell getprop ro.kernel.qemu", 0, qemu + "\\n");
-        QVERIFY(AdbClient::shutdown("S1"));
-        QCOMPARE(m_adb.calls(), (QList<Args>{Args{"-s", "S1", "shell", "getprop", "ro.kernel.qemu"}, second}));
-    }
-
     void parseDevices_data()
     {
         QTest::addColumn<QString>("text");
@@ -248,12 +226,6 @@ private slots:
         }
         DeviceSettings::instance()->removeDeviceNickname("192.168.1.5:5555");
         QCOMPARE(parsed, devices);
-    }
-
-    void devicesFailureGivesEmptyList()
-    {
-        m_adb.addRule("devices -l", 1, "List of devices attached\nA device", "cannot connect to daemon");
-        QVERIFY(AdbClient::devices().isEmpty());
     }
 
     void deviceInfoReadsEveryProperty()
@@ -310,32 +282,6 @@ private slots:
         QCOMPARE(AdbClient::getWifiIpAddress("S1"), expected);
         QCOMPARE(m_adb.calls().size(), callCount);
         QCOMPARE(m_adb.calls().first(), (Args{"-s", "S1", "shell", "ip addr show wlan0"}));
-    }
-
-    void wallpaperPushesAndAttaches()
-    {
-        QTemporaryFile picture;
-        QVERIFY(picture.open());
-        QVERIFY(AdbClient::setWallpaper("S1", picture.fileName()));
-        QCOMPARE(m_adb.calls(),
-                 (QList<Args>{Args{"-s", "S1", "push", picture.fileName(), "/data/local/tmp/wallpaper_korvel.png"},
-                              Args{"-s", "S1", "shell", "am", "start", "-a", "android.intent.action.ATTACH_DATA",
-                                   "-c", "android.intent.category.DEFAULT", "-d",
-                                   "file:///data/local/tmp/wallpaper_korvel.png", "-t", "image/*",
-                                   "--grant-read-uri-permission"}}));
-    }
-
-    void callsFromSeveralThreadsAreIndependent()
-    {
-        m_adb.addRule("-s A shell echo", 0, "a");
-        m_adb.addRule("-s B shell echo", 0, "b");
-        QString a, b;
-        std::unique_ptr<QThread> first(QThread::create([&] { a = AdbClient::run({"-s", "A", "shell", "echo"}); }));
-        std::unique_ptr<QThread> second(QThread::create([&] { b = AdbClient::run({"-s", "B", "shell", "echo"}); }));
-        first->start();
-        second->start();
-        QVERIFY(first->wait(10000) && second->wait(10000));
-        QCOMPARE(a + b, QString("ab"));
     }
 };
 

@@ -1,7 +1,6 @@
 #include "adbclient.h"
 #include "device.h"
 #include "devicegroup.h"
-#include "groupoperation.h"
 #include "fakeadb.h"
 #include "groupserials.h"
 #include "serverparams.h"
@@ -65,7 +64,6 @@ private slots:
             insertedAt << clock.elapsed();
             counts << group.deviceCount();
         });
-        QSignalSpy added(&group, &DeviceGroup::deviceAddedIntoGroup);
         QSignalSpy rows(&group, &QAbstractItemModel::rowsInserted);
 
         QVERIFY(!group.addDevices({}));
@@ -78,16 +76,12 @@ private slots:
         // Timers never fire early, only late, so only the lower bounds hold on a busy machine.
         QVERIFY2(insertedAt.at(1) >= 39, qPrintable(QString::number(insertedAt.at(1))));
         QVERIFY2(insertedAt.at(2) >= 79, qPrintable(QString::number(insertedAt.at(2))));
-        QCOMPARE(rows.count(), 3);
-        for (int i = 0; i < 3; ++i) {
-            QCOMPARE(rows.at(i).at(1).toInt(), i);
-            QCOMPARE(added.at(i).at(0).value<Device *>(), group.devices().at(i));
-        }
+        QCOMPARE((QList<int>{rows.at(0).at(1).toInt(), rows.at(1).at(1).toInt(), rows.at(2).at(1).toInt()}),
+                 (QList<int>{0, 1, 2}));
         QCOMPARE(serialsOf(&group), (QStringList{"A", "192.168.1.7:5555", "C"}));
         QCOMPARE(group.devices().at(0)->connectionType(), Device::USB);
         QCOMPARE(group.devices().at(1)->connectionType(), Device::WiFi);
         QCOMPARE(group.devices().at(2)->indexInGroup(), 2);
-        QCOMPARE(group.devices().at(0)->deviceGroup(), &group);
         // Each newly added phone has its address read in the background.
         const auto askedAboutC = [](const QStringList &call) { return call.mid(0, 2) == QStringList{"-s", "C"}; };
         QTRY_VERIFY([&] { const auto calls = m_adb.calls(); return std::any_of(calls.cbegin(), calls.cend(), askedAboutC); }());
@@ -133,30 +127,20 @@ private slots:
         }
     }
 
-    void settingsRecordAndWhenItIsSaved()
+    void onlyANamedGroupSavesAChangedSetting()
     {
-        // An unnamed group is in no file: the views hear of a change, nothing is saved.
         DeviceGroup group;
         QSignalSpy saves(&group, &DeviceGroup::settingsChanged);
-        QSignalSpy widths(&group, &DeviceGroup::cellWidthChanged);
-        group.setCellWidth(300);
-        QCOMPARE(widths.count(), 1);
+        QSignalSpy widths(&group, &DeviceGroup::bigViewWidthChanged);
+        // An unnamed group is in no file; loading announces the values but saves nothing; the same
+        // value again is nothing at all.
+        group.setBigViewWidth(800);
         group.renameTo("Rack 1");
-
-        // Every setting away from its default, so that a key read or written under another name
-        // shows. Loading announces the values but saves nothing.
-        const QJsonObject record{{"maxSize", 1024},        {"maxFPS", 15},        {"bitRate", 2000000},
-                                 {"maxSizeBigView", 1600}, {"maxFPSBigView", 60}, {"bitRateBigView", 8000000},
-                                 {"clickDelaySeconds", 3}, {"cellWidth", 400},    {"showControlButtons", false},
-                                 {"enableAudio", true},    {"orientation", 1},    {"bigViewWidth", 1280}};
-        group.loadSettings(record);
-        QCOMPARE(group.settingsToJson(), record);
+        group.loadSettings({{"bigViewWidth", 1280}});
+        group.setBigViewWidth(1280);
         QCOMPARE(widths.count(), 2);
         QCOMPARE(saves.count(), 0);
-
-        // A named group saves a change, and only a change.
-        group.setCellWidth(400);
-        group.setCellWidth(300);
+        group.setBigViewWidth(900);
         QCOMPARE(widths.count(), 3);
         QCOMPARE(saves.count(), 1);
     }
@@ -179,39 +163,27 @@ private slots:
 
     void groupControlFollowsItsHost()
     {
+        // Starting twice or stopping twice changes nothing; without phones there is no host.
         DeviceGroup group;
-        QSignalSpy host(&group, &DeviceGroup::hostDeviceChanged);
         QSignalSpy mode(&group, &DeviceGroup::groupControlModeChanged);
         group.startGroupControl();
-        QCOMPARE(host.count(), 0);
         QVERIFY(!group.groupControlMode());
-
-        fill(group, {"A", "B"});
-        Device *first = group.devices().at(0);
+        fill(group, {"A", "B", "C"});
         group.startGroupControl();
         group.startGroupControl();
-        QCOMPARE(group.hostDevice(), first);
-        QVERIFY(first->isHostDevice());
-        QVERIFY(!group.devices().at(1)->isHostDevice());
-        QCOMPARE(host.count(), 1);
-        QCOMPARE(mode.count(), 1);
-
+        QVERIFY(group.devices().at(0)->isHostDevice() && !group.devices().at(1)->isHostDevice());
         group.stopGroupControl();
         group.stopGroupControl();
-        QVERIFY(!first->isHostDevice());
-        QCOMPARE(group.hostDevice(), nullptr);
+        QVERIFY(!group.devices().at(0)->isHostDevice());
         QCOMPARE(mode.count(), 2);
 
         // Removing the host ends group control; the phones behind it move up.
-        fill(group, {"C"});
         group.startGroupControl();
         QPointer<Device> oldHost = group.devices().at(0);
-        QSignalSpy removed(&group, &DeviceGroup::deviceRemovedFromGroup);
         QSignalSpy lastIndex(group.devices().at(2), &Device::indexInGroupChanged);
         oldHost->removeFromDeviceGroup();
         QCOMPARE(mode.count(), 4);
-        QVERIFY(!group.groupControlMode());
-        QCOMPARE(removed.count(), 1);
+        QCOMPARE(group.hostDevice(), nullptr);
         QCOMPARE(serialsOf(&group), (QStringList{"B", "C"}));
         QCOMPARE(lastIndex.count(), 1);
         QCOMPARE(group.devices().at(1)->indexInGroup(), 1);
@@ -287,25 +259,6 @@ private slots:
         // The host went with the move: the source is no longer under group control.
         QVERIFY(!source.groupControlMode());
         QVERIFY(!a->isHostDevice());
-    }
-
-    void executeAdbCommandReportsEveryPhone()
-    {
-        m_adb.addRule("-s A shell ls", 0, "a.txt\\nb.txt\\n");
-        m_adb.addRule("-s A shell pwd", 0, "/\\n");
-        m_adb.addRule("-s B shell ls", 1, "", "error: device offline\\n");
-        m_adb.addRule("-s B shell pwd", 0, "/sdcard");
-        DeviceGroup group;
-        QCOMPARE(group.executeADBCommand("shell ls")->report(), QString());
-        fill(group, {"A", "B"});
-
-        const QString dashes(32, '-');
-        const QString expected = "Device 1:\n" + dashes + "\n" + "a.txt\nb.txt\n/\n" + "\n\n"
-            + "Device 2:\n" + dashes + "\n" + "error: device offline\n/sdcard\n" + "[failed]\n" + "\n\n";
-        GroupOperation *operation = group.executeADBCommand("shell ls\n\n  shell pwd  ");
-        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
-        QCOMPARE(operation->report(), expected);
-        QCOMPARE(operation->summary(), QString("1 done, 1 failed"));
     }
 };
 

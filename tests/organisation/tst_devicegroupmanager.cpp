@@ -20,6 +20,13 @@ const QJsonObject kConstructorDefaults{
     {"showControlButtons", true}, {"enableAudio", false}, {"orientation", 0},     {"bigViewWidth", 400},
 };
 
+// Every setting away from its default, so that a key read or written under another name shows.
+const QJsonObject kEverySetting{
+    {"maxSize", 1024},        {"maxFPS", 15},          {"bitRate", 2000000},   {"maxSizeBigView", 1600},
+    {"maxFPSBigView", 60},    {"bitRateBigView", 8000000}, {"clickDelaySeconds", 3}, {"cellWidth", 400},
+    {"showControlButtons", false}, {"enableAudio", true}, {"orientation", 1},     {"bigViewWidth", 1280},
+};
+
 QJsonObject defaultsWith(QJsonObject changes)
 {
     for (auto it = kConstructorDefaults.begin(); it != kConstructorDefaults.end(); ++it) {
@@ -142,8 +149,8 @@ private slots:
             {"name":"No width","settings":{"maxSize":1080,"enableAudio":true,"orientation":1,"clickDelaySeconds":7}},
             {"name":"Wrong types","settings":{"maxSize":"big","cellWidth":[],"showControlButtons":"no","bigViewWidth":1200}},
             {"name":"Settings not an object","settings":5},
-            {"name":"Odd values","settings":{"bigViewWidth":"800","showControlButtons":0,"cellWidth":null,"maxFPS":true}}
-        ]})"));
+            {"name":"Odd values","settings":{"bigViewWidth":"800","showControlButtons":0,"cellWidth":null,"maxFPS":true}},
+            {"name":"Every setting","settings":)" + QJsonDocument(kEverySetting).toJson() + "}]}"));
         DeviceGroupManager manager;
         // A missing key or one of the wrong type takes its default; a record written before the big
         // view had its own width gets the wide panel.
@@ -154,6 +161,7 @@ private slots:
             defaultsWith({{"bigViewWidth", 1200}}),
             defaultsWith({{"bigViewWidth", 960}}),
             defaultsWith({{"bigViewWidth", 960}}),
+            kEverySetting,
         };
         QCOMPARE(manager.deviceGroups().size(), expected.size());
         for (int i = 0; i < expected.size(); ++i)

@@ -251,14 +251,17 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
     }
 
-    void bareShellEndsAtOnce()
+    void typedCommandsRunLineByLine()
     {
-        // An interactive shell reads commands from adb's input; it gets none and ends.
+        // A bare shell reads commands from adb's input, gets none and ends; blank lines are skipped;
+        // a failed line does not stop the next one, and the report says which phone failed.
         DeviceGroup group;
         fill(group, {m_good[0], m_good[1]});
-        GroupOperation *operation = group.executeADBCommand("shell");
-        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 5000);
-        QCOMPARE(operation->summary(), QString("2 done"));
+        GroupOperation *operation = group.executeADBCommand("shell\n\n  shell nosuch  \nshell echo next");
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
+        QCOMPARE(operation->summary(), QString("2 failed"));
+        const QString each = QString(32, '-') + "\n\n/system/bin/sh: nosuch: inaccessible or not found\nnext\n[failed]\n\n\n";
+        QCOMPARE(operation->report(), "Device 1:\n" + each + "Device 2:\n" + each);
     }
 
     void logcatStreamsUntilCancelled()
