@@ -125,6 +125,17 @@ private slots:
             QTRY_COMPARE(device->serverParamsSmallView()->maxSize(), 1200);
             QTRY_COMPARE(device->serverParamsBigView()->maxFps(), 24);
         }
+
+        // Every phone hears of the audio switch, even when the group's value stays; it is saved once.
+        QSignalSpy messages(group.devices().at(1), &Device::deviceMessage);
+        QSignalSpy saves(&group, &DeviceGroup::settingsChanged);
+        group.setEnableAudio(true);
+        group.setEnableAudio(false);
+        QCOMPARE(saves.count(), 1);
+        QCOMPARE(messages.count(), 2);
+        QCOMPARE(messages.at(0).at(0).toString(), QString("Audio Enabled, Need Reconnect"));
+        QCOMPARE(messages.at(1).at(0).toString(), QString("Audio Disabled, Need Reconnect"));
+        QVERIFY(!group.devices().at(1)->serverParamsSmallView()->audio());
     }
 
     void onlyANamedGroupSavesAChangedSetting()
@@ -143,22 +154,6 @@ private slots:
         group.setBigViewWidth(900);
         QCOMPARE(widths.count(), 3);
         QCOMPARE(saves.count(), 1);
-    }
-
-    void enableAudioTellsEveryPhoneEvenWhenUnchanged()
-    {
-        DeviceGroup group;
-        group.renameTo("G");
-        fill(group, {"A", "B"});
-        QSignalSpy messages(group.devices().at(1), &Device::deviceMessage);
-        QSignalSpy saves(&group, &DeviceGroup::settingsChanged);
-        group.setEnableAudio(false);
-        group.setEnableAudio(true);
-        QCOMPARE(saves.count(), 1);
-        QCOMPARE(messages.count(), 2);
-        QCOMPARE(messages.at(0).at(0).toString(), QString("Audio Disabled, Need Reconnect"));
-        QCOMPARE(messages.at(1).at(0).toString(), QString("Audio Enabled, Need Reconnect"));
-        QVERIFY(group.devices().at(1)->serverParamsSmallView()->audio());
     }
 
     void groupControlFollowsItsHost()
@@ -221,44 +216,36 @@ private slots:
 
     void moveHandsDevicesAndOwnershipToTheTarget()
     {
-        DeviceGroup source;
-        DeviceGroup target;
+        DeviceGroup source, target;
         target.renameTo("T");
         target.setMaxSize(1440);
         fill(source, {"A", "B", "C"});
         fill(target, {"X"});
         source.startGroupControl();
         Device *a = source.devices().at(0);
-        Device *c = source.devices().at(2);
-        QSignalSpy removed(&source, &DeviceGroup::deviceRemovedFromGroup);
-        QSignalSpy added(&target, &DeviceGroup::deviceAddedIntoGroup);
         QSignalSpy sourceCount(&source, &DeviceGroup::deviceCountChanged);
         QSignalSpy targetCount(&target, &DeviceGroup::deviceCountChanged);
+        QSignalSpy added(&target, &DeviceGroup::deviceAddedIntoGroup);
         QSignalSpy xIndex(target.devices().at(0), &Device::indexInGroupChanged);
 
         // Unknown serials (the match is exact), nothing to move or no target: nothing at all.
         source.moveDevicesToGroup({"a", "Z"}, &target);
         source.moveDevicesToGroup({}, &target);
         source.moveDevicesToGroup({"A"}, nullptr);
-        QCOMPARE(serialsOf(&source), (QStringList{"A", "B", "C"}));
-        QCOMPARE(removed.count() + added.count() + sourceCount.count() + targetCount.count(), 0);
+        QCOMPARE(sourceCount.count() + targetCount.count(), 0);
 
+        // In the source's order, counted once per group; the host takes group control along.
         source.moveDevicesToGroup({"C", "A"}, &target);
         QCOMPARE(serialsOf(&source), (QStringList{"B"}));
         QCOMPARE(serialsOf(&target), (QStringList{"X", "A", "C"}));
-        QCOMPARE(removed.count(), 2);
-        QCOMPARE(added.count(), 2);
-        QCOMPARE(added.at(0).at(0).value<Device *>(), a);
         QCOMPARE(sourceCount.count(), 1);
         QCOMPARE(targetCount.count(), 1);
+        QCOMPARE(added.count(), 2);
         QCOMPARE(xIndex.count(), 1);
         QCOMPARE(a->parent(), &target);
-        QCOMPARE(c->deviceGroup(), &target);
-        QCOMPARE(c->indexInGroup(), 2);
-        QCOMPARE(c->serverParamsSmallView()->maxSize(), 1440);
-        // The host went with the move: the source is no longer under group control.
-        QVERIFY(!source.groupControlMode());
-        QVERIFY(!a->isHostDevice());
+        QCOMPARE(target.devices().at(2)->indexInGroup(), 2);
+        QCOMPARE(target.devices().at(2)->serverParamsSmallView()->maxSize(), 1440);
+        QVERIFY(!source.groupControlMode() && !a->isHostDevice());
     }
 };
 

@@ -57,36 +57,30 @@ private slots:
         QVERIFY(!QFile::exists(file()));
     }
 
-    void emptyNicknameRemovesAndEmptySerialIsIgnored()
+    void emptyNicknameRemovesAndClearAllSignalsEachSerial()
     {
         settings()->setDeviceNickname("S", "Rack 1");
+        settings()->setDeviceNickname("b", "2");
+        settings()->setDeviceNickname("a", "1");
         QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
         settings()->setDeviceNickname("S", "");
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(spy.at(0), (QVariantList{"S", ""}));
-        QCOMPARE(settings()->getDeviceNickname("S"), QString());
-        QVERIFY(fileMembers().isEmpty());
         settings()->removeDeviceNickname("S");
         QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0), (QVariantList{"S", ""}));
+        QCOMPARE(fileMembers(), (QJsonObject{{"a", "1"}, {"b", "2"}}));
+
+        // Clearing announces each serial in order and leaves an empty file.
+        settings()->clearAllDeviceNicknames();
+        QCOMPARE(spy.count(), 3);
+        QCOMPARE(spy.at(1), (QVariantList{"a", ""}));
+        QCOMPARE(spy.at(2), (QVariantList{"b", ""}));
+        QVERIFY(QFile::exists(file()) && fileMembers().isEmpty());
 
         // No serial: nothing is kept, announced or written.
         QFile::remove(file());
         settings()->setDeviceNickname("", "Nobody");
-        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.count(), 3);
         QVERIFY(!QFile::exists(file()));
-    }
-
-    void clearAllSignalsEachSerialInOrder()
-    {
-        settings()->setDeviceNickname("b", "2");
-        settings()->setDeviceNickname("a", "1");
-        QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
-        settings()->clearAllDeviceNicknames();
-        QCOMPARE(spy.count(), 2);
-        QCOMPARE(spy.at(0), (QVariantList{"a", ""}));
-        QCOMPARE(spy.at(1), (QVariantList{"b", ""}));
-        QVERIFY(fileMembers().isEmpty());
-        QVERIFY(QFile::exists(file()));
     }
 
     void loadSkipsBadMembers()
