@@ -66,12 +66,10 @@ private slots:
         QFETCH(bool, crashed);
         QFETCH(QByteArray, out);
         QFETCH(QByteArray, err);
-        QFETCH(QString, text);
-        QFETCH(QString, code);
         const AdbResult result = AdbResult::classify(kind, exitCode, crashed, out, err);
         QTEST(result.status, "status");
-        QCOMPARE(result.text, text);
-        QCOMPARE(result.failureCode, code);
+        QTEST(result.text, "text");
+        QTEST(result.failureCode, "code");
     }
 };
 

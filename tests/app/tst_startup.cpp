@@ -1,6 +1,7 @@
 #include "appconfig.h"
 #include "appstartup.h"
 #include "fakeadb.h"
+#include "qmlwarnings.h"
 #include "testfiles.h"
 
 #include <QGuiApplication>
@@ -13,18 +14,6 @@
 
 Q_IMPORT_QML_PLUGIN(KorvelPlugin)
 
-namespace {
-QStringList qmlWarnings;
-QtMessageHandler previousHandler = nullptr;
-
-void collectWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    if (type != QtDebugMsg && type != QtInfoMsg && message.contains("qml", Qt::CaseInsensitive))
-        qmlWarnings << message;
-    previousHandler(type, context, message);
-}
-}
-
 // Brings the application up in-process, as main() does, with a stand-in adb found on the PATH.
 class TestStartup : public QObject
 {
@@ -32,6 +21,8 @@ class TestStartup : public QObject
 
 private:
     FakeAdb m_adb;
+    // Installed once the test log has its own handler, so that both see every message.
+    std::optional<QmlWarnings> m_warnings;
     QQmlApplicationEngine *m_engine = nullptr;
 
     QQuickWindow *window() const
@@ -59,7 +50,7 @@ private slots:
             QVERIFY(probe.listen(QHostAddress::LocalHost));
             qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(probe.serverPort()));
         }
-        previousHandler = qInstallMessageHandler(collectWarnings);
+        m_warnings.emplace();
         AppStartup::configureApplication();
         // A damaged phrase file, as a crash or another program may leave it, and a groups file
         // left cut short by hand: the window must say where each went.
@@ -85,7 +76,7 @@ private slots:
         QSignalSpy swapped(window(), &QQuickWindow::frameSwapped);
         window()->update();
         QVERIFY(swapped.wait());
-        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
+        QVERIFY2(m_warnings->isEmpty(), m_warnings->text());
     }
 
     void damagedFilesAreKeptAndNamedToTheUser()
@@ -138,7 +129,7 @@ private slots:
         QTRY_VERIFY(popup->property("opened").toBool());
         QMetaObject::invokeMethod(popup, "close");
         QTRY_VERIFY(!popup->property("visible").toBool());
-        QVERIFY2(qmlWarnings.isEmpty(), qPrintable(qmlWarnings.join("\n")));
+        QVERIFY2(m_warnings->isEmpty(), m_warnings->text());
     }
 
     void quittingKillsTheAdbServerOnce()
@@ -152,7 +143,7 @@ private slots:
     void cleanupTestCase()
     {
         delete m_engine;
-        qInstallMessageHandler(previousHandler);
+        m_warnings.reset();
     }
 };
 
