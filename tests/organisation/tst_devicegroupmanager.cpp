@@ -48,14 +48,6 @@ QStringList namesOf(const DeviceGroupManager &manager)
         names << group->name();
     return names;
 }
-
-QStringList serialsOf(const QList<ADBDeviceInfo> &infos)
-{
-    QStringList serials;
-    for (const ADBDeviceInfo &info : infos)
-        serials << info.adb_serial;
-    return serials;
-}
 }
 
 class TestDeviceGroupManager : public QObject
