@@ -8,16 +8,6 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
-namespace {
-ADBDeviceInfo record(const QString &serial, bool usb = true)
-{
-    ADBDeviceInfo info;
-    info.adb_serial = serial;
-    info.is_usb_connection = usb;
-    return info;
-}
-}
-
 class TestDeviceGroup : public QObject
 {
     Q_OBJECT
@@ -30,7 +20,7 @@ private:
     {
         QList<ADBDeviceInfo> records;
         for (const QString &serial : serials)
-            records << record(serial);
+            records << ADBDeviceInfo{serial};
         const int expected = group.deviceCount() + serials.size();
         QVERIFY(group.addDevices(records));
         QTRY_COMPARE(group.deviceCount(), expected);
@@ -68,7 +58,7 @@ private slots:
 
         QVERIFY(!group.addDevices({}));
         clock.start();
-        QVERIFY(group.addDevices({record("A"), record("192.168.1.7:5555", false), record("C")}));
+        QVERIFY(group.addDevices({{"A", {}, {}, true}, {"192.168.1.7:5555"}, {"C", {}, {}, true}}));
         QCOMPARE(group.deviceCount(), 0);
         QTRY_COMPARE(group.deviceCount(), 3);
 
@@ -93,7 +83,7 @@ private slots:
         QPointer<Device> pending;
         {
             DeviceGroup group;
-            group.addDevices({record("A"), record("B")});
+            group.addDevices({{"A"}, {"B"}});
             QTRY_COMPARE(group.deviceCount(), 1);
             pending = group.findChildren<Device *>().constLast();
             QVERIFY(pending != group.devices().first());

@@ -95,16 +95,20 @@ private slots:
     void unusableFilesAreKeptAside_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("corrupt") << QByteArray("{\"device_nicknames\": {\"a\": ");
-        QTest::newRow("array") << QByteArray("[1, 2, 3]");
-        QTest::newRow("wrong type") << QByteArray(R"({"device_nicknames": ["a", "b"]})");
-        QTest::newRow("empty") << QByteArray();
+        QTest::addColumn<bool>("folder");
+        QTest::newRow("corrupt") << QByteArray("{\"device_nicknames\": {\"a\": ") << false;
+        QTest::newRow("array") << QByteArray("[1, 2, 3]") << false;
+        QTest::newRow("wrong type") << QByteArray(R"({"device_nicknames": ["a", "b"]})") << false;
+        QTest::newRow("empty") << QByteArray() << false;
+        // A folder cannot be read as a file, even by root.
+        QTest::newRow("a folder in its place") << QByteArray() << true;
     }
 
     void unusableFilesAreKeptAside()
     {
         QFETCH(QByteArray, content);
-        QVERIFY(TestFiles::write(file(), content));
+        QFETCH(bool, folder);
+        QVERIFY(folder ? QDir().mkpath(file() + "/inside") : TestFiles::write(file(), content));
         QSignalSpy message(settings(), &DeviceSettings::fileMessageChanged);
         settings()->reload();
         QVERIFY(settings()->getAllDeviceSerials().isEmpty());
@@ -113,7 +117,7 @@ private slots:
         // The next rename writes a new file; the user's own stays, named in the message.
         settings()->setDeviceNickname("a", "Alpha");
         QCOMPARE(fileMembers(), QJsonObject({{"a", "Alpha"}}));
-        const QStringList aside = TestFiles::keptAside(file());
+        const QStringList aside = TestFiles::keptAside(file(), QDir::Files | QDir::Dirs);
         QCOMPARE(aside.size(), 1);
         QVERIFY2(QRegularExpression(R"(\.corrupt-\d{8}-\d{6}$)").match(aside.first()).hasMatch(), qPrintable(aside.first()));
         QCOMPARE(TestFiles::read(aside.first()), content);
@@ -123,19 +127,7 @@ private slots:
         // A good file clears the message.
         settings()->reload();
         QCOMPARE(settings()->fileMessage(), QString());
-        QVERIFY(QFile::remove(aside.first()));
-    }
-
-    void unreadableFileIsKeptAside()
-    {
-        // A folder where the file should be cannot be read as a file, even by root.
-        QVERIFY(QDir().mkpath(file() + "/inside"));
-        settings()->reload();
-        QVERIFY(settings()->getAllDeviceSerials().isEmpty());
-        QVERIFY(!QFileInfo::exists(file()));
-        const QStringList aside = TestFiles::keptAside(file(), QDir::Dirs);
-        QCOMPARE(aside.size(), 1);
-        QVERIFY(QDir(aside.first()).removeRecursively());
+        QVERIFY(folder ? QDir(aside.first()).removeRecursively() : QFile::remove(aside.first()));
     }
 
     void failedSaveKeepsPreviousFile()
