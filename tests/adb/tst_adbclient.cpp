@@ -3,7 +3,6 @@
 #include "fakeadb.h"
 
 #include <QTcpServer>
-#include <QTemporaryFile>
 #include <QtTest>
 
 using Args = QStringList;

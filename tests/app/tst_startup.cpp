@@ -25,10 +25,7 @@ private:
     std::optional<QmlWarnings> m_warnings;
     QQmlApplicationEngine *m_engine = nullptr;
 
-    QQuickWindow *window() const
-    {
-        return m_engine->rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(m_engine->rootObjects().first());
-    }
+    QQuickWindow *window() const { return qobject_cast<QQuickWindow *>(m_engine->rootObjects().value(0)); }
 
     QObject *find(const char *name) const { return window()->findChild<QObject *>(name); }
 
@@ -71,7 +68,6 @@ private slots:
         QVERIFY(!QGuiApplication::windowIcon().isNull());
         QVERIFY(window());
         QVERIFY(QTest::qWaitForWindowExposed(window()));
-        QCOMPARE(window()->title(), QString("Phone Farms"));
         // A frame drawn after the first one: every binding of the window has been evaluated.
         QSignalSpy swapped(window(), &QQuickWindow::frameSwapped);
         window()->update();
@@ -123,8 +119,7 @@ private slots:
         QCOMPARE(item->property("text").toString(), QString(QTest::currentDataTag()));
         QVERIFY(item->property("enabled").toBool());
         QObject *popup = find(dialog.constData());
-        QVERIFY(popup);
-        QVERIFY(!popup->property("opened").toBool());
+        QVERIFY(popup && !popup->property("opened").toBool());
         QVERIFY(QMetaObject::invokeMethod(item, "triggered"));
         QTRY_VERIFY(popup->property("opened").toBool());
         QMetaObject::invokeMethod(popup, "close");

@@ -7,12 +7,8 @@
 #include "fakeadb.h"
 #include "testfiles.h"
 
-#include <QJsonDocument>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <QtEndian>
 #include <QtTest>
 
 namespace {

@@ -3,8 +3,6 @@
 #include "commonphrasemanager.h"
 #include "testfiles.h"
 
-#include <QJsonDocument>
-#include <QRegularExpression>
 #include <QtTest>
 
 namespace {

@@ -5,7 +5,6 @@
 #include "groupserials.h"
 #include "serverparams.h"
 
-#include <QElapsedTimer>
 #include <QtTest>
 
 class TestDeviceGroup : public QObject

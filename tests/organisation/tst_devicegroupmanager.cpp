@@ -8,8 +8,6 @@
 #include "groupserials.h"
 #include "testfiles.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QtTest>
 
 namespace {

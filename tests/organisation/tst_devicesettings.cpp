@@ -2,8 +2,6 @@
 #include "devicesettings.h"
 #include "testfiles.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtTest>
 
 #include <csignal>

@@ -4,7 +4,6 @@
 #include "controller.h"
 #include "groupreplay.h"
 
-#include <QBuffer>
 #include <QtTest>
 
 namespace {

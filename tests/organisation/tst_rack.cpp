@@ -9,9 +9,6 @@
 #include "phonefixture.h"
 #include "testfiles.h"
 
-#include <QElapsedTimer>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QtTest>
 
 #include <unistd.h>
@@ -280,24 +277,22 @@ private slots:
 
     void groupsWithPhonesSurviveARestart()
     {
-        const QList<PhoneSimProcess *> phones{m_good[0], m_good[1], m_good[2]};
-        const QStringList rackSerials{phones[2]->serial(), phones[0]->serial()};
+        // Not in the order adb lists them.
+        const QStringList rack{m_good[2]->serial(), m_good[0]->serial()};
         {
             DeviceGroupManager first;
             first.createDeviceGroup("Rack");
-            // Not in the order adb lists them.
-            QVERIFY(first.deviceGroups().at(1)->addDevices({ADBDeviceInfo{phones[2]->serial()}, ADBDeviceInfo{phones[0]->serial()}}));
-            QVERIFY(first.deviceGroups().at(0)->addDevices({ADBDeviceInfo{phones[1]->serial()}}));
+            QVERIFY(first.deviceGroups().at(1)->addDevices({{rack[0]}, {rack[1]}}));
+            QVERIFY(first.deviceGroups().at(0)->addDevices({{m_good[1]->serial()}}));
             QTRY_COMPARE(first.totalDeviceCount(), 3);
-            QCOMPARE(serialsOf(first.deviceGroups().at(1)), rackSerials);
+            QCOMPARE(serialsOf(first.deviceGroups().at(1)), rack);
         }
-        const QJsonArray groups = QJsonDocument::fromJson(TestFiles::read(DeviceGroupManager::filePath()))
-                                      .object().value("device_groups").toArray();
-        QCOMPARE(groups.at(1)["devices"].toArray(), QJsonArray::fromStringList(rackSerials));
+        const QJsonDocument saved = QJsonDocument::fromJson(TestFiles::read(DeviceGroupManager::filePath()));
+        QCOMPARE(saved["device_groups"][1]["devices"].toArray(), QJsonArray::fromStringList(rack));
 
         DeviceGroupManager again;
-        QTRY_COMPARE_WITH_TIMEOUT(serialsOf(again.deviceGroups().at(1)), rackSerials, 15000);
-        QTRY_COMPARE_WITH_TIMEOUT(serialsOf(again.deviceGroups().at(0)), QStringList{phones[1]->serial()}, 15000);
+        QTRY_COMPARE_WITH_TIMEOUT(serialsOf(again.deviceGroups().at(1)), rack, 15000);
+        QTRY_COMPARE_WITH_TIMEOUT(serialsOf(again.deviceGroups().at(0)), QStringList{m_good[1]->serial()}, 15000);
         QVERIFY(again.availableDeviceInfos().isEmpty());
     }
 
