@@ -101,11 +101,6 @@ private slots:
         row("devices", [] { return AdbClient::devices().isEmpty(); }, {{"devices", "-l"}});
         row("usb", [] { return AdbClient::usb("S1"); }, {{"-s", "S1", "usb"}});
         row("tcpip", [] { return AdbClient::tcpip("S1", 5555); }, {{"-s", "S1", "tcpip", "5555"}});
-        row("forward", [] { return AdbClient::forward("S1", 7000, 7347); }, {{"-s", "S1", "forward", "tcp:7000", "tcp:7347"}});
-        row("removeForward", [] { return AdbClient::removeForward("S1", 7000); },
-            {{"-s", "S1", "forward", "--remove", "tcp:7000"}});
-        row("reverse", [] { return AdbClient::reverse("S1", "scrcpy_00001234", 27183); },
-            {{"-s", "S1", "reverse", "localabstract:scrcpy_00001234", "tcp:27183"}});
         row("removeReverse", [] { return AdbClient::removeReverse("S1", "scrcpy_00001234"); },
             {{"-s", "S1", "reverse", "--remove", "localabstract:scrcpy_00001234"}});
         row("reboot", reboot, {{"-s", "S1", "reboot"}});
@@ -131,7 +126,6 @@ private slots:
         const Operation shutdown = [] { return AdbClient::shutdown("S1"); };
         const Args qemu{"-s", "S1", "shell", "getprop", "ro.kernel.qemu"};
         row("shutdown of an emulator", shutdown, {qemu, {"-s", "S1", "emu", "kill"}}, 0, "1\\n");
-        row("shutdown of a phone", shutdown, {qemu, {"-s", "S1", "reboot", "-p"}}, 0, "0\\n");
         row("shutdown without the property", shutdown, {qemu, {"-s", "S1", "reboot", "-p"}});
         // Any existing file will do as the picture.
         const QString picture = QCoreApplication::applicationFilePath();

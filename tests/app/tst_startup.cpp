@@ -77,18 +77,14 @@ private slots:
 
     void damagedFilesAreKeptAndNamedToTheUser()
     {
-        // The user is told where each file went; it is kept as it was and nothing is written over it.
+        // The user is told where each file went; how it is kept is tried on tst_devicesettings.
         auto *alert = find("fileAlert");
         QTRY_VERIFY(alert->property("opened").toBool());
         const QString message = alert->property("message").toString();
         QVERIFY2(message.contains("device_groups.json could not be read") && message.contains("device_groups.json.corrupt-"),
                  qPrintable(message));
-        const QString phrases = AppConfig::instance()->getCommonPhraseSavePath() + "/common_phrases.json";
-        const QStringList kept = TestFiles::keptAside(phrases);
-        QCOMPARE(kept.size(), 1);
-        QVERIFY2(message.contains(kept.first()), qPrintable(message));
-        QCOMPARE(TestFiles::read(kept.first()), QByteArray("{\"categories\": ["));
-        QVERIFY(!QFile::exists(phrases));
+        const QStringList kept = TestFiles::keptAside(AppConfig::instance()->getCommonPhraseSavePath() + "/common_phrases.json");
+        QVERIFY2(kept.size() == 1 && message.contains(kept.first()), qPrintable(message));
         QMetaObject::invokeMethod(alert, "close");
         QTRY_VERIFY(!alert->property("visible").toBool());
     }
