@@ -1,5 +1,5 @@
 // The rescaling edge cases of group replay. Delivery of touches, scrolls, keys and text to every
-// phone after its own delay is proven on simulated phones by tst_groupcontrol, the end of a pending
+// phone after its own delay is proven on simulated phones by tst_rack, the end of a pending
 // copy with its controller by tst_controller. The fields a copy keeps are checked byte for byte.
 #include "controller.h"
 #include "groupreplay.h"

@@ -3,9 +3,11 @@
 #include "adbpool.h"
 #include "adbworkpool.h"
 #include "appconfig.h"
+#include "controller.h"
 #include "devicegroupmanager.h"
 #include "groupoperation.h"
 #include "groupserials.h"
+#include "keymappingprofile.h"
 #include "phonefixture.h"
 #include "testfiles.h"
 
@@ -17,7 +19,8 @@ using TestFiles::sha256;
 
 // A rack of simulated phones through Debian's real adb: operations on every phone (each gets its
 // row and its verdict, awkward file names arrive intact and run nothing, cancel leaves nothing),
-// the groups coming back as the user left them, and the adb server restarted from the menu.
+// group control from a host phone, the groups coming back as the user left them, and the adb
+// server restarted from the menu. Stopping a whole group is proven by tst_phonegrid.
 class TestRack : public QObject
 {
     Q_OBJECT
@@ -25,7 +28,7 @@ class TestRack : public QObject
 private:
     std::unique_ptr<PhoneFixture> m_fixture;
     QTemporaryDir m_files;
-    QList<PhoneSimProcess *> m_good;   // three phones that accept installs
+    QList<PhoneSimProcess *> m_good; // three phones that accept installs
     PhoneSimProcess *m_refusing = nullptr;
     PhoneSimProcess *m_slow = nullptr;
 
@@ -57,6 +60,17 @@ private:
         return found;
     }
 
+    // The control messages of one type a phone has read since `since` (ms since the epoch).
+    static QList<QJsonObject> readSince(const PhoneSimProcess *phone, const QString &type, qint64 since)
+    {
+        QList<QJsonObject> found;
+        for (const QJsonObject &line : phone->journal("control")) {
+            if (line["type"].toString() == type && qint64(line["time"].toDouble()) >= since)
+                found.append(line);
+        }
+        return found;
+    }
+
     QStringList tmpListing(PhoneSimProcess *phone) const
     {
         const AdbRunner::Result listing = m_fixture->adb().run({"-s", phone->serial(), "shell", "ls", "/data/local/tmp"});
@@ -71,9 +85,14 @@ private slots:
     {
         QVERIFY(AdbRunner::available());
         m_fixture = std::make_unique<PhoneFixture>();
-        for (const QStringList &extra : {QStringList{}, {}, {}, {"--fail-install", "INSTALL_FAILED_OLDER_SDK"},
-                                         {"--slow-sync", "65536"}}) {
-            PhoneSimProcess *phone = m_fixture->addPhone({720, 1600}, extra);
+        // Four sizes for group control; the last two phones refuse installs and push slowly.
+        const QList<QPair<QSize, QStringList>> phones{{{1080, 2400}, {}},
+                                                     {{720, 1600}, {}},
+                                                     {{1080, 2340}, {}},
+                                                     {{1440, 3200}, {"--fail-install", "INSTALL_FAILED_OLDER_SDK"}},
+                                                     {{720, 1600}, {"--slow-sync", "65536"}}};
+        for (const auto &[size, extra] : phones) {
+            PhoneSimProcess *phone = m_fixture->addPhone(size, extra);
             QVERIFY2(phone, qPrintable(m_fixture->error()));
             m_good << phone;
         }
@@ -273,6 +292,109 @@ private slots:
         QVERIFY(!shots->running());
         QCOMPARE(shots->summary(), QString("2 failed"));
         QCOMPARE(shots->output(1), QString("Not Connected"));
+    }
+
+    // What the host plays (a touch, a mapped key, a wheel turn, a stored phrase, a key) reaches
+    // every phone of the group after that phone's own random delay, positions at each phone's own
+    // scale; what another phone plays drives that phone alone.
+    void groupControlReplaysTheHostOnEveryPhone()
+    {
+        const QList<PhoneSimProcess *> phones = m_good + QList<PhoneSimProcess *>{m_refusing};
+        // The phones encode sizes in multiples of 8, so 2340 lines arrive as 2336.
+        const QList<QSize> frames{{1080, 2400}, {720, 1600}, {1080, 2336}, {1440, 3200}};
+        DeviceGroup group;
+        group.renameTo("Rack");
+        group.setMaxSize(0);
+        // Added as a scan adds them, so that they take the group's settings.
+        QVERIFY(group.addDevices({{phones[0]->serial()}, {phones[1]->serial()}, {phones[2]->serial()}, {phones[3]->serial()}}));
+        QTRY_COMPARE(group.deviceCount(), 4);
+        const auto device = [&](int row) { return group.devices().at(row); };
+        group.startAllDevices();
+        for (int row = 0; row < 4; ++row) {
+            QTRY_VERIFY_WITH_TIMEOUT(device(row)->controller() != nullptr, 20000);
+            QTRY_COMPARE_WITH_TIMEOUT(device(row)->frameSize(), frames.at(row), 20000);
+        }
+        group.startGroupControl();
+
+        // Each phone but the host draws a delay of its own below the bound, in the background.
+        const auto applyDelay = [&](int seconds) {
+            group.setClickDelaySeconds(seconds);
+            group.applySettingsToAllDevices();
+            return QTest::qWaitFor([&] { return group.findChildren<QFutureWatcherBase *>().isEmpty(); });
+        };
+        const auto delays = [&] {
+            QList<int> all;
+            for (int row = 0; row < 4; ++row)
+                all << device(row)->controller()->clickDelayMilliSeconds();
+            return all;
+        };
+        QVERIFY(applyDelay(2));
+        const QList<int> drawn = delays();
+        QCOMPARE(drawn[0], 0);
+        for (const int delay : drawn.mid(1))
+            QVERIFY2(delay >= 0 && delay < 2000, qPrintable(QString::number(delay)));
+        QVERIFY(QSet<int>(drawn.cbegin() + 1, drawn.cend()).size() > 1);
+
+        KeyMappingProfile profile("Farm");
+        QVERIFY(profile.addMapping(Qt::Key_F, 0, "F", 0.25, 0.75, 1));
+        device(0)->setCurrentKeyMappingProfile(&profile);
+        device(0)->setShowSize(QSize(540, 1200));
+        const qint64 sentAt = QDateTime::currentMSecsSinceEpoch();
+        device(2)->controller()->actionBack();
+        Controller *host = device(0)->controller();
+        for (const auto action : {ControlMsg::TouchDown, ControlMsg::TouchUp})
+            host->send(ControlMsg::injectTouch(quint64(-2), action, 1, 1, {QPoint(540, 1200), QSize(1080, 2400)},
+                                               action == ControlMsg::TouchDown ? 1.0f : 0.0f));
+        host->handleKeyEvent(6, Qt::Key_F, 0, "f");
+        host->handleKeyEvent(7, Qt::Key_F, 0, "f");
+        host->handleWheelEvent(270, 600, 0, 120, 0);
+        host->actionInputText("收菜 ✓");
+        host->actionHome();
+        device(0)->setCurrentKeyMappingProfile(nullptr);
+
+        const QList<QPoint> centres{{540, 1200}, {360, 800}, {540, 1168}, {720, 1600}};
+        const QList<QPoint> taps{{270, 1800}, {180, 1200}, {270, 1752}, {360, 2400}};
+        // Where an event landed, on the screen size it was written for.
+        const auto where = [](const QJsonObject &e) {
+            return QRect(e["x"].toInt(), e["y"].toInt(), e["screenWidth"].toInt(), e["screenHeight"].toInt());
+        };
+        for (int row = 0; row < 4; ++row) {
+            // Each phone gets its copies in the order sent, so a copy of phone 3's Back would come
+            // before the host's Home; the mapped letter is not typed.
+            const auto keycodes = [&] {
+                QList<int> codes;
+                for (const QJsonObject &key : readSince(phones[row], "InjectKeycode", sentAt))
+                    codes << key["keycode"].toInt();
+                return codes;
+            };
+            const QList<int> expected = row == 2 ? QList<int>{4, 4, 3, 3} : QList<int>{3, 3};
+            QTRY_COMPARE_WITH_TIMEOUT(keycodes().size(), expected.size(), 10000);
+            QCOMPARE(keycodes(), expected);
+            QCOMPARE(readSince(phones[row], "SetClipboard", sentAt).size(), 1);
+            QCOMPARE(readSince(phones[row], "SetClipboard", sentAt)[0]["text"].toString(), QString("收菜 ✓"));
+            const QList<QJsonObject> touches = readSince(phones[row], "InjectTouchEvent", sentAt);
+            QCOMPARE(touches.size(), 4);
+            for (int i = 0; i < 4; ++i) {
+                QCOMPARE(touches[i]["action"].toInt(), i % 2);
+                QCOMPARE(where(touches[i]), QRect(i < 2 ? centres.at(row) : taps.at(row), frames.at(row)));
+            }
+            QCOMPARE(touches[0]["pointerId"].toDouble(), -2.0);
+            const QList<QJsonObject> wheel = readSince(phones[row], "InjectScrollEvent", sentAt);
+            QCOMPARE(wheel.size(), 1);
+            QCOMPARE(where(wheel[0]), QRect(centres.at(row), frames.at(row)));
+            QCOMPARE(wheel[0]["vscroll"].toDouble(), 1.0);
+            // Not before the phone's own delay; the upper bound is wide, the machine is shared.
+            const qint64 after = qint64(touches[0]["time"].toDouble()) - sentAt;
+            QVERIFY2(after >= drawn.at(row) && after <= drawn.at(row) + 3000,
+                     qPrintable(QString("phone %1: %2 ms for a %3 ms delay").arg(row).arg(after).arg(drawn.at(row))));
+        }
+
+        // Back to no delay: the phones keep the delays they drew.
+        QVERIFY(applyDelay(0));
+        QCOMPARE(delays(), drawn);
+        group.stopAllDevices();
+        for (int row = 0; row < 4; ++row)
+            QTRY_VERIFY_WITH_TIMEOUT(!device(row)->running(), 10000);
     }
 
     void groupsWithPhonesSurviveARestart()
