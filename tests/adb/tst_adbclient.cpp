@@ -46,14 +46,6 @@ private slots:
         QTEST(AdbClient::run({"shell", "echo"}), "expected");
     }
 
-    void runReportsMissingProgram()
-    {
-        AdbClient::setProgram("/nonexistent/adb");
-        const QString result = AdbClient::run({"devices"});
-        AdbClient::setProgram(m_adb.program());
-        QVERIFY2(QRegularExpression("^\\[error\\] failed to start adb: .+").match(result).hasMatch(), qPrintable(result));
-    }
-
     void timeoutClassFollowsArguments_data()
     {
         QTest::addColumn<Args>("args");
@@ -120,6 +112,12 @@ private slots:
         // Nothing to send: no adb at all.
         row("push of a missing file", [] { return !AdbClient::push("S1", "/nonexistent/file.bin", "/data/local/tmp/"); },
             {});
+        row("adb missing", [this] {
+            AdbClient::setProgram("/nonexistent/adb");
+            const QString result = AdbClient::run({"devices"});
+            AdbClient::setProgram(m_adb.program());
+            return QRegularExpression("^\\[error\\] failed to start adb: .+").match(result).hasMatch();
+        }, {});
         row("devices failing", [] { return AdbClient::devices().isEmpty(); }, {{"devices", "-l"}}, 1,
             "List of devices attached\\nA device", "cannot connect to daemon");
         // An emulator is killed, a phone powered off.

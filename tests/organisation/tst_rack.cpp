@@ -245,7 +245,7 @@ private slots:
         QVERIFY(!QFile::exists(m_slow->sandboxPath("/sdcard/Download/big.bin")));
     }
 
-    void typedCommandsRunLineByLine()
+    void commandsScriptsAndScreenshotsAnswerInEachPhonesRow()
     {
         // A bare shell reads commands from adb's input, gets none and ends; blank lines are skipped;
         // a failed line does not stop the next one, and the report says which phone failed.
@@ -256,6 +256,20 @@ private slots:
         QCOMPARE(operation->summary(), QString("2 failed"));
         const QString each = QString(32, '-') + "\n\n/system/bin/sh: nosuch: inaccessible or not found\nnext\n[failed]\n\n\n";
         QCOMPARE(operation->report(), "Device 1:\n" + each + "Device 2:\n" + each);
+
+        // A phone's own answer ends its row, whenever it comes.
+        operation = group.runAutojs(writeFile("hello.js", "toast('hello');"));
+        QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 15000);
+        for (int row = 0; row < 2; ++row) {
+            QCOMPARE(operation->output(row), QString("AutoJS script started"));
+            QTRY_VERIFY_WITH_TIMEOUT(!m_good[row]->journal("autojs").isEmpty(), 5000);
+        }
+        // Without a mirroring session there is no picture to save: every phone says so at once. A
+        // mirrored phone's picture is saved as tst_devicesession shows.
+        operation = group.screenshotAllDevices();
+        QVERIFY(!operation->running());
+        QCOMPARE(operation->summary(), QString("2 failed"));
+        QCOMPARE(operation->output(1), QString("Not Connected"));
     }
 
     void logcatStreamsUntilCancelled()
@@ -273,25 +287,6 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(operation.state(0), GroupOperation::Cancelled, 1000);
         QVERIFY(operation.output(0).contains("I phonesim: log line 3\n"));
         QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
-    }
-
-    void scriptsAndScreenshotsAnswerPerPhone()
-    {
-        // Each phone's own answer ends its row, whenever it comes. A mirrored phone's picture is
-        // saved as tst_devicesession shows.
-        DeviceGroup group;
-        fill(group, {m_good[0], m_good[1]});
-        GroupOperation *run = group.runAutojs(writeFile("hello.js", "toast('hello');"));
-        QTRY_VERIFY_WITH_TIMEOUT(!run->running(), 15000);
-        for (int row = 0; row < 2; ++row) {
-            QCOMPARE(run->output(row), QString("AutoJS script started"));
-            QTRY_VERIFY_WITH_TIMEOUT(!m_good[row]->journal("autojs").isEmpty(), 5000);
-        }
-        // Without a mirroring session there is no picture to save: every phone says so at once.
-        GroupOperation *shots = group.screenshotAllDevices();
-        QVERIFY(!shots->running());
-        QCOMPARE(shots->summary(), QString("2 failed"));
-        QCOMPARE(shots->output(1), QString("Not Connected"));
     }
 
     // What the host plays (a touch, a mapped key, a wheel turn, a stored phrase, a key) reaches
