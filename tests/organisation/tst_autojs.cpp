@@ -72,7 +72,6 @@ private slots:
     {
         m_adb.clear();
         m_server.reset();
-        Autojs::setConnectTimeout(30000);
     }
 
     void headerCarriesTheBodyLength()

@@ -161,13 +161,12 @@ private slots:
     void everyChangeIsSavedAndGroupChangesAnnounced()
     {
         DeviceGroupManager manager;
-        DeviceGroup *first = manager.deviceGroups().first();
         QSignalSpy groupsChanged(&manager, &DeviceGroupManager::deviceGroupsChanged);
         manager.createDeviceGroup("Second");
         DeviceGroup *second = manager.deviceGroups().at(1);
         second->renameTo("Shelf A");
         QCOMPARE(namesOf(manager), (QStringList{"Default Group", "Shelf A"}));
-        QCOMPARE(manager.currentSelectedGroup(), first);
+        QCOMPARE(manager.currentSelectedGroup(), manager.deviceGroups().first());
         QCOMPARE(groupsChanged.count(), 2);
         QCOMPARE(fileGroups().at(1)["name"].toString(), QString("Shelf A"));
         // A setting is saved but changes no list of groups.
@@ -195,12 +194,10 @@ private slots:
         QVERIFY(TestFiles::write(blocker, {}));
         AppConfig::instance()->setDeviceGroupSavePath(blocker + "/groups");
         DeviceGroupManager manager;
-        QCOMPARE(namesOf(manager), QStringList{"Default Group"});
+        manager.createDeviceGroup("X");
         const QString message = manager.fileMessage();
         QVERIFY2(message.contains(blocker + "/groups/device_groups.json") && message.contains("could not be saved"),
                  qPrintable(message));
-        manager.createDeviceGroup("X");
-        QCOMPARE(manager.deviceGroups().size(), 2);
 
         // Once the folder can be written, the next save goes through and the message goes away.
         QSignalSpy changed(&manager, &DeviceGroupManager::fileMessageChanged);
