@@ -79,9 +79,10 @@ private slots:
         QTest::addColumn<QString>("out");
         QTest::addColumn<QString>("err");
         QTest::addColumn<bool>("result");
+        QTest::addColumn<double>("sleep");
         auto row = [](const char *name, Operation op, const QList<Args> &calls, int exitCode = 0,
-                      const QString &out = {}, const QString &err = {}, bool result = true) {
-            QTest::newRow(name) << op << calls << exitCode << out << err << result;
+                      const QString &out = {}, const QString &err = {}, bool result = true, double sleep = 0) {
+            QTest::newRow(name) << op << calls << exitCode << out << err << result << sleep;
         };
         const Operation connect = [] { return AdbClient::connect("S1", "127.0.0.5", 5555); };
         const Operation disconnect = [] { return AdbClient::disconnect("127.0.0.1:5555"); };
@@ -97,9 +98,10 @@ private slots:
             {{"-s", "S1", "reverse", "--remove", "localabstract:scrcpy_00001234"}});
         row("reboot", reboot, {{"-s", "S1", "reboot"}});
         row("reboot without phone", reboot, {{"-s", "S1", "reboot"}}, 1, "", "device not found", false);
-        // "failed" is the only failure word of connect.
+        // "failed" is the only failure word of connect: a time-out still counts as success.
         row("connect", connect, {connectArgs});
         row("connect refused", connect, {connectArgs}, 1, "", "failed to connect", false);
+        row("connect timing out", connect, {connectArgs}, 0, "", "", true, 0.8);
         // disconnect needs adb's own answer.
         row("disconnect", disconnect, {disconnectArgs}, 0, "disconnected 127.0.0.1:5555");
         row("disconnect unknown address", disconnect, {disconnectArgs}, 1, "error: no such device '127.0.0.1:5555'",
@@ -140,15 +142,10 @@ private slots:
         QFETCH(int, exitCode);
         QFETCH(QString, out);
         QFETCH(QString, err);
-        m_adb.addRule("*", exitCode, out, err);
+        QFETCH(double, sleep);
+        m_adb.addRule("*", exitCode, out, err, sleep);
         QTEST(operation(), "result");
         QTEST(m_adb.calls(), "calls");
-    }
-
-    void connectTimeOutCountsAsSuccess()
-    {
-        m_adb.addRule("-s S1 connect *", 0, "", {}, 0.8);
-        QVERIFY(AdbClient::connect("S1", "127.0.0.9", 5555));
     }
 
     void quitKillsOnlyAServerKorvelStarted()

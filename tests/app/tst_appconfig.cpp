@@ -122,8 +122,7 @@ private slots:
                 ++messages;
             }
         }
-        QVERIFY(!xml.hasError());
-        QVERIFY(messages > 20);
+        QVERIFY(!xml.hasError() && messages > 20);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "appconfig.h"
 #include "appstartup.h"
 #include "fakeadb.h"
+#include "loopbacklease.h"
 #include "qmlwarnings.h"
 #include "testfiles.h"
 
@@ -9,7 +10,6 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
-#include <QTcpServer>
 #include <QtTest>
 
 Q_IMPORT_QML_PLUGIN(KorvelPlugin)
@@ -21,6 +21,7 @@ class TestStartup : public QObject
 
 private:
     FakeAdb m_adb;
+    std::optional<LoopbackLease> m_port;
     // Installed once the test log has its own handler, so that both see every message.
     std::optional<QmlWarnings> m_warnings;
     QQmlApplicationEngine *m_engine = nullptr;
@@ -42,15 +43,11 @@ private slots:
     {
         qputenv("PATH", (m_adb.folder() + ":" + qEnvironmentVariable("PATH")).toLocal8Bit());
         // No adb server answers on this port, so the one Korvel's adb calls would start is its own.
-        {
-            QTcpServer probe;
-            QVERIFY(probe.listen(QHostAddress::LocalHost));
-            qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(probe.serverPort()));
-        }
+        m_port.emplace(LoopbackLease::adbServerPort());
+        qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(m_port->value()));
         m_warnings.emplace();
         AppStartup::configureApplication();
-        // A damaged phrase file, as a crash or another program may leave it, and a groups file
-        // left cut short by hand: the window must say where each went.
+        // Damaged files, as a crash or a hand edit may leave them: the window must say where each went.
         const QString phrases = AppConfig::instance()->getCommonPhraseSavePath();
         QDir(phrases).removeRecursively();
         QVERIFY(TestFiles::write(phrases + "/common_phrases.json", "{\"categories\": ["));

@@ -1,6 +1,5 @@
-// The AutoJS bridge against a stand-in adb and a stand-in AutoJS server on the forwarded port.
-// Running and stopping a script on a simulated phone is proven by tst_devicecontrol; the phone's
-// replies are only framed (nothing in Korvel acts on them), which replyFraming and the fuzzer try.
+// The AutoJS bridge against a stand-in adb and AutoJS server. A simulated phone runs and stops scripts
+// in tst_devicecontrol; replies are only framed (nothing acts on them): replyFraming and the fuzzer.
 #include "adbclient.h"
 #include "autojs.h"
 #include "autojsprotocol.h"

@@ -132,8 +132,7 @@ private slots:
         DeviceGroup group;
         QSignalSpy saves(&group, &DeviceGroup::settingsChanged);
         QSignalSpy widths(&group, &DeviceGroup::bigViewWidthChanged);
-        // An unnamed group is in no file; loading announces the values but saves nothing; the same
-        // value again is nothing at all.
+        // An unnamed group is in no file; loading only announces; the same value again is nothing.
         group.setBigViewWidth(800);
         group.renameTo("Rack 1");
         group.loadSettings({{"bigViewWidth", 1280}});

@@ -90,8 +90,8 @@ private slots:
         QTest::newRow("first start") << QByteArray() << fresh << false;
         QTest::newRow("corrupt") << QByteArray("{\"device_groups\": [ {\"name\": \"Ra") << fresh << true;
         QTest::newRow("only an empty name") << QByteArray(R"({"device_groups":[{"name":"","settings":{}}]})") << fresh << false;
-        QTest::newRow("bad elements around a good one")
-            << QByteArray(R"({"device_groups":[42,{"name":7},{"settings":{}},null,)" + good + "]}") << QStringList{"Rack"} << false;
+        QTest::newRow("bad elements around a good one") << QByteArray(R"({"device_groups":[42,{"name":7},{"settings":{}},)"
+                                                                      R"(null,)" + good + "]}") << QStringList{"Rack"} << false;
         QTest::newRow("duplicate names") << QByteArray(R"({"device_groups":[)" + good + "," + good + R"(,{"name":"B"}]})")
                                          << QStringList{"Rack", "Rack", "B"} << false;
     }
@@ -106,8 +106,7 @@ private slots:
         DeviceGroupManager manager;
         QCOMPARE(namesOf(manager), names);
         QCOMPARE(manager.currentSelectedGroup(), manager.deviceGroups().first());
-        // A file that gave no group gets the default one, saved in full and indented as people read
-        // it; loading alone never rewrites what was read.
+        // Loading alone never rewrites what was read; no group read, the default one saved in full.
         if (names.first() == "Default Group") {
             QCOMPARE(fileGroups(), QJsonArray({QJsonObject{{"name", "Default Group"}, {"settings", kConstructorDefaults},
                                                            {"devices", QJsonArray()}}}));
@@ -132,8 +131,7 @@ private slots:
             {"name":"Odd values","settings":{"bigViewWidth":"800","showControlButtons":0,"cellWidth":null,"maxFPS":true}},
             {"name":"Every setting","settings":)" + QJsonDocument(kEverySetting).toJson() + "}]}"));
         DeviceGroupManager manager;
-        // A missing key or one of the wrong type takes its default; a record written before the big
-        // view had its own width gets the wide panel.
+        // A missing key or one of the wrong type takes its default; an old record, the wide big view.
         QList<QJsonObject> expected{
             kConstructorDefaults,
             defaultsWith({{"maxSize", 1080}, {"enableAudio", true}, {"orientation", 1}, {"clickDelaySeconds", 7},
@@ -174,8 +172,7 @@ private slots:
         QCOMPARE(groupsChanged.count(), 2);
         QCOMPARE(fileGroups().at(1)["settings"]["maxFPS"].toInt(), 60);
 
-        // A removed group's phones and their sessions go with it; the group itself lives on until
-        // the manager ends, as views may still hold it.
+        // A removed group's phones go with it; the group lives on for views that may still hold it.
         QPointer<DeviceGroup> guard(second);
         second->appendDevice(new Device(nullptr, second, "S2"));
         QPointer<Device> phone = second->devices().first();
@@ -229,15 +226,12 @@ private slots:
 
         // Moving a phone hands it over; removing it forgets it, so a later listing offers it.
         rack->moveDevicesToGroup({"A"}, shelf);
-        QCOMPARE(shelf->memberSerials(), (QStringList{"D", "A"}));
         rack->devices().first()->removeFromDeviceGroup();
-        QCOMPARE(rack->memberSerials(), (QStringList{"X", "B"}));
         QCOMPARE(fileGroups().at(0)["devices"].toArray(), QJsonArray({"X", "B"}));
         QCOMPARE(fileGroups().at(1)["devices"].toArray(), QJsonArray({"D", "A"}));
         manager.scanDevices();
         QTRY_VERIFY(!manager.isScanning());
         QCOMPARE(serialsOf(manager.availableDeviceInfos()), QStringList{"C"});
-        QCOMPARE(serialsOf(rack), (QStringList{"X", "B"}));
 
         // A fresh start on the same file finds everyone where they were.
         DeviceGroupManager again;

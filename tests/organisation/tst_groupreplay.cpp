@@ -1,6 +1,5 @@
-// The rescaling edge cases of group replay. Delivery of touches, scrolls, keys and text to every
-// phone after its own delay is proven on simulated phones by tst_rack, the end of a pending
-// copy with its controller by tst_controller. The fields a copy keeps are checked byte for byte.
+// The rescaling edge cases of group replay. Delivery to every phone after its own delay is proven by
+// tst_rack, the end of a pending copy with its controller by tst_controller.
 #include "controller.h"
 #include "groupreplay.h"
 

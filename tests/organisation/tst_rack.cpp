@@ -15,11 +15,8 @@
 
 #include <unistd.h>
 
-using TestFiles::sha256;
-
-// A rack of simulated phones through Debian's real adb: operations on every phone (each gets its
-// row and its verdict, awkward file names arrive intact and run nothing, cancel leaves nothing),
-// group control from a host phone, the groups coming back as the user left them, and the adb
+// A rack of simulated phones through Debian's real adb: operations on every phone, each with its own
+// row and verdict; group control from a host phone; the groups back as the user left them; the adb
 // server restarted from the menu. Stopping a whole group is proven by tst_phonegrid.
 class TestRack : public QObject
 {
@@ -126,7 +123,7 @@ private slots:
         for (int row = 0; row < 3; ++row) {
             QCOMPARE(operation->state(row), GroupOperation::Done);
             QCOMPARE(operation->output(row), QString("Success"));
-            QCOMPARE(m_good[row]->journal("install").last().value("sha256").toString(), sha256(apk));
+            QCOMPARE(m_good[row]->journal("install").last()["sha256"].toString(), TestFiles::sha256(apk));
         }
         QCOMPARE(operation->state(3), GroupOperation::Failed);
         QVERIFY2(operation->output(3).startsWith("Failure [INSTALL_FAILED_OLDER_SDK"), qPrintable(operation->output(3)));
@@ -154,7 +151,7 @@ private slots:
         QCOMPARE(operation->summary(), QString("3 done, 1 failed"));
         QVERIFY2(operation->output(3).startsWith("Failure [INSTALL_FAILED_OLDER_SDK"), qPrintable(operation->output(3)));
         QCOMPARE(m_good[1]->journal("install").last().value("path").toString(), QString("(streamed)"));
-        QCOMPARE(m_good[1]->journal("install").last().value("sha256").toString(), sha256(apk));
+        QCOMPARE(m_good[1]->journal("install").last()["sha256"].toString(), TestFiles::sha256(apk));
 
         // A package that cannot be pushed is never installed; the clean-up still runs.
         const int installs = m_good[0]->journal("install").size();
@@ -190,14 +187,14 @@ private slots:
         GroupOperation *install = group.installApk(path);
         QTRY_VERIFY_WITH_TIMEOUT(!install->running(), 30000);
         QCOMPARE(install->state(0), GroupOperation::Done);
-        QCOMPARE(phone->journal("install").last().value("sha256").toString(), sha256(apk));
+        QCOMPARE(phone->journal("install").last()["sha256"].toString(), TestFiles::sha256(apk));
 
         GroupOperation *upload = group.uploadFile(path);
         QTRY_VERIFY_WITH_TIMEOUT(!upload->running(), 30000);
         QCOMPARE(upload->state(0), GroupOperation::Done);
         const QJsonObject push = phone->journal("push").last();
         QCOMPARE(push.value("path").toString(), "/sdcard/Download/" + name);
-        QCOMPARE(push.value("sha256").toString(), sha256(apk));
+        QCOMPARE(push["sha256"].toString(), TestFiles::sha256(apk));
 
         // Nothing of the name ever reached the phone's shell, so nothing in it ran.
         QVERIFY(phone->journal("reboot").isEmpty());
@@ -208,8 +205,7 @@ private slots:
 
     void slowUploadsEndByTimeOutOrCancel()
     {
-        // A push says nothing until it ends; past the transfer time-out it is given up. 65536 bytes
-        // a second: this upload would take half a minute.
+        // 65536 bytes a second: half a minute. A silent push past the transfer time-out is given up.
         const QString path = writeFile("big.bin", QByteArray(2 * 1024 * 1024, 'x'));
         AdbJob::setTimeouts(30000, 1000);
         DeviceGroup alone;
@@ -244,8 +240,7 @@ private slots:
 
     void commandsScriptsAndScreenshotsAnswerInEachPhonesRow()
     {
-        // A bare shell reads commands from adb's input, gets none and ends; blank lines are skipped;
-        // a failed line does not stop the next one, and the report says which phone failed.
+        // A bare shell gets no input and ends; blank lines are skipped; a failed line stops nothing.
         DeviceGroup group;
         fill(group, {m_good[0], m_good[1]});
         GroupOperation *operation = group.executeADBCommand("shell\n\n  shell nosuch  \nshell echo next");
@@ -261,8 +256,7 @@ private slots:
             QCOMPARE(operation->output(row), QString("AutoJS script started"));
             QTRY_VERIFY_WITH_TIMEOUT(!m_good[row]->journal("autojs").isEmpty(), 5000);
         }
-        // Without a mirroring session there is no picture to save: every phone says so at once. A
-        // mirrored phone's picture is saved as tst_devicesession shows.
+        // Unmirrored phones have no picture to save and say so at once (tst_devicesession saves one).
         operation = group.screenshotAllDevices();
         QVERIFY(!operation->running());
         QCOMPARE(operation->summary(), QString("2 failed"));
@@ -286,9 +280,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
     }
 
-    // What the host plays (a touch, a mapped key, a wheel turn, a stored phrase, a key) reaches
-    // every phone of the group after that phone's own random delay, positions at each phone's own
-    // scale; what another phone plays drives that phone alone.
+    // A touch, a mapped key, a wheel turn, a phrase and a key from the host reach every phone after its
+    // own random delay, at its own scale; what another phone plays drives that phone alone.
     void groupControlReplaysTheHostOnEveryPhone()
     {
         const QList<PhoneSimProcess *> phones = m_good + QList<PhoneSimProcess *>{m_refusing};
@@ -347,8 +340,7 @@ private slots:
             return QRect(e["x"].toInt(), e["y"].toInt(), e["screenWidth"].toInt(), e["screenHeight"].toInt());
         };
         for (int row = 0; row < 4; ++row) {
-            // Each phone gets its copies in the order sent, so a copy of phone 3's Back would come
-            // before the host's Home; the mapped letter is not typed.
+            // Copies keep their order, so phone 3's Back would come before the host's Home anywhere.
             const auto keycodes = [&] {
                 QList<int> codes;
                 for (const QJsonObject &key : readSince(phones[row], "InjectKeycode", sentAt))
