@@ -1,14 +1,11 @@
-// common_phrases.json: what is read from it, what is written back, and that a damaged file is kept.
+// common_phrases.json: what is read from it and what is written back. A damaged file is kept aside
+// by the same JsonFile as the nicknames (tst_devicesettings), and named to the user (tst_startup).
 #include "commonphrasemanager.h"
+#include "testfiles.h"
 
-#include <QDir>
-#include <QFile>
-#include <QJsonDocument>
-#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
-
 // "category name(description): phrase text(description), ..." per category, then the current id.
 QString describe(CommonPhraseManager *manager)
 {
@@ -22,92 +19,55 @@ QString describe(CommonPhraseManager *manager)
     lines << "current=" + manager->currentCategoryId();
     return lines.join("\n");
 }
-
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-} // namespace
 
 class TestCommonPhraseManager : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void fileContents_data();
-    void fileContents();
-};
-
-void TestCommonPhraseManager::fileContents_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("loaded");
-    QTest::addColumn<bool>("damaged");
-
-    QTest::newRow("categories and phrases") << QByteArray(R"({"categories":[
-        {"id":"c1","name":"Greetings","description":"daily"},{"id":"c2","name":"Empty","description":""}],
-        "phrases":[{"id":"p1","text":"早上好","category":"c1","description":"morning"},
-                   {"id":"p2","text":"bye","category":"c1","description":""},
-                   {"id":"p3","text":"lost","category":"gone","description":""}],
-        "currentCategoryId":"c2"})")
-                                            << "Greetings(daily): 早上好(morning), bye()\nEmpty(): \ncurrent=c2" << false;
-    QTest::newRow("missing ids and keys") << QByteArray(R"({"categories":[{"name":"Only"}],"phrases":[{"text":"hi"}]})")
-                                          << "Only(): \ncurrent=" << false;
-    QTest::newRow("wrong types") << QByteArray(R"({"categories":[5,{"id":"c","name":7}],
-        "phrases":["x",{"id":"p","text":"ok","category":"c","description":false}],"currentCategoryId":[]})")
-                                 << "(): ok()\ncurrent=" << false;
-    QTest::newRow("not JSON") << QByteArray("{\"categories\": [{") << "current=" << true;
-    QTest::newRow("phrases not an array") << QByteArray(R"({"phrases":{"text":"hi"}})") << "current=" << true;
-}
-
-void TestCommonPhraseManager::fileContents()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(QString, loaded);
-    QFETCH(bool, damaged);
-
-    CommonPhraseManager *manager = CommonPhraseManager::instance();
-    const QString path = manager->filePath();
-    QDir folder = QFileInfo(path).dir();
-    QVERIFY(folder.mkpath("."));
-    for (const QString &name : folder.entryList(QDir::Files))
-        QVERIFY(QFile::remove(folder.filePath(name)));
+    void fileContents_data()
     {
-        QFile out(path);
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(file);
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("loaded");
+        QTest::newRow("categories and phrases") << QByteArray(R"({"categories":[
+            {"id":"c1","name":"Greetings","description":"daily"},{"id":"c2","name":"Empty","description":""}],
+            "phrases":[{"id":"p1","text":"早上好","category":"c1","description":"morning"},
+                       {"id":"p2","text":"bye","category":"c1","description":""},
+                       {"id":"p3","text":"lost","category":"gone","description":""}],
+            "currentCategoryId":"c2"})") << "Greetings(daily): 早上好(morning), bye()\nEmpty(): \ncurrent=c2";
+        QTest::newRow("missing ids and keys") << QByteArray(R"({"categories":[{"name":"Only"}],"phrases":[{"text":"hi"}]})")
+                                              << "Only(): \ncurrent=";
+        QTest::newRow("wrong types") << QByteArray(R"({"categories":[5,{"id":"c","name":7}],
+            "phrases":["x",{"id":"p","text":"ok","category":"c","description":false}],"currentCategoryId":[]})")
+                                     << "(): ok()\ncurrent=";
     }
 
-    manager->loadData();
-    QCOMPARE(describe(manager), loaded);
-    const QStringList kept = folder.entryList({"common_phrases.json.corrupt-*"}, QDir::Files);
-    if (damaged) {
-        QCOMPARE(kept.size(), 1);
-        QCOMPARE(readAll(folder.filePath(kept.first())), file);
-        QVERIFY2(manager->fileMessage().contains(kept.first()), qPrintable(manager->fileMessage()));
-        manager->addCategory("New");
-        QCOMPARE(readAll(folder.filePath(kept.first())), file);
-    } else {
-        QVERIFY(kept.isEmpty());
+    void fileContents()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, loaded);
+        CommonPhraseManager *manager = CommonPhraseManager::instance();
+        const QString path = manager->filePath();
+        QVERIFY(TestFiles::write(path, file));
+        manager->loadData();
+        QCOMPARE(describe(manager), loaded);
         QVERIFY(manager->fileMessage().isEmpty());
-    }
 
-    // Every entry has a 36-character id once saved, and the file reads back the same.
-    const QString before = describe(manager);
-    manager->saveData();
-    const QJsonObject written = QJsonDocument::fromJson(readAll(path)).object();
-    const QRegularExpression uuid("^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}$");
-    for (const QString key : {"categories", "phrases"}) {
-        for (const QJsonValue &entry : written.value(key).toArray()) {
-            const QString id = entry.toObject().value("id").toString();
-            QVERIFY2(id.size() <= 2 || uuid.match(id).hasMatch(), qPrintable(id));
+        // Every entry has a 36-character id once saved, and the file reads back the same.
+        manager->saveData();
+        const QJsonObject written = QJsonDocument::fromJson(TestFiles::read(path)).object();
+        const QRegularExpression uuid("^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}$");
+        for (const QString key : {"categories", "phrases"}) {
+            for (const QJsonValue &entry : written.value(key).toArray()) {
+                const QString id = entry.toObject().value("id").toString();
+                QVERIFY2(id.size() <= 2 || uuid.match(id).hasMatch(), qPrintable(id));
+            }
         }
+        manager->loadData();
+        QCOMPARE(describe(manager), loaded);
     }
-    manager->loadData();
-    QCOMPARE(describe(manager), before);
-}
+};
 
 QTEST_GUILESS_MAIN(TestCommonPhraseManager)
 #include "tst_commonphrasemanager.moc"

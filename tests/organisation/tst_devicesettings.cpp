@@ -1,8 +1,7 @@
 #include "appconfig.h"
 #include "devicesettings.h"
+#include "testfiles.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtTest>
 
 #include <csignal>
@@ -17,20 +16,9 @@ private:
     QString file() const { return m_folder.filePath("nicknames/device_nicknames.json"); }
     DeviceSettings *settings() const { return DeviceSettings::instance(); }
 
-    void writeFile(const QByteArray &content)
-    {
-        QDir().mkpath(QFileInfo(file()).path());
-        QFile out(file());
-        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        out.write(content);
-    }
-
     QJsonObject fileMembers() const
     {
-        QFile in(file());
-        if (!in.open(QIODevice::ReadOnly))
-            return {};
-        return QJsonDocument::fromJson(in.readAll()).object().value("device_nicknames").toObject();
+        return QJsonDocument::fromJson(TestFiles::read(file())).object().value("device_nicknames").toObject();
     }
 
 private slots:
@@ -51,58 +39,47 @@ private slots:
         QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
         settings()->setDeviceNickname("B-serial", "Bravo");
         settings()->setDeviceNickname("A-serial", "Alpha");
-        const QDateTime written = QFileInfo(file()).lastModified();
-        QTest::qWait(20);
-        settings()->setDeviceNickname("A-serial", "Alpha");
         QCOMPARE(spy.count(), 2);
         QCOMPARE(spy.at(1), (QVariantList{"A-serial", "Alpha"}));
-        QCOMPARE(QFileInfo(file()).lastModified(), written);
-
         QCOMPARE(fileMembers(), (QJsonObject{{"A-serial", "Alpha"}, {"B-serial", "Bravo"}}));
         QCOMPARE(settings()->getAllDeviceSerials(), (QStringList{"A-serial", "B-serial"}));
-        // Written indented, members in serial order.
-        QFile in(file());
-        QVERIFY(in.open(QIODevice::ReadOnly));
-        const QByteArray text = in.readAll();
-        QVERIFY(text.contains("\n    \"device_nicknames\": {"));
-        QVERIFY(text.indexOf("A-serial") < text.indexOf("B-serial"));
+
+        // The same name again: no signal, and the file is not written.
+        QVERIFY(QFile::remove(file()));
+        settings()->setDeviceNickname("A-serial", "Alpha");
+        QCOMPARE(spy.count(), 2);
+        QVERIFY(!QFile::exists(file()));
     }
 
-    void emptyNicknameRemovesAndEmptySerialIsIgnored()
+    void emptyNicknameRemovesAndClearAllSignalsEachSerial()
     {
         settings()->setDeviceNickname("S", "Rack 1");
+        settings()->setDeviceNickname("b", "2");
+        settings()->setDeviceNickname("a", "1");
         QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
         settings()->setDeviceNickname("S", "");
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(spy.at(0), (QVariantList{"S", ""}));
-        QCOMPARE(settings()->getDeviceNickname("S"), QString());
-        QVERIFY(fileMembers().isEmpty());
         settings()->removeDeviceNickname("S");
         QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0), (QVariantList{"S", ""}));
+        QCOMPARE(fileMembers(), (QJsonObject{{"a", "1"}, {"b", "2"}}));
+
+        // Clearing announces each serial in order and leaves an empty file.
+        settings()->clearAllDeviceNicknames();
+        QCOMPARE(spy.count(), 3);
+        QCOMPARE(spy.at(1), (QVariantList{"a", ""}));
+        QCOMPARE(spy.at(2), (QVariantList{"b", ""}));
+        QVERIFY(QFile::exists(file()) && fileMembers().isEmpty());
 
         // No serial: nothing is kept, announced or written.
         QFile::remove(file());
         settings()->setDeviceNickname("", "Nobody");
-        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.count(), 3);
         QVERIFY(!QFile::exists(file()));
-    }
-
-    void clearAllSignalsEachSerialInOrder()
-    {
-        settings()->setDeviceNickname("b", "2");
-        settings()->setDeviceNickname("a", "1");
-        QSignalSpy spy(settings(), &DeviceSettings::deviceNicknameChanged);
-        settings()->clearAllDeviceNicknames();
-        QCOMPARE(spy.count(), 2);
-        QCOMPARE(spy.at(0), (QVariantList{"a", ""}));
-        QCOMPARE(spy.at(1), (QVariantList{"b", ""}));
-        QVERIFY(fileMembers().isEmpty());
-        QVERIFY(QFile::exists(file()));
     }
 
     void loadSkipsBadMembers()
     {
-        writeFile(R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})");
+        QVERIFY(TestFiles::write(file(), R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})"));
         settings()->reload();
         QCOMPARE(settings()->getAllDeviceSerials(), QStringList{"good"});
         settings()->setDeviceNickname("other", "X");
@@ -112,17 +89,20 @@ private slots:
     void unusableFilesAreKeptAside_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("corrupt") << QByteArray("{\"device_nicknames\": {\"a\": ");
-        QTest::newRow("array") << QByteArray("[1, 2, 3]");
-        QTest::newRow("wrong type") << QByteArray(R"({"device_nicknames": ["a", "b"]})");
-        QTest::newRow("empty") << QByteArray();
+        QTest::addColumn<bool>("folder");
+        QTest::newRow("corrupt") << QByteArray("{\"device_nicknames\": {\"a\": ") << false;
+        QTest::newRow("array") << QByteArray("[1, 2, 3]") << false;
+        QTest::newRow("wrong type") << QByteArray(R"({"device_nicknames": ["a", "b"]})") << false;
+        QTest::newRow("empty") << QByteArray() << false;
+        // A folder cannot be read as a file, even by root.
+        QTest::newRow("a folder in its place") << QByteArray() << true;
     }
 
     void unusableFilesAreKeptAside()
     {
         QFETCH(QByteArray, content);
-        const QDir folder(QFileInfo(file()).path());
-        writeFile(content);
+        QFETCH(bool, folder);
+        QVERIFY(folder ? QDir().mkpath(file() + "/inside") : TestFiles::write(file(), content));
         QSignalSpy message(settings(), &DeviceSettings::fileMessageChanged);
         settings()->reload();
         QVERIFY(settings()->getAllDeviceSerials().isEmpty());
@@ -131,39 +111,23 @@ private slots:
         // The next rename writes a new file; the user's own stays, named in the message.
         settings()->setDeviceNickname("a", "Alpha");
         QCOMPARE(fileMembers(), QJsonObject({{"a", "Alpha"}}));
-        const QStringList aside = folder.entryList({"device_nicknames.json.corrupt-*"}, QDir::Files);
+        const QStringList aside = TestFiles::keptAside(file(), QDir::Files | QDir::Dirs);
         QCOMPARE(aside.size(), 1);
-        QFile kept(folder.filePath(aside.first()));
-        QVERIFY(kept.open(QIODevice::ReadOnly));
-        QCOMPARE(kept.readAll(), content);
-        QVERIFY2(settings()->fileMessage().contains(file()) && settings()->fileMessage().contains(kept.fileName()),
+        QVERIFY2(QRegularExpression(R"(\.corrupt-\d{8}-\d{6}$)").match(aside.first()).hasMatch(), qPrintable(aside.first()));
+        QCOMPARE(TestFiles::read(aside.first()), content);
+        QVERIFY2(settings()->fileMessage().contains(file()) && settings()->fileMessage().contains(aside.first()),
                  qPrintable(settings()->fileMessage()));
 
         // A good file clears the message.
         settings()->reload();
         QCOMPARE(settings()->fileMessage(), QString());
-        QVERIFY(kept.remove());
-    }
-
-    void unreadableFileIsKeptAside()
-    {
-        // A folder where the file should be cannot be read as a file, even by root.
-        QVERIFY(QDir().mkpath(file() + "/inside"));
-        settings()->reload();
-        QVERIFY(settings()->getAllDeviceSerials().isEmpty());
-        QVERIFY(!QFileInfo::exists(file()));
-        const QStringList aside = QDir(QFileInfo(file()).path()).entryList({"device_nicknames.json.corrupt-*"}, QDir::Dirs);
-        QCOMPARE(aside.size(), 1);
-        QVERIFY(QDir(QFileInfo(file()).path() + "/" + aside.first()).removeRecursively());
+        QVERIFY(folder ? QDir(aside.first()).removeRecursively() : QFile::remove(aside.first()));
     }
 
     void failedSaveKeepsPreviousFile()
     {
         settings()->setDeviceNickname("keep", "Me");
-        QFile original(file());
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        const QByteArray before = original.readAll();
-        original.close();
+        const QByteArray before = TestFiles::read(file());
 
         // A disk that fills up mid-write: files may not grow past a few bytes more than the old one.
         signal(SIGXFSZ, SIG_IGN);
@@ -175,9 +139,7 @@ private slots:
         settings()->setDeviceNickname("new", QString(4096, 'x'));
         setrlimit(RLIMIT_FSIZE, &previous);
 
-        QFile after(file());
-        QVERIFY(after.open(QIODevice::ReadOnly));
-        QCOMPARE(after.readAll(), before);
+        QCOMPARE(TestFiles::read(file()), before);
         QCOMPARE(QDir(QFileInfo(file()).path()).entryList(QDir::Files), QStringList{"device_nicknames.json"});
     }
 };

@@ -1,9 +1,8 @@
-// The rescaling edge cases of group replay. Delivery to every phone after its own delay is proven on
-// simulated phones by tst_groupcontrol, the end of a pending copy with its controller by tst_controller.
+// The rescaling edge cases of group replay. Delivery to every phone after its own delay is proven by
+// tst_rack, the end of a pending copy with its controller by tst_controller.
 #include "controller.h"
 #include "groupreplay.h"
 
-#include <QBuffer>
 #include <QtTest>
 
 namespace {
@@ -25,18 +24,15 @@ private slots:
         QTest::addColumn<QPoint>("point");
         QTest::addColumn<QPoint>("expectedPoint");
         QTest::addColumn<QSize>("expectedScreen");
-        QTest::newRow("1080x2340 to 1080x2400") << QSize(1080, 2340) << QSize(1080, 2400) << QPoint(500, 1000)
-                                                << QPoint(500, 1026) << QSize(1080, 2400);
-        QTest::newRow("halves round up") << QSize(200, 200) << QSize(300, 300) << QPoint(1, 3) << QPoint(2, 5)
-                                         << QSize(300, 300);
-        QTest::newRow("negative halves round down") << QSize(200, 200) << QSize(300, 300) << QPoint(-1, -3)
-                                                    << QPoint(-2, -5) << QSize(300, 300);
-        QTest::newRow("host frame unknown") << QSize(-1, -1) << QSize(720, 1600) << QPoint(540, 1200)
-                                            << QPoint(540, 1200) << QSize(1080, 2400);
-        QTest::newRow("host width zero") << QSize(0, 2400) << QSize(720, 1600) << QPoint(540, 1200)
-                                         << QPoint(540, 1200) << QSize(1080, 2400);
-        QTest::newRow("target frame unknown") << QSize(1080, 2400) << QSize(-1, -1) << QPoint(540, 1200)
-                                              << QPoint(540, 1200) << QSize(1080, 2400);
+        const auto row = [](const char *name, QSize host, QSize target, QPoint point, QPoint expected, QSize screen) {
+            QTest::newRow(name) << host << target << point << expected << screen;
+        };
+        row("1080x2340 to 1080x2400", {1080, 2340}, {1080, 2400}, {500, 1000}, {500, 1026}, {1080, 2400});
+        row("halves round up", {200, 200}, {300, 300}, {1, 3}, {2, 5}, {300, 300});
+        row("negative halves round down", {200, 200}, {300, 300}, {-1, -3}, {-2, -5}, {300, 300});
+        row("host frame unknown", {-1, -1}, {720, 1600}, {540, 1200}, {540, 1200}, {1080, 2400});
+        row("host width zero", {0, 2400}, {720, 1600}, {540, 1200}, {540, 1200}, {1080, 2400});
+        row("target frame unknown", {1080, 2400}, {-1, -1}, {540, 1200}, {540, 1200}, {1080, 2400});
     }
 
     void rescaling()
@@ -44,37 +40,12 @@ private slots:
         QFETCH(QSize, host);
         QFETCH(QSize, target);
         QFETCH(QPoint, point);
-        QFETCH(QPoint, expectedPoint);
-        QFETCH(QSize, expectedScreen);
         // The host's controller writes positions on its own frame when it knows one.
         const QSize screen = host.width() > 0 ? host : QSize(1080, 2400);
         const ControlMsg original = touchAt(point.x(), point.y(), screen, ControlMsg::TouchMove);
         const ControlMsg copy = GroupReplay::rescaled(original, host, target);
-        QCOMPARE(copy.touch.position.point, expectedPoint);
-        QCOMPARE(copy.touch.position.screenSize, expectedScreen);
-        QCOMPARE(copy.touch.pointerId, original.touch.pointerId);
-        QCOMPARE(copy.touch.action, quint32(ControlMsg::TouchMove));
-        QCOMPARE(copy.touch.actionButton, 1u);
-        QCOMPARE(copy.touch.buttons, 1u);
-        QCOMPARE(copy.touch.pressure, 1.0f);
-    }
-
-    void otherMessagesPassUnchanged()
-    {
-        const ControlMsg home = ControlMsg::injectKeycode(ControlMsg::KeyDown, 3, 0, 0);
-        const ControlMsg homeCopy = GroupReplay::rescaled(home, QSize(1080, 2400), QSize(720, 1600));
-        QCOMPARE(homeCopy.type, ControlMsgType::InjectKeycode);
-        QCOMPARE(homeCopy.keycode.keycode, 3);
-        const ControlMsg paste = ControlMsg::setClipboard(0, "hello", true);
-        const ControlMsg pasteCopy = GroupReplay::rescaled(paste, QSize(1080, 2400), QSize(720, 1600));
-        QCOMPARE(pasteCopy.text, QByteArray("hello"));
-        QVERIFY(pasteCopy.clipboard.paste);
-        // A scroll lands where the host's pointer was, at each phone's scale, like a touch.
-        const ControlMsg scroll = ControlMsg::injectScroll({QPoint(540, 1200), QSize(1080, 2400)}, 0, 1, 0);
-        const ControlMsg scrollCopy = GroupReplay::rescaled(scroll, QSize(1080, 2400), QSize(720, 1600));
-        QCOMPARE(scrollCopy.scroll.position.point, QPoint(360, 800));
-        QCOMPARE(scrollCopy.scroll.position.screenSize, QSize(720, 1600));
-        QCOMPARE(scrollCopy.scroll.vscroll, 1.0f);
+        QTEST(copy.touch.position.point, "expectedPoint");
+        QTEST(copy.touch.position.screenSize, "expectedScreen");
     }
 
     void phonesWithoutControllerAreSkipped()
