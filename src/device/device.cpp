@@ -506,7 +506,8 @@ void Device::saveScreenshot()
         watcher->deleteLater();
         handleScreenshotFinished(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run([writer = m_screenshotWriter, frame, folder, serial = m_adbConnectionSerial] {
+    watcher->setFuture(QtConcurrent::run(ScreenshotWriter::workers(),
+                                         [writer = m_screenshotWriter, frame, folder, serial = m_adbConnectionSerial] {
         QString path;
         return writer->save(frame.get(), folder, serial, &path);
     }));
@@ -621,16 +622,12 @@ void Device::refreshAddressAndDetails()
         DeviceInfo details;
     };
     const QString serial = m_adbConnectionSerial;
-    auto *watcher = new QFutureWatcher<Refresh>(this);
-    connect(watcher, &QFutureWatcher<Refresh>::finished, this, [this, watcher] {
-        const Refresh result = watcher->result();
-        watcher->deleteLater();
-        m_ipAddress = result.address;
-        m_deviceInfo = result.details;
-        emit ipAddressChanged();
-        emit deviceInfoChanged();
-    });
-    watcher->setFuture(QtConcurrent::run([serial] {
-        return Refresh{AdbClient::getWifiIpAddress(serial), AdbClient::getDeviceInfo(serial)};
-    }));
+    AdbPool::run(
+        this, [serial] { return Refresh{AdbClient::getWifiIpAddress(serial), AdbClient::getDeviceInfo(serial)}; },
+        [this](const Refresh &result) {
+            m_ipAddress = result.address;
+            m_deviceInfo = result.details;
+            emit ipAddressChanged();
+            emit deviceInfoChanged();
+        });
 }

@@ -22,6 +22,17 @@ ScreenshotWriter::~ScreenshotWriter()
     sws_freeContext(m_scaler);
 }
 
+QThreadPool *ScreenshotWriter::workers()
+{
+    static QThreadPool *pool = [] {
+        auto *created = new QThreadPool;
+        created->setObjectName("ScreenshotWriter");
+        created->setExpiryTimeout(-1);
+        return created;
+    }();
+    return pool;
+}
+
 QString ScreenshotWriter::folder()
 {
     static const QString path = AppConfig::instance()->getScreenshotSavePath() + QLatin1Char('/');
