@@ -1,7 +1,6 @@
 #include "mediarecorder.h"
 
 #include <QDir>
-#include <QMutexLocker>
 #include <QThread>
 #include <QtDebug>
 
@@ -46,9 +45,9 @@ MediaRecorder::MediaRecorder(QObject *parent)
 MediaRecorder::~MediaRecorder()
 {
     {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         m_stopped = true;
-        m_wakeUp.wakeAll();
+        m_wakeUp.notify_all();
     }
     // The trailer must reach the file, however long the queued packets take to write.
     if (m_thread) {
@@ -63,30 +62,30 @@ MediaRecorder::~MediaRecorder()
 
 void MediaRecorder::setStreams(bool video, bool audio)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_videoEnabled = video;
     m_audioEnabled = audio;
     // A stream that stops counting must not keep the other one waiting for it.
-    m_wakeUp.wakeAll();
+    m_wakeUp.notify_all();
 }
 
 void MediaRecorder::setVideoCodecSource(ContextSource source)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_videoSource = std::move(source);
     avcodec_parameters_free(&m_videoParameters);
 }
 
 void MediaRecorder::setAudioCodecSource(ContextSource source)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_audioSource = std::move(source);
     avcodec_parameters_free(&m_audioParameters);
 }
 
 void MediaRecorder::setOutput(const QString &folder, const QString &nickname, const QString &serial)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_folder = folder;
     m_nickname = nickname;
     m_serial = serial;
@@ -99,7 +98,7 @@ QString MediaRecorder::fileName(const QString &nickname, const QString &serial, 
 
 QString MediaRecorder::filePath() const
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     return m_filePath;
 }
 
@@ -117,7 +116,7 @@ void MediaRecorder::snapshot(AVCodecParameters *&parameters, AVRational *frameRa
 
 void MediaRecorder::enqueueVideoPacket(const AVPacket *packet)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     if (m_stopped || !packet)
         return;
     // The producer's thread owns the context, so its description is taken here, not on the muxer's.
@@ -125,20 +124,20 @@ void MediaRecorder::enqueueVideoPacket(const AVPacket *packet)
         snapshot(m_videoParameters, &m_videoFrameRate, m_videoSource ? m_videoSource() : nullptr);
     if (AVPacket *copy = av_packet_clone(packet)) {
         m_videoQueue.append(copy);
-        m_wakeUp.wakeAll();
+        m_wakeUp.notify_all();
     }
 }
 
 void MediaRecorder::enqueueAudioPacket(const AVPacket *packet)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     if (m_stopped || !m_audioEnabled || !packet)
         return;
     if (!m_audioParameters && m_audioSource)
         snapshot(m_audioParameters, nullptr, m_audioSource());
     if (AVPacket *copy = av_packet_clone(packet)) {
         m_audioQueue.append(copy);
-        m_wakeUp.wakeAll();
+        m_wakeUp.notify_all();
     }
 }
 
@@ -157,9 +156,9 @@ bool MediaRecorder::start()
 void MediaRecorder::stop()
 {
     {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         m_stopped = true;
-        m_wakeUp.wakeAll();
+        m_wakeUp.notify_all();
     }
     emit message(tr("Stop Recording"), "info", 2000);
 }
@@ -167,7 +166,7 @@ void MediaRecorder::stop()
 void MediaRecorder::record()
 {
     {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         if (!openOutput()) {
             lock.unlock();
             emit message(tr("Record Failed"), "error", 5000);
@@ -189,13 +188,13 @@ void MediaRecorder::record()
     emit resetVideoRequested();
 
     for (;;) {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         const auto idle = [this] {
             return !m_stopped && (m_heldVideo || !m_videoEnabled || m_videoQueue.isEmpty())
                 && (m_heldAudio || !m_audioEnabled || m_audioQueue.isEmpty());
         };
         while (idle())
-            m_wakeUp.wait(&m_mutex);
+            m_wakeUp.wait(lock);
         // A stream switched off mid-recording still has its queue drained.
         if (!m_heldVideo && !m_videoQueue.isEmpty() && (m_videoEnabled || m_stopped))
             m_heldVideo = m_videoQueue.takeFirst();
@@ -250,7 +249,7 @@ bool MediaRecorder::addVideoStream(const AVPacket *config)
         return false;
     AVRational rate{0, 1};
     {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         if (m_videoParameters)
             avcodec_parameters_copy(stream->codecpar, m_videoParameters);
         rate = m_videoFrameRate;
@@ -282,7 +281,7 @@ bool MediaRecorder::addAudioStream()
     if (!stream)
         return false;
     {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         if (m_audioParameters)
             avcodec_parameters_copy(stream->codecpar, m_audioParameters);
     }
@@ -321,7 +320,7 @@ bool MediaRecorder::chooseBase(bool stopping)
     bool videoEnabled = false;
     bool audioEnabled = false;
     {
-        QMutexLocker lock(&m_mutex);
+        std::unique_lock lock(m_mutex);
         videoEnabled = m_videoEnabled;
         audioEnabled = m_audioEnabled;
     }
@@ -340,7 +339,7 @@ void MediaRecorder::processVideo(AVPacket *packet, bool stopping)
         if (!m_headerWritten && addVideoStream(packet)) {
             bool audioEnabled = false;
             {
-                QMutexLocker lock(&m_mutex);
+                std::unique_lock lock(m_mutex);
                 audioEnabled = m_audioEnabled;
             }
             if (audioEnabled && !m_audioStream)
@@ -381,7 +380,7 @@ void MediaRecorder::processAudio(AVPacket *packet, bool stopping)
     if (!m_headerWritten && !m_audioStream) {
         bool videoEnabled = true;
         {
-            QMutexLocker lock(&m_mutex);
+            std::unique_lock lock(m_mutex);
             videoEnabled = m_videoEnabled;
         }
         addAudioStream();

@@ -5,14 +5,14 @@
 
 #include <QDateTime>
 #include <QList>
-#include <QMutex>
 #include <QObject>
 #include <QString>
-#include <QWaitCondition>
 
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -98,8 +98,10 @@ private:
     Sink m_audioSink{this, false};
     QThread *m_thread = nullptr;
 
-    mutable QMutex m_mutex;
-    QWaitCondition m_wakeUp;
+    // Standard rather than Qt's: the thread checker sees through these to the waits that release
+    // the lock, and so can check everything this lock guards.
+    mutable std::mutex m_mutex;
+    std::condition_variable m_wakeUp;
     // Guarded by m_mutex.
     QList<AVPacket *> m_videoQueue;
     QList<AVPacket *> m_audioQueue;
