@@ -1,7 +1,6 @@
-// The simulated phone as Debian's adb sees it: listing, shell, push, reverse tunnels, reboot,
-// admin, and the farm script. What Korvel builds on these (sessions, forwards, Wi-Fi adb, installs, a phone that
-// vanishes, a killed server) is proven through Korvel in tests/device, control and organisation;
-// the daemon's flow control in tst_phonesimdaemon.
+// The simulated phone as Debian's adb sees it: listing, shell, push, reverse tunnels, reboot and
+// the farm script. What Korvel builds on these (sessions, Wi-Fi adb, installs, a phone that
+// vanishes, a killed server) is proven through Korvel in tests/device, control and organisation.
 #include "phonefixture.h"
 
 #include <QCryptographicHash>
@@ -167,22 +166,6 @@ private slots:
         QTest::qWait(int(rebootTook));
         QCOMPARE(phone->journal("boot").size(), 1);
         QVERIFY(!accepts(phone->port()));
-    }
-
-    void ctlAnswers()
-    {
-        PhoneSimProcess *phone = addPhone();
-        QVERIFY2(phone, qPrintable(m_fixture->error()));
-        QString output;
-        QCOMPARE(phone->ctl({"clipboard", "hello phone"}, &output), 0);
-        QCOMPARE(output, QString("ok"));
-        QCOMPARE(phone->ctl({"rotate"}, &output), 0);
-        QVERIFY(phone->ctl({"no-such-command"}, &output) != 0);
-        QVERIFY(output.startsWith("error:"));
-        QCOMPARE(phone->ctl({"quit"}, &output), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(!host().listed(phone->serial()), 10000);
-        PhoneSimProcess absent;
-        QVERIFY(absent.ctl({"rotate"}, &output) != 0);
     }
 
     void phonefarmStartsVariedPhonesAndStopsThem()

@@ -1,0 +1,648 @@
+// The simulated scrcpy server as the PC sees it: which sockets it opens in which order, how it
+// fails and ends, what the control socket does to the phone, the media streams packet by packet
+// (their pictures through Korvel's own decoder), stream-file playback and the AutoJS port. That
+// whole sessions show the pictures and play the sound is proven in tests/device.
+#include "annexbfileplayer.h"
+#include "autojsprotocol.h"
+#include "autojsserver.h"
+#include "controldescription.h"
+#include "h264encoder.h"
+#include "phone.h"
+#include "phonechannel.h"
+#include "phonesimprocess.h"
+#include "simserver.h"
+#include "videodecoder.h"
+#include "videodemuxer.h"
+
+#include <QBuffer>
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QtEndian>
+#include <QtTest>
+
+#include <memory>
+
+extern "C" {
+#include <libavutil/frame.h>
+}
+
+namespace {
+
+// An in-memory stream end: records what the phone writes, and lets a test play the PC's part.
+class FakeChannel : public PhoneChannel
+{
+public:
+    using PhoneChannel::PhoneChannel;
+    void write(const QByteArray &data) override { written += m_closed ? QByteArray() : data; }
+    void close() override
+    {
+        if (!std::exchange(m_closed, true))
+            emit closed();
+    }
+    bool isOpen() const override { return m_accepted && !m_closed; }
+    qint64 pendingBytes() const override { return 0; }
+
+    void accept()
+    {
+        m_accepted = true;
+        emit opened();
+    }
+    void sendFromPc(const QByteArray &bytes) { emit dataReceived(bytes); }
+    bool wasClosed() const { return m_closed; }
+
+    QByteArray written;
+
+private:
+    bool m_accepted = false;
+    bool m_closed = false;
+};
+
+// The PC end of the reverse tunnel: each connection the phone opens is answered by the next of
+// `answers` (Accept when none is left), on the next turn of the event loop.
+class FakeTunnel : public QObject
+{
+public:
+    enum class Answer { Accept, Refuse, CloseAtOnce, Hold };
+
+    explicit FakeTunnel(Phone *phone)
+    {
+        phone->setReverseOpener([this](const QString &name) -> PhoneChannel * {
+            names << name;
+            const Answer answer = answers.isEmpty() ? Answer::Accept : answers.takeFirst();
+            if (answer == Answer::Refuse)
+                return nullptr;
+            auto *channel = new FakeChannel(this);
+            channels << channel;
+            if (answer == Answer::Accept)
+                QTimer::singleShot(0, channel, &FakeChannel::accept);
+            else if (answer == Answer::CloseAtOnce)
+                QTimer::singleShot(0, channel, &FakeChannel::close);
+            return channel;
+        });
+    }
+
+    QStringList names;
+    QList<FakeChannel *> channels;
+    QList<Answer> answers;
+};
+
+// A phone with its own data folder, and the server file pushed unless told otherwise.
+struct TestPhone
+{
+    explicit TestPhone(bool serverPushed = true, const QString &streamFile = {})
+    {
+        PhoneProfile profile;
+        profile.serial = "SIM0001";
+        profile.model = "Pixel Sim";
+        profile.screenSize = QSize(1080, 2400);
+        profile.dataDir = dir.path();
+        profile.streamFile = streamFile;
+        phone = std::make_unique<Phone>(profile);
+        if (serverPushed) {
+            const QString jar = phone->sandboxPath("/data/local/tmp/scrcpy-server.jar");
+            QDir().mkpath(QFileInfo(jar).path());
+            QFile file(jar);
+            file.open(QIODevice::WriteOnly);
+            file.write("PK\x03\x04 not really a jar");
+        }
+    }
+
+    QList<QJsonObject> journal(const QString &event) const { return PhoneSimProcess::readJournal(dir.path(), event); }
+
+    QTemporaryDir dir;
+    std::unique_ptr<Phone> phone;
+};
+
+QString serverCommand(const QString &options, const QString &version = "3.3.1")
+{
+    return "CLASSPATH=/data/local/tmp/scrcpy-server.jar app_process / com.genymobile.scrcpy.Server " + version + " "
+           + options;
+}
+
+// A server on a test phone, its PC end, and spies on how it ends.
+struct ServerRig
+{
+    explicit ServerRig(const QString &command, bool serverPushed = true, const QString &streamFile = {})
+        : phone(serverPushed, streamFile), tunnel(phone.phone.get()), server(phone.phone.get(), command)
+    {
+    }
+
+    // Starts the server and waits until exactly `sockets` connections exist and the last is open.
+    bool startAndOpen(int sockets)
+    {
+        server.start();
+        return QTest::qWaitFor([&] { return tunnel.channels.size() == sockets && tunnel.channels.last()->isOpen(); });
+    }
+
+    FakeChannel *channel(int i) const { return tunnel.channels.value(i); }
+
+    void verifyFailed(const QString &message)
+    {
+        QTRY_COMPARE(finished.size(), 1);
+        QCOMPARE(finished.first().first().toInt(), 1);
+        QString text;
+        for (const QList<QVariant> &args : std::as_const(output))
+            text += QString::fromUtf8(args.first().toByteArray());
+        QVERIFY2(text.contains(message), qPrintable(text));
+    }
+
+    TestPhone phone;
+    FakeTunnel tunnel;
+    SimServer server;
+    QSignalSpy output{&server, &SimServer::output};
+    QSignalSpy finished{&server, &SimServer::finished};
+};
+
+// A media socket's packets with the raw flags that Korvel's demuxer folds away: optional 64-byte
+// name, 4-byte codec id, for video width and height, then 12-byte packet headers.
+struct MediaPacket
+{
+    quint64 ptsAndFlags = 0;
+    QByteArray payload;
+    bool config() const { return ptsAndFlags >> 63; }
+    bool keyFrame() const { return (ptsAndFlags >> 62) & 1; }
+    qint64 pts() const { return qint64(ptsAndFlags & ((quint64(1) << 62) - 1)); }
+};
+
+struct MediaStream
+{
+    QByteArray name;
+    QByteArray codec;
+    QSize size;
+    QList<MediaPacket> packets; // complete packets only
+
+    static MediaStream parse(const QByteArray &bytes, bool withName, bool video)
+    {
+        MediaStream stream;
+        qsizetype at = withName ? 64 : 0;
+        if (bytes.size() < at + (video ? 12 : 4))
+            return stream;
+        stream.name = bytes.left(at);
+        stream.name.truncate(stream.name.indexOf('\0') < 0 ? at : stream.name.indexOf('\0'));
+        stream.codec = bytes.mid(at, 4);
+        at += 4;
+        if (video) {
+            stream.size = QSize(qFromBigEndian<qint32>(bytes.constData() + at), qFromBigEndian<qint32>(bytes.constData() + at + 4));
+            at += 8;
+        }
+        while (bytes.size() - at >= 12) {
+            const quint32 size = qFromBigEndian<quint32>(bytes.constData() + at + 8);
+            if (bytes.size() - at - 12 < qsizetype(size))
+                break;
+            stream.packets << MediaPacket{qFromBigEndian<quint64>(bytes.constData() + at), bytes.mid(at + 12, size)};
+            at += 12 + size;
+        }
+        return stream;
+    }
+};
+
+MediaStream video(const ServerRig &rig)
+{
+    return MediaStream::parse(rig.channel(0)->written, true, true);
+}
+
+int nalType(const QByteArray &annexB)
+{
+    return quint8(annexB[4]) & 0x1f;
+}
+
+// The sizes of the pictures that Korvel's own demuxer and decoder make of a video socket's bytes.
+QList<QSize> decodeVideo(const QByteArray &socketBytes)
+{
+    QBuffer socket;
+    socket.setData(socketBytes);
+    socket.open(QIODevice::ReadOnly);
+    VideoDecoder decoder;
+    VideoDemuxer demuxer(&socket, nullptr, &decoder);
+    decoder.setDemuxer(&demuxer);
+    QList<QSize> pictures;
+    QObject::connect(&decoder, &VideoDecoder::frameDecoded,
+                     [&pictures](AVFrame *frame) { pictures << QSize(frame->width, frame->height); });
+    // Each read takes a bounded number of packets.
+    for (qsizetype before = -1; before != pictures.size();) {
+        before = pictures.size();
+        demuxer.read();
+    }
+    return pictures;
+}
+
+QByteArray hex(const char *text)
+{
+    return QByteArray::fromHex(text);
+}
+
+QByteArray stopAll()
+{
+    return AutojsProtocol::encodeCommand(40123, {{"command", "stopAll"}});
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(FakeTunnel::Answer)
+
+class TestSimServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    static void initMain() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
+
+private:
+    // The phone's AutoJS port with a new PC connection, which Korvel's own framing talks to.
+    static FakeChannel *openAutojs(AutojsServer &server)
+    {
+        auto *channel = new FakeChannel(&server);
+        channel->accept();
+        server.accept(channel);
+        return channel;
+    }
+
+private slots:
+    void initTestCase() { av_log_set_level(AV_LOG_ERROR); }
+
+    void opensSocketsInOrder_data()
+    {
+        // The first socket starts with the device name, NUL padded to 64 bytes, then the media
+        // sockets with their codec; the control socket stays silent until someone has something to say.
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QByteArrayList>("starts");
+        const QByteArray name = QByteArray("Pixel Sim").leftJustified(64, '\0');
+        QTest::newRow("with audio") << "audio=true" << QByteArrayList{name + "h264", "opus", ""};
+        QTest::newRow("without audio") << "audio=false" << QByteArrayList{name + "h264", ""};
+    }
+
+    void opensSocketsInOrder()
+    {
+        QFETCH(QString, options);
+        QFETCH(QByteArrayList, starts);
+        ServerRig rig(serverCommand("scid=0000abcd max_size=320 video=true control=true " + options));
+        rig.server.start();
+        QTRY_COMPARE(rig.tunnel.channels.size(), starts.size());
+        QCOMPARE(rig.tunnel.names, QStringList(starts.size(), "scrcpy_0000abcd"));
+        for (int i = 0; i < starts.size(); ++i)
+            QTRY_COMPARE(rig.channel(i)->written.left(starts[i].size()), starts[i]);
+        QCOMPARE(rig.tunnel.channels.last()->written, QByteArray());
+        QVERIFY(!rig.channel(0)->wasClosed());
+    }
+
+    void opensEachSocketAfterThePreviousWasAccepted()
+    {
+        ServerRig rig(serverCommand("video_bit_rate=2000000 max_size=280 max_fps=5 scid=0badcafe"));
+        rig.tunnel.answers = {FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold, FakeTunnel::Answer::Hold};
+        rig.server.start();
+        // The start is journalled at once, with its options (as tst_phonesimwire reads them).
+        QCOMPARE(rig.phone.journal("server_start").value(0).value("scid").toString(), QString("0badcafe"));
+        QCoreApplication::processEvents();
+        QCOMPARE(rig.tunnel.names.size(), 1);
+        rig.channel(0)->accept();
+        QCOMPARE(rig.tunnel.names.size(), 2);
+        QVERIFY(rig.channel(0)->written.isEmpty()); // nothing is sent before all sockets are there
+        rig.channel(1)->accept();
+        QCOMPARE(rig.tunnel.names.size(), 3);
+        rig.channel(2)->accept();
+        QCOMPARE(rig.channel(0)->written.left(9), QByteArray("Pixel Sim"));
+    }
+
+    void failsWhenTheTunnelRefuses_data()
+    {
+        QTest::addColumn<QList<FakeTunnel::Answer>>("answers");
+        QTest::addColumn<int>("openedBeforeFailure");
+        using A = FakeTunnel::Answer;
+        QTest::newRow("no tunnel") << QList<A>{A::Refuse} << 0;
+        QTest::newRow("video refused by close") << QList<A>{A::CloseAtOnce} << 0;
+        QTest::newRow("control refused") << QList<A>{A::Accept, A::Accept, A::Refuse} << 2;
+        QTest::newRow("audio closed at once") << QList<A>{A::Accept, A::CloseAtOnce} << 1;
+    }
+
+    void failsWhenTheTunnelRefuses()
+    {
+        QFETCH(QList<FakeTunnel::Answer>, answers);
+        QFETCH(int, openedBeforeFailure);
+        ServerRig rig(serverCommand("scid=00000001"));
+        rig.tunnel.answers = answers;
+        rig.server.start();
+        rig.verifyFailed("Connection refused");
+        for (int i = 0; i < openedBeforeFailure; ++i)
+            QVERIFY(rig.channel(i)->wasClosed());
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("exitCode").toInt(), 1);
+    }
+
+    void failsBeforeAnySocket_data()
+    {
+        QTest::addColumn<bool>("serverPushed");
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no server file") << false << "3.3.1" << "java.lang.ClassNotFoundException: com.genymobile.scrcpy.Server";
+        QTest::newRow("version") << true << "3.2" << "[server] ERROR: The server version (3.3.1) does not match the client (3.2)";
+    }
+
+    void failsBeforeAnySocket()
+    {
+        QFETCH(bool, serverPushed);
+        QFETCH(QString, version);
+        QFETCH(QString, message);
+        ServerRig rig(serverCommand("scid=00000001", version), serverPushed);
+        rig.server.start();
+        rig.verifyFailed(message);
+        QVERIFY(rig.tunnel.names.isEmpty());
+        QVERIFY(rig.phone.journal("server_start").isEmpty());
+    }
+
+    void killEndsLikeAKilledProcess_data()
+    {
+        QTest::addColumn<bool>("byAdmin");
+        QTest::newRow("kill slot") << false;
+        QTest::newRow("admin request") << true;
+    }
+
+    void killEndsLikeAKilledProcess()
+    {
+        QFETCH(bool, byAdmin);
+        ServerRig rig(serverCommand("scid=00000001 max_size=160"));
+        QVERIFY(rig.startAndOpen(3));
+        if (byAdmin)
+            emit rig.phone.phone->killServerRequested();
+        else
+            rig.server.kill();
+        for (FakeChannel *channel : std::as_const(rig.tunnel.channels))
+            QVERIFY(channel->wasClosed());
+        QTRY_COMPARE(rig.finished.size(), 1);
+        QCOMPARE(rig.finished.first().first().toInt(), 137);
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("reason").toString(), QString("killed"));
+    }
+
+    void endsWhenThePcClosesTheVideoSocket()
+    {
+        ServerRig rig(serverCommand("scid=00000001 max_size=160"));
+        QVERIFY(rig.startAndOpen(3));
+        rig.channel(0)->close();
+        QTRY_COMPARE(rig.finished.size(), 1);
+        QCOMPARE(rig.finished.first().first().toInt(), 0);
+        QVERIFY(rig.channel(1)->wasClosed());
+        QVERIFY(rig.channel(2)->wasClosed());
+    }
+
+    void controlMessagesReachThePhone()
+    {
+        ServerRig rig(serverCommand("scid=00000001 max_size=160 audio=false"));
+        QVERIFY(rig.startAndOpen(2));
+        FakeChannel *control = rig.channel(1);
+        QSignalSpy rotation(rig.phone.phone.get(), &Phone::rotationChanged);
+        // Set clipboard "hi" with paste and sequence 5, then a touch split across two writes, then rotate.
+        const QByteArray bytes = hex("09 0000000000000005 01 00000002 6869")
+                                 + hex("02 00 FFFFFFFFFFFFFFFE 00000050 000000A0 00A0 0160 FFFF 00000001 00000001")
+                                 + hex("0B");
+        control->sendFromPc(bytes.left(20));
+        control->sendFromPc(bytes.mid(20));
+        QCOMPARE(rig.phone.phone->clipboard(), QString("hi"));
+        QCOMPARE(rotation.size(), 1);
+        QCOMPARE(rig.phone.phone->rotation(), 1);
+        // Sequence 5 asked for an acknowledgement.
+        QCOMPARE(control->written, hex("01 0000000000000005"));
+        QCOMPARE(describeControl(rig.phone.journal("control")),
+                 (QStringList{"clipboard 5 paste hi", "touch 0@80,160", "RotateDevice"}));
+    }
+
+    void sendsThePhoneClipboardToThePc()
+    {
+        ServerRig rig(serverCommand("scid=00000001 max_size=160 audio=false"));
+        QVERIFY(rig.startAndOpen(2));
+        FakeChannel *control = rig.channel(1);
+        rig.phone.phone->setClipboard("hello", false);
+        QCOMPARE(control->written, hex("00 00000005 68656C6C6F"));
+        // A text that came from the PC is not echoed back.
+        control->written.clear();
+        control->sendFromPc(hex("09 0000000000000000 00 00000001 41"));
+        QVERIFY(control->written.isEmpty());
+        // Asking for the clipboard answers with it.
+        control->sendFromPc(hex("08 00"));
+        QCOMPARE(control->written, hex("00 00000001 41"));
+    }
+
+    void garbageClosesOnlyTheControlSocket()
+    {
+        ServerRig rig(serverCommand("scid=00000001 max_size=160 audio=false"));
+        QVERIFY(rig.startAndOpen(2));
+        rig.channel(1)->sendFromPc(hex("0B 63 64 65"));
+        QVERIFY(rig.channel(1)->wasClosed());
+        QCOMPARE(rig.phone.journal("control").size(), 1);
+        QCOMPARE(rig.phone.journal("error").size(), 1);
+        QCOMPARE(rig.phone.journal("error").first().value("source").toString(), QString("control"));
+        // The video goes on.
+        const qsizetype streamed = rig.channel(0)->written.size();
+        QTRY_VERIFY(rig.channel(0)->written.size() > streamed);
+        QVERIFY(rig.finished.isEmpty());
+        QVERIFY(rig.channel(0)->isOpen());
+    }
+
+    void videoStartsWithItsConfigurationAndRotationRestartsIt()
+    {
+        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=800"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(video(rig).packets.size() >= 4);
+        const MediaStream stream = video(rig);
+        QCOMPARE(stream.name, QByteArray("Pixel Sim"));
+        QCOMPARE(stream.codec, QByteArray("h264"));
+        QCOMPARE(stream.size, QSize(360, 800));
+        // The configuration packet comes first and holds SPS then PPS in Annex B form.
+        const MediaPacket &config = stream.packets[0];
+        QVERIFY(config.config() && !config.keyFrame());
+        QCOMPARE(nalType(config.payload), 7);
+        QVERIFY(config.payload.contains(QByteArray("\x00\x00\x00\x01\x68", 5)));
+        // Then a key frame, then ordinary frames with rising timestamps.
+        QVERIFY(!stream.packets[1].config() && stream.packets[1].keyFrame());
+        QVERIFY(!stream.packets[2].keyFrame());
+        QVERIFY(stream.packets[2].pts() > stream.packets[1].pts());
+        QCOMPARE(decodeVideo(rig.channel(0)->written).value(0), QSize(360, 800));
+
+        // Rotated: a new configuration and a key frame follow; the stream header is not repeated.
+        const auto configs = [&rig] {
+            QList<qsizetype> at;
+            const QList<MediaPacket> packets = video(rig).packets;
+            for (qsizetype i = 0; i < packets.size(); ++i) {
+                if (packets[i].config())
+                    at << i;
+            }
+            return at;
+        };
+        rig.channel(1)->sendFromPc(hex("0B"));
+        QCOMPARE(rig.phone.phone->rotation(), 1);
+        QTRY_COMPARE(configs().size(), 2);
+        const qsizetype restart = configs().last();
+        QTRY_VERIFY(video(rig).packets.size() > restart + 1);
+        QVERIFY(video(rig).packets[restart + 1].keyFrame());
+        QCOMPARE(video(rig).size, QSize(360, 800));
+    }
+
+    void resetVideoSendsConfigAndKeyFrame()
+    {
+        ServerRig rig(serverCommand("scid=00000001 audio=false max_size=160"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(video(rig).packets.size() >= 3);
+        const int before = int(video(rig).packets.size());
+        rig.channel(1)->sendFromPc(hex("11"));
+        // Pictures of the replaced encoder still on their way are dropped: the configuration
+        // comes right after what had arrived, then a key frame.
+        QTRY_VERIFY(video(rig).packets.size() >= before + 2);
+        QVERIFY(video(rig).packets[before].config());
+        QVERIFY(video(rig).packets[before + 1].keyFrame());
+    }
+
+    void audioIsOpusInTwentyMillisecondPackets()
+    {
+        ServerRig rig(serverCommand("scid=00000001 max_size=160 control=false audio=true"));
+        QVERIFY(rig.startAndOpen(2));
+        QTRY_VERIFY(MediaStream::parse(rig.channel(1)->written, false, false).packets.size() >= 3);
+        const MediaStream stream = MediaStream::parse(rig.channel(1)->written, false, false);
+        QCOMPARE(stream.codec, QByteArray("opus"));
+        QVERIFY(stream.packets[0].config());
+        QVERIFY(stream.packets[0].payload.startsWith("OpusHead"));
+        QVERIFY(!stream.packets[1].config());
+        QCOMPARE(stream.packets[2].pts() - stream.packets[1].pts(), 20000);
+    }
+
+    void playsAStreamFileInALoop()
+    {
+        // Three pictures from the encoder, the first a key frame, written as one Annex B file.
+        H264Encoder encoder;
+        QString error;
+        QVERIFY2(encoder.open(QSize(64, 48), 500000, 30, &error), qPrintable(error));
+        QByteArray file = encoder.config();
+        for (int i = 0; i < 3; ++i) {
+            QImage image(64, 48, QImage::Format_RGB32);
+            image.fill(QColor(40 * i, 80, 120));
+            QList<H264Encoder::Packet> packets;
+            QVERIFY(encoder.encode(image, i * 33333, &packets));
+            for (const H264Encoder::Packet &packet : std::as_const(packets))
+                file += packet.data;
+        }
+        QTemporaryDir clipDir;
+        QFile out(clipDir.filePath("clip.h264"));
+        QVERIFY(out.open(QIODevice::WriteOnly) && out.write(file) == file.size());
+        out.close();
+
+        ServerRig rig(serverCommand("scid=00000001 audio=false control=false max_size=800"), true, out.fileName());
+        QVERIFY(rig.startAndOpen(1));
+        QTRY_VERIFY_WITH_TIMEOUT(video(rig).packets.size() >= 8, 10000);
+        const MediaStream stream = video(rig);
+        QCOMPARE(stream.size, QSize(64, 48));
+        QVERIFY(stream.packets[0].config());
+        QCOMPARE(nalType(stream.packets[0].payload), 7);
+        // Key frames where the file has IDR pictures: the 1st of every 3 frames.
+        for (int i = 1; i < 8; ++i) {
+            QVERIFY(!stream.packets[i].config());
+            QCOMPARE(stream.packets[i].keyFrame(), (i - 1) % 3 == 0);
+            if (i > 1)
+                QVERIFY(stream.packets[i].pts() > stream.packets[i - 1].pts());
+        }
+        const QList<QSize> pictures = decodeVideo(rig.channel(0)->written);
+        QVERIFY(pictures.size() >= 6);
+        QCOMPARE(pictures.first(), QSize(64, 48));
+    }
+
+    void splitsAnnexBIntoAccessUnits()
+    {
+        // SPS, PPS, IDR slice (3-byte start code), then a P slice opening the next picture, then
+        // a second slice of that picture (first_mb_in_slice != 0) with trailing zero bytes.
+        const QByteArray stream = hex("00000001 6742 00000001 68CE 000001 6588 00000001 4180 00000001 4140 0000");
+        const QList<QByteArray> nals = AnnexBFilePlayer::splitNalUnits(stream);
+        QCOMPARE(nals, QList<QByteArray>({hex("6742"), hex("68CE"), hex("6588"), hex("4180"), hex("4140")}));
+        QByteArray config;
+        const QList<AnnexBFilePlayer::AccessUnit> units = AnnexBFilePlayer::groupAccessUnits(nals, &config);
+        QCOMPARE(config, hex("00000001 6742 00000001 68CE"));
+        QCOMPARE(units.size(), 2);
+        QCOMPARE(units[0].data, hex("00000001 6588"));
+        QVERIFY(units[0].keyFrame);
+        QCOMPARE(units[1].data, hex("00000001 4180 00000001 4140"));
+        QVERIFY(!units[1].keyFrame);
+    }
+
+    // The framing itself is pinned byte by byte in tests/organisation/tst_autojs.
+    void autojsGreetsThePcWithHello()
+    {
+        TestPhone phone;
+        AutojsServer server(phone.phone.get());
+        QByteArray bytes = openAutojs(server)->written;
+        quint32 type = 0;
+        QByteArray body;
+        QCOMPARE(AutojsProtocol::takeReply(bytes, &type, &body), AutojsProtocol::Take::Message);
+        QCOMPARE(type, AutojsProtocol::TypeJson);
+        QVERIFY(bytes.isEmpty());
+        const QJsonObject hello = QJsonDocument::fromJson(body).object();
+        QCOMPARE(hello.value("type").toString(), QString("hello"));
+        QCOMPARE(hello.value("data").toObject().value("device_name").toString(), QString("Pixel Sim"));
+    }
+
+    void autojsJournalsRunAndStopAll_data()
+    {
+        QTest::addColumn<int>("chunkSize");
+        QTest::newRow("whole") << 100000;
+        QTest::newRow("byte by byte") << 1;
+    }
+
+    void autojsJournalsRunAndStopAll()
+    {
+        QFETCH(int, chunkSize);
+        TestPhone phone;
+        AutojsServer server(phone.phone.get());
+        FakeChannel *channel = openAutojs(server);
+        const QString script = QString("toast('h\u00e9llo');\n").repeated(20);
+        const QByteArray bytes =
+            AutojsProtocol::encodeCommand(40123, {{"command", "run"}, {"id", 40123}, {"name", "farm"}, {"script", script}})
+            + stopAll();
+        for (qsizetype at = 0; at < bytes.size(); at += chunkSize)
+            channel->sendFromPc(bytes.mid(at, chunkSize));
+        const QList<QJsonObject> lines = phone.journal("autojs");
+        QCOMPARE(lines.size(), 2);
+        QCOMPARE(lines[0].value("type").toString(), QString("run"));
+        QCOMPARE(lines[0].value("name").toString(), QString("farm"));
+        QCOMPARE(lines[0].value("size").toInt(), script.toUtf8().size());
+        QCOMPARE(lines[0].value("sha256").toString(),
+                 QString(QCryptographicHash::hash(script.toUtf8(), QCryptographicHash::Sha256).toHex()));
+        QCOMPARE(lines[1].value("type").toString(), QString("stopAll"));
+        QVERIFY(!channel->wasClosed());
+    }
+
+    void autojsGarbageClosesOnlyThatChannel_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("not a length") << QByteArray("hello world, this is not a header");
+        QTest::newRow("too long") << QByteArray("99999999999999" "1\0", 16) + QByteArray(64, 'x');
+        QTest::newRow("wrong type byte") << QByteArray("2\0\0\0\0\0\0\0\0\0\0\0\0\0" "7\0" "{}", 18);
+        QTest::newRow("not JSON") << QByteArray("5\0\0\0\0\0\0\0\0\0\0\0\0\0" "1\0" "{{{{{", 21);
+        QTest::newRow("JSON array") << QByteArray("2\0\0\0\0\0\0\0\0\0\0\0\0\0" "1\0" "[]", 18);
+    }
+
+    void autojsGarbageClosesOnlyThatChannel()
+    {
+        QFETCH(QByteArray, bytes);
+        TestPhone phone;
+        AutojsServer server(phone.phone.get());
+        FakeChannel *bad = openAutojs(server);
+        FakeChannel *good = openAutojs(server);
+        bad->sendFromPc(bytes);
+        QVERIFY(bad->wasClosed());
+        QCOMPARE(phone.journal("error").size(), 1);
+        QCOMPARE(phone.journal("error").first().value("source").toString(), QString("autojs"));
+        good->sendFromPc(stopAll());
+        QVERIFY(!good->wasClosed());
+        QCOMPARE(phone.journal("autojs").size(), 1);
+    }
+
+    void autojsSurvivesAChannelThatGoesAway()
+    {
+        TestPhone phone;
+        AutojsServer server(phone.phone.get());
+        FakeChannel *channel = openAutojs(server);
+        channel->sendFromPc(stopAll().left(10));
+        channel->close();
+        delete channel;
+        // Its connection goes with the deferred deletions; the half command is never run.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(phone.journal("autojs").isEmpty());
+        QVERIFY(phone.journal("error").isEmpty());
+    }
+};
+
+QTEST_MAIN(TestSimServer)
+#include "tst_simserver.moc"
