@@ -6,11 +6,11 @@
 #include "autojsprotocol.h"
 #include "autojsserver.h"
 #include "controldescription.h"
-#include "h264encoder.h"
 #include "phone.h"
 #include "phonechannel.h"
 #include "phonesimprocess.h"
 #include "simserver.h"
+#include "streambuilder.h"
 #include "videodecoder.h"
 #include "videodemuxer.h"
 
@@ -153,8 +153,7 @@ struct ServerRig
     QSignalSpy finished{&server, &SimServer::finished};
 };
 
-// A media socket's packets with the raw flags that Korvel's demuxer folds away: optional 64-byte
-// name, 4-byte codec id, for video width and height, then 12-byte packet headers.
+// A media socket's packets with the raw flags that Korvel's demuxer folds away.
 struct MediaPacket
 {
     quint64 ptsAndFlags = 0;
@@ -164,41 +163,22 @@ struct MediaPacket
     qint64 pts() const { return qint64(ptsAndFlags & ((quint64(1) << 62) - 1)); }
 };
 
-struct MediaStream
+// The complete packets after a stream header of `at` bytes, each behind its 12-byte header.
+QList<MediaPacket> packets(const QByteArray &bytes, qsizetype at)
 {
-    QByteArray name;
-    QByteArray codec;
-    QSize size;
-    QList<MediaPacket> packets; // complete packets only
-
-    static MediaStream parse(const QByteArray &bytes, bool withName, bool video)
-    {
-        MediaStream stream;
-        qsizetype at = withName ? 64 : 0;
-        if (bytes.size() < at + (video ? 12 : 4))
-            return stream;
-        stream.name = bytes.left(at);
-        stream.name.truncate(stream.name.indexOf('\0') < 0 ? at : stream.name.indexOf('\0'));
-        stream.codec = bytes.mid(at, 4);
-        at += 4;
-        if (video) {
-            stream.size = QSize(qFromBigEndian<qint32>(bytes.constData() + at), qFromBigEndian<qint32>(bytes.constData() + at + 4));
-            at += 8;
-        }
-        while (bytes.size() - at >= 12) {
-            const quint32 size = qFromBigEndian<quint32>(bytes.constData() + at + 8);
-            if (bytes.size() - at - 12 < qsizetype(size))
-                break;
-            stream.packets << MediaPacket{qFromBigEndian<quint64>(bytes.constData() + at), bytes.mid(at + 12, size)};
-            at += 12 + size;
-        }
-        return stream;
+    QList<MediaPacket> packets;
+    while (bytes.size() - at >= 12 && bytes.size() - at - 12 >= qFromBigEndian<quint32>(bytes.constData() + at + 8)) {
+        const quint32 size = qFromBigEndian<quint32>(bytes.constData() + at + 8);
+        packets << MediaPacket{qFromBigEndian<quint64>(bytes.constData() + at), bytes.mid(at + 12, size)};
+        at += 12 + size;
     }
-};
+    return packets;
+}
 
-MediaStream video(const ServerRig &rig)
+// The video socket's packets, after the 64-byte name, the codec id and the picture size.
+QList<MediaPacket> video(const ServerRig &rig)
 {
-    return MediaStream::parse(rig.channel(0)->written, true, true);
+    return packets(rig.channel(0)->written, 76);
 }
 
 int nalType(const QByteArray &annexB)
@@ -348,38 +328,34 @@ private slots:
         QVERIFY(rig.phone.journal("server_start").isEmpty());
     }
 
-    void killEndsLikeAKilledProcess_data()
+    void endsLikeAProcess_data()
     {
-        QTest::addColumn<bool>("byAdmin");
-        QTest::newRow("kill slot") << false;
-        QTest::newRow("admin request") << true;
+        QTest::addColumn<int>("how");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("killed") << 0 << 137 << "killed";
+        QTest::newRow("killed through the admin port") << 1 << 137 << "killed";
+        QTest::newRow("the PC closes the video socket") << 2 << 0 << "video socket closed";
     }
 
-    void killEndsLikeAKilledProcess()
+    void endsLikeAProcess()
     {
-        QFETCH(bool, byAdmin);
+        QFETCH(int, how);
+        QFETCH(int, exitCode);
+        QFETCH(QString, reason);
         ServerRig rig(serverCommand("scid=00000001 max_size=160"));
         QVERIFY(rig.startAndOpen(3));
-        if (byAdmin)
+        if (how == 0)
+            rig.server.kill();
+        else if (how == 1)
             emit rig.phone.phone->killServerRequested();
         else
-            rig.server.kill();
+            rig.channel(0)->close();
+        QTRY_COMPARE(rig.finished.size(), 1);
+        QCOMPARE(rig.finished.first().first().toInt(), exitCode);
         for (FakeChannel *channel : std::as_const(rig.tunnel.channels))
             QVERIFY(channel->wasClosed());
-        QTRY_COMPARE(rig.finished.size(), 1);
-        QCOMPARE(rig.finished.first().first().toInt(), 137);
-        QCOMPARE(rig.phone.journal("server_stop").value(0).value("reason").toString(), QString("killed"));
-    }
-
-    void endsWhenThePcClosesTheVideoSocket()
-    {
-        ServerRig rig(serverCommand("scid=00000001 max_size=160"));
-        QVERIFY(rig.startAndOpen(3));
-        rig.channel(0)->close();
-        QTRY_COMPARE(rig.finished.size(), 1);
-        QCOMPARE(rig.finished.first().first().toInt(), 0);
-        QVERIFY(rig.channel(1)->wasClosed());
-        QVERIFY(rig.channel(2)->wasClosed());
+        QCOMPARE(rig.phone.journal("server_stop").value(0).value("reason").toString(), reason);
     }
 
     void controlMessagesReachThePhone()
@@ -439,83 +415,70 @@ private slots:
     {
         ServerRig rig(serverCommand("scid=00000001 audio=false max_size=800"));
         QVERIFY(rig.startAndOpen(2));
-        QTRY_VERIFY(video(rig).packets.size() >= 4);
-        const MediaStream stream = video(rig);
-        QCOMPARE(stream.name, QByteArray("Pixel Sim"));
-        QCOMPARE(stream.codec, QByteArray("h264"));
-        QCOMPARE(stream.size, QSize(360, 800));
+        QTRY_VERIFY(video(rig).size() >= 4);
+        QCOMPARE(rig.channel(0)->written.left(76),
+                 QByteArray("Pixel Sim").leftJustified(64, '\0') + "h264" + hex("00000168 00000320"));
+        const QList<MediaPacket> stream = video(rig);
         // The configuration packet comes first and holds SPS then PPS in Annex B form.
-        const MediaPacket &config = stream.packets[0];
+        const MediaPacket &config = stream[0];
         QVERIFY(config.config() && !config.keyFrame());
         QCOMPARE(nalType(config.payload), 7);
         QVERIFY(config.payload.contains(QByteArray("\x00\x00\x00\x01\x68", 5)));
         // Then a key frame, then ordinary frames with rising timestamps.
-        QVERIFY(!stream.packets[1].config() && stream.packets[1].keyFrame());
-        QVERIFY(!stream.packets[2].keyFrame());
-        QVERIFY(stream.packets[2].pts() > stream.packets[1].pts());
+        QVERIFY(!stream[1].config() && stream[1].keyFrame());
+        QVERIFY(!stream[2].keyFrame());
+        QVERIFY(stream[2].pts() > stream[1].pts());
         QCOMPARE(decodeVideo(rig.channel(0)->written).value(0), QSize(360, 800));
 
         // Rotated: a new configuration and a key frame follow; the stream header is not repeated.
-        const auto configs = [&rig] {
-            QList<qsizetype> at;
-            const QList<MediaPacket> packets = video(rig).packets;
-            for (qsizetype i = 0; i < packets.size(); ++i) {
-                if (packets[i].config())
-                    at << i;
-            }
-            return at;
-        };
         rig.channel(1)->sendFromPc(hex("0B"));
         QCOMPARE(rig.phone.phone->rotation(), 1);
-        QTRY_COMPARE(configs().size(), 2);
-        const qsizetype restart = configs().last();
-        QTRY_VERIFY(video(rig).packets.size() > restart + 1);
-        QVERIFY(video(rig).packets[restart + 1].keyFrame());
-        QCOMPARE(video(rig).size, QSize(360, 800));
+        const auto restart = [&rig] {
+            const QList<MediaPacket> stream = video(rig);
+            qsizetype i = stream.size() - 1;
+            while (i > 0 && !stream[i].config())
+                --i;
+            return i;
+        };
+        QTRY_VERIFY(restart() > 0 && video(rig).size() > restart() + 1);
+        QVERIFY(video(rig)[restart() + 1].keyFrame());
     }
 
     void resetVideoSendsConfigAndKeyFrame()
     {
         ServerRig rig(serverCommand("scid=00000001 audio=false max_size=160"));
         QVERIFY(rig.startAndOpen(2));
-        QTRY_VERIFY(video(rig).packets.size() >= 3);
-        const int before = int(video(rig).packets.size());
+        QTRY_VERIFY(video(rig).size() >= 3);
+        const int before = int(video(rig).size());
         rig.channel(1)->sendFromPc(hex("11"));
         // Pictures of the replaced encoder still on their way are dropped: the configuration
         // comes right after what had arrived, then a key frame.
-        QTRY_VERIFY(video(rig).packets.size() >= before + 2);
-        QVERIFY(video(rig).packets[before].config());
-        QVERIFY(video(rig).packets[before + 1].keyFrame());
+        QTRY_VERIFY(video(rig).size() >= before + 2);
+        QVERIFY(video(rig)[before].config());
+        QVERIFY(video(rig)[before + 1].keyFrame());
     }
 
     void audioIsOpusInTwentyMillisecondPackets()
     {
         ServerRig rig(serverCommand("scid=00000001 max_size=160 control=false audio=true"));
         QVERIFY(rig.startAndOpen(2));
-        QTRY_VERIFY(MediaStream::parse(rig.channel(1)->written, false, false).packets.size() >= 3);
-        const MediaStream stream = MediaStream::parse(rig.channel(1)->written, false, false);
-        QCOMPARE(stream.codec, QByteArray("opus"));
-        QVERIFY(stream.packets[0].config());
-        QVERIFY(stream.packets[0].payload.startsWith("OpusHead"));
-        QVERIFY(!stream.packets[1].config());
-        QCOMPARE(stream.packets[2].pts() - stream.packets[1].pts(), 20000);
+        QTRY_VERIFY(packets(rig.channel(1)->written, 4).size() >= 3);
+        QCOMPARE(rig.channel(1)->written.left(4), QByteArray("opus"));
+        const QList<MediaPacket> stream = packets(rig.channel(1)->written, 4);
+        QVERIFY(stream[0].config());
+        QVERIFY(stream[0].payload.startsWith("OpusHead"));
+        QVERIFY(!stream[1].config());
+        QCOMPARE(stream[2].pts() - stream[1].pts(), 20000);
     }
 
     void playsAStreamFileInALoop()
     {
-        // Three pictures from the encoder, the first a key frame, written as one Annex B file.
-        H264Encoder encoder;
-        QString error;
-        QVERIFY2(encoder.open(QSize(64, 48), 500000, 30, &error), qPrintable(error));
-        QByteArray file = encoder.config();
-        for (int i = 0; i < 3; ++i) {
-            QImage image(64, 48, QImage::Format_RGB32);
-            image.fill(QColor(40 * i, 80, 120));
-            QList<H264Encoder::Packet> packets;
-            QVERIFY(encoder.encode(image, i * 33333, &packets));
-            for (const H264Encoder::Packet &packet : std::as_const(packets))
-                file += packet.data;
-        }
+        // Three pictures from phonesim's encoder, the first a key frame, as one Annex B file.
+        const StreamBuilder::H264Clip clip = StreamBuilder::encodeClip({64, 48}, 3);
+        QCOMPARE(clip.pictures.size(), 3);
+        QByteArray file = clip.config;
+        for (const H264Encoder::Packet &picture : clip.pictures)
+            file += picture.data;
         QTemporaryDir clipDir;
         QFile out(clipDir.filePath("clip.h264"));
         QVERIFY(out.open(QIODevice::WriteOnly) && out.write(file) == file.size());
@@ -523,17 +486,17 @@ private slots:
 
         ServerRig rig(serverCommand("scid=00000001 audio=false control=false max_size=800"), true, out.fileName());
         QVERIFY(rig.startAndOpen(1));
-        QTRY_VERIFY_WITH_TIMEOUT(video(rig).packets.size() >= 8, 10000);
-        const MediaStream stream = video(rig);
-        QCOMPARE(stream.size, QSize(64, 48));
-        QVERIFY(stream.packets[0].config());
-        QCOMPARE(nalType(stream.packets[0].payload), 7);
+        QTRY_VERIFY_WITH_TIMEOUT(video(rig).size() >= 8, 10000);
+        QCOMPARE(rig.channel(0)->written.mid(68, 8), hex("00000040 00000030"));
+        const QList<MediaPacket> stream = video(rig);
+        QVERIFY(stream[0].config());
+        QCOMPARE(nalType(stream[0].payload), 7);
         // Key frames where the file has IDR pictures: the 1st of every 3 frames.
         for (int i = 1; i < 8; ++i) {
-            QVERIFY(!stream.packets[i].config());
-            QCOMPARE(stream.packets[i].keyFrame(), (i - 1) % 3 == 0);
+            QVERIFY(!stream[i].config());
+            QCOMPARE(stream[i].keyFrame(), (i - 1) % 3 == 0);
             if (i > 1)
-                QVERIFY(stream.packets[i].pts() > stream.packets[i - 1].pts());
+                QVERIFY(stream[i].pts() > stream[i - 1].pts());
         }
         const QList<QSize> pictures = decodeVideo(rig.channel(0)->written);
         QVERIFY(pictures.size() >= 6);
@@ -573,16 +536,9 @@ private slots:
         QCOMPARE(hello.value("data").toObject().value("device_name").toString(), QString("Pixel Sim"));
     }
 
-    void autojsJournalsRunAndStopAll_data()
-    {
-        QTest::addColumn<int>("chunkSize");
-        QTest::newRow("whole") << 100000;
-        QTest::newRow("byte by byte") << 1;
-    }
-
+    // Whole commands are tst_devicecontrol's, through adb; these come byte by byte.
     void autojsJournalsRunAndStopAll()
     {
-        QFETCH(int, chunkSize);
         TestPhone phone;
         AutojsServer server(phone.phone.get());
         FakeChannel *channel = openAutojs(server);
@@ -590,8 +546,8 @@ private slots:
         const QByteArray bytes =
             AutojsProtocol::encodeCommand(40123, {{"command", "run"}, {"id", 40123}, {"name", "farm"}, {"script", script}})
             + stopAll();
-        for (qsizetype at = 0; at < bytes.size(); at += chunkSize)
-            channel->sendFromPc(bytes.mid(at, chunkSize));
+        for (char byte : bytes)
+            channel->sendFromPc(QByteArray(1, byte));
         const QList<QJsonObject> lines = phone.journal("autojs");
         QCOMPARE(lines.size(), 2);
         QCOMPARE(lines[0].value("type").toString(), QString("run"));
@@ -607,10 +563,7 @@ private slots:
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("not a length") << QByteArray("hello world, this is not a header");
-        QTest::newRow("too long") << QByteArray("99999999999999" "1\0", 16) + QByteArray(64, 'x');
-        QTest::newRow("wrong type byte") << QByteArray("2\0\0\0\0\0\0\0\0\0\0\0\0\0" "7\0" "{}", 18);
         QTest::newRow("not JSON") << QByteArray("5\0\0\0\0\0\0\0\0\0\0\0\0\0" "1\0" "{{{{{", 21);
-        QTest::newRow("JSON array") << QByteArray("2\0\0\0\0\0\0\0\0\0\0\0\0\0" "1\0" "[]", 18);
     }
 
     void autojsGarbageClosesOnlyThatChannel()
