@@ -1,30 +1,9 @@
 // The audio socket's bytes: the codec id (after the device name when audio is the first socket),
 // then packets, cut into two reads.
 #include "audiodemuxer.h"
+#include "checkingsink.h"
 #include "fakesocket.h"
 #include "fuzzinput.h"
-#include "packetsink.h"
-
-#include <cstdlib>
-
-namespace {
-// Every packet handed on must be one the decoder can take.
-class CheckingSink : public PacketSink
-{
-public:
-    void pushPacket(const AVPacket *packet) override
-    {
-        if (!packet || !packet->data || packet->size <= 0 || packet->size > int(AudioDemuxer::MaxPayloadSize))
-            std::abort();
-    }
-};
-}
-
-extern "C" int LLVMFuzzerInitialize(int *, char ***)
-{
-    FuzzInput::quietQt();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -34,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const bool nameFirst = data[0] & 1;
     const FuzzInput::Split reads = FuzzInput::split(data + 1, size - 1);
     FakeSocket socket;
-    CheckingSink sink;
+    CheckingSink sink(int(AudioDemuxer::MaxPayloadSize));
     AudioDemuxer demuxer(&socket, nullptr, &sink, nameFirst);
     socket.feed(reads.first);
     socket.feed(reads.second);

@@ -1,35 +1,14 @@
 // The video socket's bytes: a stream header, then packets, cut into two reads.
+#include "checkingsink.h"
 #include "fakesocket.h"
 #include "fuzzinput.h"
-#include "packetsink.h"
 #include "videodemuxer.h"
-
-#include <cstdlib>
-
-namespace {
-// Every packet handed on must be one the decoder can take.
-class CheckingSink : public PacketSink
-{
-public:
-    void pushPacket(const AVPacket *packet) override
-    {
-        if (!packet || !packet->data || packet->size <= 0 || packet->size > int(VideoDemuxer::MaxPayloadSize) + 4)
-            std::abort();
-    }
-};
-}
-
-extern "C" int LLVMFuzzerInitialize(int *, char ***)
-{
-    FuzzInput::quietQt();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const FuzzInput::Split reads = FuzzInput::split(data, size);
     FakeSocket socket;
-    CheckingSink sink;
+    CheckingSink sink(int(VideoDemuxer::MaxPayloadSize) + 4); // with a start code put in front
     VideoDemuxer demuxer(&socket, nullptr, &sink);
     socket.feed(reads.first);
     socket.feed(reads.second);

@@ -29,7 +29,8 @@ inline Split split(const uint8_t *data, size_t size)
     return {rest.left(cut), rest.mid(cut)};
 }
 
-// Qt's own messages (an unknown codec, a bad property) are expected here and only slow the run.
+// Qt's own messages (an unknown codec, a bad property) are expected here and only slow the run;
+// the default LLVMFuzzerInitialize silences them.
 void quietQt();
 
 }

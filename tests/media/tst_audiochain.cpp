@@ -3,7 +3,6 @@
 #include "audioresampler.h"
 #include "fakesocket.h"
 #include "opustoneencoder.h"
-#include "recordingsink.h"
 #include "simpleaudioplayer.h"
 #include "streambuilder.h"
 

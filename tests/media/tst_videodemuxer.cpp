@@ -1,5 +1,4 @@
 #include "fakesocket.h"
-#include "recordingsink.h"
 #include "streambuilder.h"
 #include "videodecoder.h"
 #include "videodemuxer.h"

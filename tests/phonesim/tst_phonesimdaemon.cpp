@@ -1,5 +1,5 @@
-// The adb daemon in this process, driven over raw sockets as a hostile or minimal host would,
-// and through the real adb for a phone-to-PC tunnel that finds nobody.
+// The adb daemon in this process, driven over raw sockets as a minimal host would, and through the
+// real adb for a phone-to-PC tunnel that finds nobody.
 #include "adbdaemon.h"
 #include "adbmessage.h"
 #include "adbrunner.h"
@@ -14,7 +14,6 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QtEndian>
 
 #include <memory>
 
@@ -37,7 +36,7 @@ struct Host
     bool read()
     {
         auto result = AdbMessage::ParseResult::Incomplete;
-        QTest::qWaitFor([&] {
+        (void)QTest::qWaitFor([&] {
             buffer += socket.readAll();
             result = AdbMessage::parse(buffer, 16 * 1024 * 1024, &reply);
             return result != AdbMessage::ParseResult::Incomplete || socket.state() != QAbstractSocket::ConnectedState;
@@ -45,11 +44,11 @@ struct Host
         return result == AdbMessage::ParseResult::Complete;
     }
 
-    bool connect(quint16 port, bool handshake = true)
+    bool connect(quint16 port)
     {
         socket.connectToHost(QHostAddress::LocalHost, port);
-        if (!socket.waitForConnected(3000) || !handshake)
-            return socket.state() == QAbstractSocket::ConnectedState;
+        if (!socket.waitForConnected(3000))
+            return false;
         send(AdbMessage::Cnxn, 0x01000001, HostMaxPayload, "host::features=shell_v2");
         return read() && reply.command == AdbMessage::Cnxn;
     }
@@ -87,39 +86,6 @@ private slots:
     {
         m_daemon.reset();
         m_phone.reset();
-    }
-
-    void malformedInputDropsOnlyThatConnection_data()
-    {
-        // Bad magic and other unreadable headers are the parser's, in tst_phonesimwire.
-        QTest::addColumn<bool>("afterHandshake");
-        QTest::addColumn<QByteArray>("bytes");
-        // Far beyond what the phone offered in its CNXN: dropped without waiting for the data.
-        QByteArray huge = AdbMessage::encode(AdbMessage::Wrte, 1, 1);
-        qToLittleEndian<quint32>(64 * 1024 * 1024, huge.data() + 12);
-        QTest::newRow("huge length") << true << huge;
-        QTest::newRow("open before connect") << false << AdbMessage::encode(AdbMessage::Open, 1, 0, "shell:ls");
-    }
-
-    void malformedInputDropsOnlyThatConnection()
-    {
-        QFETCH(bool, afterHandshake);
-        QFETCH(QByteArray, bytes);
-        Host bystander;
-        QVERIFY(bystander.connect(m_port));
-        Host victim;
-        QVERIFY(victim.connect(m_port, afterHandshake));
-        victim.socket.write(bytes);
-        QTRY_COMPARE_WITH_TIMEOUT(victim.socket.state(), QAbstractSocket::UnconnectedState, 5000);
-
-        // The connection that behaved still works, and a new one gets CNXN.
-        bystander.send(AdbMessage::Open, 7, 0, QByteArray("shell:echo alive", 17));
-        QVERIFY(bystander.read());
-        QCOMPARE(bystander.reply.command, quint32(AdbMessage::Okay));
-        QVERIFY(bystander.read());
-        QCOMPARE(bystander.reply.data, QByteArray("alive\n"));
-        Host newcomer;
-        QVERIFY(newcomer.connect(m_port));
     }
 
     void oneWriteInFlightPerStream()

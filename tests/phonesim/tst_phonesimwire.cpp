@@ -1,14 +1,32 @@
-// The phone's wire formats and parsers on their own: adb messages, shell v2 packets, command
-// lines, the reverse table's answers and the property set.
+// The phone's wire formats and parsers on their own: adb messages, shell v2 packets, shell
+// lines, the property set, the server's launch line and the control messages, which phonesim reads
+// back from the same table that Korvel's encoder is held to.
 #include "adbmessage.h"
+#include "commandlineoptions.h"
+#include "controlmessagedecoder.h"
+#include "controlmessages.h"
 #include "phone.h"
 #include "phoneproperties.h"
-#include "reversetable.h"
 #include "shellline.h"
 #include "shellpacket.h"
+#include "testpattern.h"
 
+#include <QJsonDocument>
 #include <QTest>
 #include <QtEndian>
+
+namespace {
+QByteArray json(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+CommandLineOptions launchLine(const QString &tail)
+{
+    return CommandLineOptions::parse("CLASSPATH=/data/local/tmp/scrcpy-server.jar app_process / com.genymobile.scrcpy.Server "
+                                     + tail);
+}
+} // namespace
 
 class TestPhoneSimWire : public QObject
 {
@@ -113,25 +131,6 @@ private slots:
         QVERIFY(!ok);
     }
 
-    // Listing, removing and adb's reading of the answers are proven through the real adb; these
-    // are the answers it never provokes.
-    void reverseTableAnswers()
-    {
-        ReverseTable table;
-        bool changed = false;
-        QCOMPARE(table.handle("forward:localabstract:scrcpy_1;tcp:5000", "host-1", &changed), QByteArray("OKAY"));
-        QVERIFY(changed);
-        QCOMPARE(table.target("localabstract:scrcpy_1"), QString("tcp:5000"));
-        QCOMPARE(table.handle("forward:norebind:localabstract:scrcpy_1;tcp:6000", "host-1"),
-                 QByteArray("FAIL001dcannot rebind existing socket"));
-        QCOMPARE(table.handle("forward:localabstract:scrcpy_1;tcp:6000", "host-1"), QByteArray("OKAY"));
-        QCOMPARE(table.target("localabstract:scrcpy_1"), QString("tcp:6000"));
-        QCOMPARE(table.handle("list-forward", "host-1"), QByteArray("0027host-1 localabstract:scrcpy_1 tcp:6000\n"));
-        QVERIFY(table.handle("forward:localabstract:x", "host-1").startsWith("FAIL"));
-        QVERIFY(table.handle("forward:localabstract:;tcp:1", "host-1").startsWith("FAIL"));
-        QCOMPARE(table.size(), 1);
-    }
-
     void propertiesCoverWhatKorvelReads()
     {
         PhoneProfile profile;
@@ -155,6 +154,138 @@ private slots:
         // Stable per port, different between ports.
         QCOMPARE(off.value("ro.serialno"), PhoneProperties::hardwareSerial(16001));
         QVERIFY(PhoneProperties::hardwareSerial(16001) != PhoneProperties::hardwareSerial(16002));
+    }
+
+    void readsTheLaunchLineOfThePc()
+    {
+        const auto options = launchLine("3.3.1 video_bit_rate=2000000 audio_codec=opus log_level=verbose max_size=280 "
+                                        "max_fps=5 stay_awake=true scid=00001234 control=true video=true audio=false");
+        QVERIFY2(options.ok(), qPrintable(options.error()));
+        QCOMPARE(options.classPath, QString("/data/local/tmp/scrcpy-server.jar"));
+        // Everything else as the phone journals it when the server starts.
+        QCOMPARE(json(options.toJson()),
+                 QByteArray(R"({"audio":false,"audio_codec":"opus","control":true,"log_level":"verbose","max_fps":5,)"
+                            R"("max_size":280,"scid":"00001234","socket":"scrcpy_00001234","stay_awake":true,)"
+                            R"("version":"3.3.1","video":true,"video_bit_rate":2000000})"));
+    }
+
+    // Korvel leaves out the limits it does not want.
+    void launchLineDefaults()
+    {
+        const auto options = launchLine("3.3.1");
+        QVERIFY(options.ok());
+        QCOMPARE(options.maxSize, 0);
+        QCOMPARE(options.maxFps, 0);
+        // A scid keeps only its low 31 bits.
+        QCOMPARE(launchLine("3.3.1 scid=ffffffff").socketName(), QString("scrcpy_7fffffff"));
+    }
+
+    // The version's message is tst_simserver's.
+    void launchLineErrors_data()
+    {
+        QTest::addColumn<QString>("tail");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no version") << "" << "Missing client version";
+        QTest::newRow("unknown option") << "3.3.1 crop=1:2:3:4" << "Unknown server option: crop";
+        QTest::newRow("bad number") << "3.3.1 max_size=big" << "For input string: \"big\"";
+        QTest::newRow("bad boolean") << "3.3.1 audio=yes" << "Invalid boolean for audio";
+        QTest::newRow("bad scid") << "3.3.1 scid=xyz" << "Invalid scid";
+        QTest::newRow("no equals") << "3.3.1 video" << "Invalid key=value pair";
+        QTest::newRow("other audio codec") << "3.3.1 audio_codec=aac" << "Unsupported audio codec: aac";
+        QTest::newRow("log level") << "3.3.1 log_level=loud" << "Invalid log level: loud";
+    }
+
+    void launchLineErrors()
+    {
+        QFETCH(QString, tail);
+        QFETCH(QString, message);
+        const auto options = launchLine(tail);
+        QVERIFY(!options.ok());
+        QVERIFY2(options.error().contains(message), qPrintable(options.error()));
+    }
+
+    void videoSize_data()
+    {
+        QTest::addColumn<QSize>("screen");
+        QTest::addColumn<int>("maxSize");
+        QTest::addColumn<QSize>("expected");
+        QTest::newRow("no limit") << QSize(1080, 2400) << 0 << QSize(1080, 2400);
+        QTest::newRow("800") << QSize(1080, 2400) << 800 << QSize(360, 800);
+        QTest::newRow("280") << QSize(1080, 2400) << 280 << QSize(128, 280);
+        QTest::newRow("landscape 800") << QSize(2400, 1080) << 800 << QSize(800, 360);
+        QTest::newRow("limit above screen") << QSize(720, 1280) << 1920 << QSize(720, 1280);
+        QTest::newRow("odd screen") << QSize(1079, 2341) << 0 << QSize(1072, 2336);
+        QTest::newRow("limit not multiple of 8") << QSize(1080, 1920) << 1001 << QSize(560, 1000);
+    }
+
+    void videoSize()
+    {
+        QFETCH(QSize, screen);
+        QFETCH(int, maxSize);
+        QFETCH(QSize, expected);
+        QCOMPARE(TestPattern::videoSize(screen, maxSize), expected);
+    }
+
+    void readsEachControlMessageOfTheTable_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QJsonObject>("decoded");
+        for (const ControlMessageCase &c : controlMessageCases())
+            QTest::newRow(c.name) << c.bytes << c.decoded;
+    }
+
+    void readsEachControlMessageOfTheTable()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QJsonObject, decoded);
+        ControlMessageDecoder decoder;
+        // However the bytes are split, the message comes out with its last byte and not before.
+        for (char byte : bytes.chopped(1))
+            QVERIFY(decoder.feed(QByteArray(1, byte)).isEmpty());
+        const QList<QJsonObject> messages = decoder.feed(bytes.right(1));
+        QVERIFY(!decoder.hasError());
+        QCOMPARE(messages.size(), 1);
+        QCOMPARE(json(messages.first()), json(decoded));
+    }
+
+    void readsTheControlTableAsOneStream()
+    {
+        QByteArray stream;
+        QList<QByteArray> expected;
+        for (const ControlMessageCase &c : controlMessageCases()) {
+            stream += c.bytes;
+            expected << json(c.decoded);
+        }
+        ControlMessageDecoder decoder;
+        QList<QByteArray> decoded;
+        for (qsizetype at = 0; at < stream.size(); at += 7) {
+            for (const QJsonObject &message : decoder.feed(stream.mid(at, 7)))
+                decoded << json(message);
+        }
+        QCOMPARE(decoded, expected);
+    }
+
+    void rejectsControlGarbage_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<int>("decodedBefore");
+        QTest::newRow("unknown type 0x63") << QByteArray::fromHex("63 00 00") << 0;
+        QTest::newRow("unknown type 0xff after a rotate") << QByteArray::fromHex("0B FF") << 1;
+        QTest::newRow("type 12") << QByteArray::fromHex("0C 00") << 0;
+        QTest::newRow("huge text length") << QByteArray::fromHex("01 7FFFFFFF 41") << 0;
+        QTest::newRow("huge clipboard length") << QByteArray::fromHex("09 0000000000000000 00 00200000") << 0;
+    }
+
+    void rejectsControlGarbage()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(int, decodedBefore);
+        ControlMessageDecoder decoder;
+        QCOMPARE(decoder.feed(bytes).size(), decodedBefore);
+        QVERIFY(decoder.hasError());
+        QVERIFY(!decoder.error().isEmpty());
+        // A broken stream stays broken: later valid bytes are not trusted.
+        QVERIFY(decoder.feed(QByteArray::fromHex("0B")).isEmpty());
     }
 };
 

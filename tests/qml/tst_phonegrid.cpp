@@ -43,10 +43,6 @@ class TestPhoneGrid : public QObject
     {
         return QuickItems::named(under ? under : window()->contentItem(), name);
     }
-    QQuickItem *shownWith(const char *property, const QString &value, QQuickItem *under = nullptr) const
-    {
-        return QuickItems::shownWith(under ? under : window()->contentItem(), property, value);
-    }
     // A cell's own child, found from the cell of the given phone.
     QQuickItem *cellItem(const QString &serial, const QString &name) const
     {
@@ -215,7 +211,7 @@ private slots:
         QCOMPARE(controls(other, "InjectTouchEvent").size(), otherTouches);
     }
 
-    // The picker's choice of profile is tst_deviceview's; the paste needs a running phone.
+    // The picker's choice of profile is tst_grid.qml's; the paste needs a running phone.
     void phraseChosenOnTheCellIsPastedThere()
     {
         ensureRunning();
@@ -228,9 +224,9 @@ private slots:
         phrases->setCurrentCategoryId(category);
         const qsizetype before = controls(serial, "SetClipboard").size();
         const qsizetype otherBefore = controls(other, "SetClipboard").size();
-        QMetaObject::invokeMethod(shownWith("tip", "Select Phrase", item("deviceView_" + serial)), "clicked");
+        QMetaObject::invokeMethod(QuickItems::shownWith(item("deviceView_" + serial), "tip", "Select Phrase"), "clicked");
         QQuickItem *phrase = nullptr;
-        QTRY_VERIFY((phrase = shownWith("text", "收菜 ok")));
+        QTRY_VERIFY((phrase = QuickItems::shownWith(window()->contentItem(), "text", "收菜 ok")));
         QVERIFY(QuickItems::click(phrase));
         QTRY_COMPARE_WITH_TIMEOUT(controls(serial, "SetClipboard").size(), before + 1, 5000);
         QCOMPARE(controls(serial, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));

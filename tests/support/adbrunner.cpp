@@ -1,6 +1,5 @@
 #include "adbrunner.h"
 
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
@@ -16,39 +15,27 @@ bool AdbRunner::available()
     return !QStandardPaths::findExecutable("adb").isEmpty();
 }
 
-QProcess *AdbRunner::start(const QStringList &args) const
-{
-    auto *process = new QProcess;
-    process->setProcessEnvironment(m_environment);
-    process->start("adb", args);
-    return process;
-}
-
 AdbRunner::Result AdbRunner::run(const QStringList &args, int timeoutMs) const
 {
-    QScopedPointer<QProcess> process(start(args));
-    QElapsedTimer timer;
-    timer.start();
-    while (process->state() != QProcess::NotRunning && timer.elapsed() < timeoutMs)
-        QTest::qWait(5);
+    QProcess process;
+    process.setProcessEnvironment(m_environment);
+    process.start("adb", args);
     Result result;
-    if (process->state() != QProcess::NotRunning) {
-        process->kill();
-        process->waitForFinished(2000);
+    if (!QTest::qWaitFor([&process] { return process.state() == QProcess::NotRunning; }, timeoutMs)) {
+        process.kill();
+        process.waitForFinished(2000);
         return result;
     }
-    result.finished = process->exitStatus() == QProcess::NormalExit;
-    result.exitCode = process->exitCode();
-    result.out = process->readAllStandardOutput();
-    result.err = process->readAllStandardError();
+    result.finished = process.exitStatus() == QProcess::NormalExit;
+    result.exitCode = process.exitCode();
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
     return result;
 }
 
 bool AdbRunner::listed(const QString &serial, const QString &state) const
 {
-    const Result result = run({"devices"});
-    const QList<QByteArray> lines = result.out.split('\n');
-    for (const QByteArray &line : lines) {
+    for (const QByteArray &line : run({"devices"}).out.split('\n')) {
         const QList<QByteArray> words = line.simplified().split(' ');
         if (words.size() >= 2 && words.at(0) == serial.toUtf8() && words.at(1) == state.toUtf8())
             return true;

@@ -4,8 +4,6 @@
 #include <QProcessEnvironment>
 #include <QStringList>
 
-class QProcess;
-
 // Runs Debian's adb against a private adb server port without blocking the event loop, so a
 // phone living in the test process itself can still answer.
 class AdbRunner
@@ -23,8 +21,6 @@ public:
 
     static bool available();
     Result run(const QStringList &args, int timeoutMs = 30000) const;
-    // Starts adb and returns the running process (owned by the caller).
-    QProcess *start(const QStringList &args) const;
     // Whether `adb devices` lists serial in the given state ("device", "offline").
     bool listed(const QString &serial, const QString &state = "device") const;
     void killServer() const;

@@ -22,11 +22,10 @@ void PhoneFixture::startServer()
 {
     // Korvel's own adb calls inherit these.
     qputenv("ANDROID_ADB_SERVER_PORT", QByteArray::number(m_adbServerPort));
-    m_serverFile = m_dir.filePath("scrcpy-server");
-    QFile server(m_serverFile);
+    QFile server(m_dir.filePath("scrcpy-server"));
     if (server.open(QIODevice::WriteOnly))
         server.write("PK\x03\x04 simulated scrcpy-server 3.3.1 for phonesim");
-    qputenv("KORVEL_SCRCPY_SERVER", m_serverFile.toLocal8Bit());
+    qputenv("KORVEL_SCRCPY_SERVER", server.fileName().toLocal8Bit());
     m_adb.run({"start-server"});
 }
 
@@ -58,9 +57,7 @@ PhoneSimProcess *PhoneFixture::addPhone(const QSize &screenSize, const QStringLi
         m_error = "adb connect failed: " + QString::fromUtf8(connected.out + connected.err);
         return nullptr;
     }
-    for (int i = 0; i < 100 && !m_adb.listed(phone->serial()); ++i)
-        QTest::qWait(50);
-    if (!m_adb.listed(phone->serial())) {
+    if (!QTest::qWaitFor([&] { return m_adb.listed(phone->serial()); }, 10000)) {
         m_error = "adb does not list " + phone->serial();
         return nullptr;
     }

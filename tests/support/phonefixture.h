@@ -30,9 +30,7 @@ public:
     // The phone with this serial, or null.
     PhoneSimProcess *phone(const QString &serial) const;
     const AdbRunner &adb() const { return m_adb; }
-    quint16 adbServerPort() const { return m_adbServerPort; }
     QString error() const { return m_error; }
-    QString serverFile() const { return m_serverFile; }
 
 private:
     void startServer();
@@ -41,7 +39,6 @@ private:
     quint16 m_adbServerPort;
     AdbRunner m_adb;
     QTemporaryDir m_dir;
-    QString m_serverFile;
     QString m_error;
     std::vector<std::unique_ptr<PhoneSimProcess>> m_phones;
 };

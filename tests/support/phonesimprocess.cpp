@@ -14,7 +14,8 @@ PhoneSimProcess::PhoneSimProcess()
 
 PhoneSimProcess::~PhoneSimProcess()
 {
-    stop();
+    m_process.kill();
+    m_process.waitForFinished(3000);
 }
 
 QString PhoneSimProcess::binary()
@@ -37,44 +38,26 @@ bool PhoneSimProcess::start(const QStringList &extraArgs, QString *error)
     m_port = freePort();
     // Consecutive indexes give clearly different colours, so the phones of one test never share one.
     static int startedPhones = 0;
-    QStringList args = {"--port", QString::number(m_port), "--data-dir", m_dir.path(),
-                        "--colour-index", QString::number(startedPhones++)};
-    const int wifi = extraArgs.indexOf("--wifi-address");
-    if (wifi >= 0) {
-        m_wifiAddress = extraArgs.value(wifi + 1);
-    } else {
-        if (!m_wifiLease)
-            m_wifiLease = LoopbackLease::wifiOctet();
-        m_wifiAddress = QString("127.0.0.%1").arg(m_wifiLease->value());
-        args += {"--wifi-address", m_wifiAddress};
-    }
-    args += extraArgs;
-    m_process.start(binary(), args);
+    m_wifiLease = LoopbackLease::wifiOctet();
+    m_wifiAddress = QString("127.0.0.%1").arg(m_wifiLease->value());
+    m_process.start(binary(), QStringList{"--port", QString::number(m_port), "--data-dir", m_dir.path(), "--colour-index",
+                                          QString::number(startedPhones++), "--wifi-address", m_wifiAddress}
+                                  + extraArgs);
     if (!m_process.waitForStarted(5000)) {
         if (error)
             *error = "cannot start " + binary() + ": " + m_process.errorString();
         return false;
     }
-    QFile log(m_dir.path() + "/phonesim.log");
-    for (int i = 0; i < 500 && m_process.state() == QProcess::Running; ++i) {
-        if (log.open(QIODevice::ReadOnly) && log.readAll().contains("listening on"))
-            return true;
-        log.close();
-        QTest::qWait(20);
-    }
-    if (error) {
-        log.open(QIODevice::ReadOnly);
-        *error = "phonesim did not come up: " + QString::fromUtf8(log.readAll());
-    }
+    const auto log = [this] {
+        QFile file(m_dir.path() + "/phonesim.log");
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    if (QTest::qWaitFor([&] { return m_process.state() != QProcess::Running || log().contains("listening on"); }, 10000)
+        && m_process.state() == QProcess::Running)
+        return true;
+    if (error)
+        *error = "phonesim did not come up: " + QString::fromUtf8(log());
     return false;
-}
-
-void PhoneSimProcess::stop()
-{
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.kill();
-    m_process.waitForFinished(3000);
 }
 
 QList<QJsonObject> PhoneSimProcess::readJournal(const QString &dataDir, const QString &event)

@@ -23,16 +23,14 @@ public:
 
     // Starts the phone and waits until it listens. Extra arguments go after the defaults.
     bool start(const QStringList &extraArgs = {}, QString *error = nullptr);
-    void stop();
 
     quint16 port() const { return m_port; }
     QString serial() const { return QString("127.0.0.1:%1").arg(m_port); }
     QString wifiAddress() const { return m_wifiAddress; }
-    QString dataDir() const { return m_dir.path(); }
     QString sandboxPath(const QString &devicePath) const { return m_dir.path() + "/sandbox" + devicePath; }
 
     // The journal lines written so far, optionally only those of one event.
-    QList<QJsonObject> journal(const QString &event = {}) const { return readJournal(dataDir(), event); }
+    QList<QJsonObject> journal(const QString &event = {}) const { return readJournal(m_dir.path(), event); }
     // The same for the journal in any phone's data folder (phones living in the test process).
     static QList<QJsonObject> readJournal(const QString &dataDir, const QString &event = {});
     // The control messages of one type the phone has read, oldest first.

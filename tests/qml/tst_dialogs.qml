@@ -2,12 +2,119 @@ import QtQuick
 import QtTest
 import Korvel
 
-// The phrase and key-mapping dialogs: each opens, edits and keeps its work in the backend.
+// The dialogs: each per-phone and per-group one opens with its title and not a single QML warning
+// (the big view window is tst_phonegrid's); the group manager refuses unusable names before it asks
+// the manager for anything; the phrase and key-mapping dialogs edit and keep their work in the backend.
 KorvelTestCase {
     id: testCase
-    name: "PhraseKeyDialogs"
-    width: 1100
-    height: 760
+    name: "Dialogs"
+    width: 1200
+    height: 900
+
+    DeviceGroup { id: testGroup }
+    Device { id: testDevice }
+
+    Component { id: settingsComponent; GroupSettingsDialog { group: testGroup } }
+    Component { id: commandComponent; ADBCommandDialog { deviceGroup: testGroup } }
+    Component { id: infoComponent; DeviceInfoDialog { device: testDevice } }
+    Component { id: renameComponent; DeviceRenameDialog { device: testDevice } }
+    Component { id: operationComponent; GroupOperationDialog { operation: testGroup.executeADBCommand("shell true") } }
+
+    function test_dialogsOpen_data() {
+        return [
+            { tag: "group settings", component: settingsComponent, title: "Group Settings" },
+            { tag: "adb command", component: commandComponent, title: "ADB Command" },
+            { tag: "device information", component: infoComponent, title: "Device Information" },
+            { tag: "rename", component: renameComponent, title: "Rename Device" },
+            { tag: "group operation", component: operationComponent, title: "ADB Command" }
+        ]
+    }
+
+    function test_dialogsOpen(data) {
+        const dialog = openDialog(data.component)
+        compare(dialog.title, data.title)
+        dialog.close()
+        tryVerify(() => !dialog.visible)
+    }
+
+    DeviceGroupManager { id: manager }
+
+    Component { id: groupManagerComponent; DeviceGroupManagerDialog { groupManager: manager } }
+
+    function groupNamed(name) {
+        return manager.deviceGroups.find(group => group.name === name)
+    }
+
+    function submitName(dialog, name) {
+        findChild(dialog, "groupNameField").text = name
+        click(findChild(dialog, "groupNameSubmit"))
+    }
+
+    function cleanup() {
+        // The manager keeps its groups in a file: leave only what was there before.
+        for (const group of manager.deviceGroups.slice()) {
+            if (group.name.startsWith("Rack "))
+                manager.removeDeviceGroup(group)
+        }
+    }
+
+    function test_refusesNames_data() {
+        return [
+            { tag: "empty", name: "", error: "Group name cannot be empty" },
+            { tag: "blank", name: "   ", error: "Group name cannot be empty" },
+            { tag: "taken", name: manager.deviceGroups[0].name, error: "Group name already exists" }
+        ]
+    }
+
+    function test_refusesNames(data) {
+        const dialog = openDialog(groupManagerComponent)
+        const before = manager.deviceGroups.length
+        click(findChild(dialog, "newGroupButton"))
+        submitName(dialog, data.name)
+        const alert = findChild(dialog, "groupNameErrorAlert")
+        tryVerify(() => alert.opened)
+        compare(alert.title, "Error")
+        compare(alert.message, data.error)
+        compare(manager.deviceGroups.length, before)
+        alert.close()
+    }
+
+    function test_createsAndRenames() {
+        const dialog = openDialog(groupManagerComponent)
+        const before = manager.deviceGroups.length
+        click(findChild(dialog, "newGroupButton"))
+        submitName(dialog, "Rack A")
+        compare(manager.deviceGroups.length, before + 1)
+        const rack = groupNamed("Rack A")
+        verify(rack)
+
+        // Renaming to another group's name is refused; to its own name or a new one is not.
+        dialog.startEdit(rack)
+        submitName(dialog, manager.deviceGroups[0].name)
+        const alert = findChild(dialog, "groupNameErrorAlert")
+        tryVerify(() => alert.opened)
+        compare(alert.message, "Group name already exists")
+        alert.close()
+        tryVerify(() => !alert.visible)
+        compare(rack.name, "Rack A")
+
+        dialog.startEdit(rack)
+        submitName(dialog, "Rack A")
+        verify(!alert.visible)
+        dialog.startEdit(rack)
+        submitName(dialog, "Rack B")
+        compare(rack.name, "Rack B")
+    }
+
+    function test_deletingTheSelectedGroupSelectsAnother() {
+        manager.createDeviceGroup("Rack C")
+        const rack = groupNamed("Rack C")
+        manager.setCurrentSelectedGroup(rack)
+        const dialog = openDialog(groupManagerComponent)
+        dialog.deleteGroup(rack)
+        verify(!groupNamed("Rack C"))
+        compare(manager.currentSelectedGroup, manager.deviceGroups[0])
+    }
 
     // What an earlier, interrupted run left in the files.
     function initTestCase() {
