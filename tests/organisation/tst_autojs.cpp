@@ -184,6 +184,37 @@ private slots:
         QCOMPARE(running.count(), 1);
         QCOMPARE(m_adb.calls().size(), calls);
     }
+
+    void repliesAreReassembledAndTheBridgeOutlivesThePhone()
+    {
+        Device device(nullptr, nullptr, "S1");
+        serve(device);
+        device.runAutojs(script("c.js"));
+        QTcpSocket *peer = waitForPeer();
+        QVERIFY(peer);
+        QTRY_VERIFY(device.autojs()->isRunning());
+        QSignalSpy received(device.autojs(), &Autojs::messageReceived);
+        const auto send = [peer](const QByteArray &bytes) {
+            peer->write(bytes);
+            QVERIFY(peer->waitForBytesWritten(5000));
+        };
+        // A reply split over two reads counts once, from both parts.
+        const QByteArray hello = reply(1, R"({"type":"hello","data":{"app_version":"4.1.1"}})");
+        send(hello.left(5));
+        send(hello.mid(5));
+        QTRY_COMPARE_WITH_TIMEOUT(received.count(), 1, 5000);
+        QCOMPARE(received[0][0].toJsonObject().value("type").toString(), QString("hello"));
+        // Other types, broken JSON and a non-object reach nobody, and the reply after them in the same
+        // read still does. (An absurd length loses the framing: replyFraming covers it.)
+        send(reply(2, "binary") + reply(1, "{not json") + reply(1, "[1,2]") + reply(1, R"({"type":"log","data":{"log":"x"}})"));
+        QTRY_COMPARE_WITH_TIMEOUT(received.count(), 2, 5000);
+        QCOMPARE(received[1][0].toJsonObject().value("type").toString(), QString("log"));
+        // The phone hanging up leaves the bridge running.
+        auto *socket = device.autojs()->findChild<QTcpSocket *>();
+        peer->close();
+        QTRY_COMPARE_WITH_TIMEOUT(socket->state(), QAbstractSocket::UnconnectedState, 5000);
+        QVERIFY(device.autojs()->isRunning());
+    }
 };
 
 QTEST_GUILESS_MAIN(TestAutojs)
