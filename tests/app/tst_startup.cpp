@@ -82,6 +82,8 @@ private slots:
                  qPrintable(message));
         const QStringList kept = TestFiles::keptAside(AppConfig::instance()->getCommonPhraseSavePath() + "/common_phrases.json");
         QVERIFY2(kept.size() == 1 && message.contains(kept.first()), qPrintable(message));
+        // Starting writes no defaults in its place.
+        QVERIFY(!QFile::exists(AppConfig::instance()->getCommonPhraseSavePath() + "/common_phrases.json"));
         QMetaObject::invokeMethod(alert, "close");
         QTRY_VERIFY(!alert->property("visible").toBool());
     }
