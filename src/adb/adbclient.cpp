@@ -1,7 +1,5 @@
 #include "adbclient.h"
 
-#include "adbresult.h"
-#include "adbtask.h"
 #include "appconfig.h"
 #include "devicesettings.h"
 
@@ -158,38 +156,6 @@ bool AdbClient::push(const QString &serial, const QString &localPath, const QStr
         return false;
     // Judged by adb's exit status: a path may well contain the word "error".
     return !run({"-s", serial, "push", localPath, remotePath}).startsWith(QLatin1String("[error]"));
-}
-
-bool AdbClient::installApk(const QString &serial, const QString &localPath)
-{
-    if (!QFileInfo::exists(localPath))
-        return false;
-    const QList<AdbTask::Step> steps = AdbTask::installSteps(serial, localPath);
-    bool installed = false;
-    if (!run(steps.at(0).args).startsWith(QLatin1String("[error]"))) {
-        const QString answer = run(steps.at(1).args);
-        const bool failed = answer.startsWith(QLatin1String("[error]"));
-        installed = AdbResult::classify(AdbResult::Kind::Install, failed ? 1 : 0, false, answer.toUtf8(), {}).ok();
-    }
-    // The temporary copy never stays on the phone, whatever happened.
-    run(steps.at(2).args);
-    return installed;
-}
-
-bool AdbClient::forward(const QString &serial, quint16 localPort, quint16 remotePort)
-{
-    return succeeded({"-s", serial, "forward", "tcp:" + QString::number(localPort),
-                      "tcp:" + QString::number(remotePort)});
-}
-
-bool AdbClient::removeForward(const QString &serial, quint16 localPort)
-{
-    return succeeded({"-s", serial, "forward", "--remove", "tcp:" + QString::number(localPort)});
-}
-
-bool AdbClient::reverse(const QString &serial, const QString &socketName, quint16 port)
-{
-    return succeeded({"-s", serial, "reverse", "localabstract:" + socketName, "tcp:" + QString::number(port)});
 }
 
 bool AdbClient::removeReverse(const QString &serial, const QString &socketName)

@@ -39,10 +39,6 @@ public:
     static bool reboot(const QString &serial);
     static bool shutdown(const QString &serial);
     static bool push(const QString &serial, const QString &localPath, const QString &remotePath);
-    static bool installApk(const QString &serial, const QString &localPath);
-    static bool forward(const QString &serial, quint16 localPort, quint16 remotePort);
-    static bool removeForward(const QString &serial, quint16 localPort);
-    static bool reverse(const QString &serial, const QString &socketName, quint16 port);
     static bool removeReverse(const QString &serial, const QString &socketName);
 
     static QList<ADBDeviceInfo> parseDevices(const QString &text);
