@@ -88,7 +88,9 @@ bool AdbClient::restartServer()
     if (!killServer())
         return false;
     serverIsOurs = true;
-    return startServer();
+    // Another adb call (a phone's details, a scan) may start the server between the two steps; then
+    // start-server fails to take the port, but the server the user asked for is running.
+    return startServer() || serverListening();
 }
 
 bool AdbClient::serverListening()
