@@ -230,8 +230,11 @@ void AdbDaemon::reboot(const QString &mode)
     // Let the CLSE of the request go out before the connections drop.
     QTimer::singleShot(50, this, [this, powerOff] {
         goOffline();
-        if (powerOff)
+        if (powerOff) {
+            // Journalled where the decision falls, so a test knows no boot was scheduled.
+            m_phone->journal().write("power_off");
             return;
+        }
         QTimer::singleShot(m_rebootDelay, this, [this] {
             if (m_vanished)
                 return;
