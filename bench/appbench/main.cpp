@@ -10,6 +10,7 @@
 #include "devicegroupmanager.h"
 #include "framehandoff.h"
 #include "processstats.h"
+#include "waituntil.h"
 #include "yuvfboitem.h"
 
 #include <QCommandLineParser>
@@ -50,25 +51,9 @@ QString fixed(double value, int decimals)
     return QString::number(value, 'f', decimals);
 }
 
-// Runs the event loop until done() holds (checked every 20 ms), the timeout passes or a stop is
-// requested.
 bool waitUntil(const std::function<bool()> &done, int timeoutMs)
 {
-    QElapsedTimer clock;
-    clock.start();
-    QEventLoop loop;
-    QTimer check;
-    bool reached = done();
-    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
-        reached = done();
-        if (reached || clock.elapsed() >= timeoutMs || stopSignal)
-            loop.quit();
-    });
-    if (!reached) {
-        check.start(20);
-        loop.exec();
-    }
-    return reached;
+    return ::waitUntil(done, timeoutMs, [] { return stopSignal != 0; });
 }
 
 void collectItems(QQuickItem *item, QList<YuvFboItem *> *items)

@@ -9,6 +9,7 @@
 #include "phoneprobe.h"
 #include "processstats.h"
 #include "serverparams.h"
+#include "waituntil.h"
 #include "yuvfboitem.h"
 
 #include <QDir>
@@ -51,21 +52,7 @@ MirrorRound::MirrorRound(PhoneFixture &fixture, quint16 adbServerPort, std::func
 
 bool MirrorRound::waitUntil(const std::function<bool()> &done, int timeoutMs)
 {
-    QElapsedTimer clock;
-    clock.start();
-    QEventLoop loop;
-    QTimer check;
-    bool reached = done();
-    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
-        reached = done();
-        if (reached || clock.elapsed() >= timeoutMs || m_stopRequested())
-            loop.quit();
-    });
-    if (!reached) {
-        check.start(50);
-        loop.exec();
-    }
-    return reached;
+    return ::waitUntil(done, timeoutMs, m_stopRequested);
 }
 
 double MirrorRound::adbServerCpuSeconds()
