@@ -184,6 +184,9 @@ int main(int argc, char *argv[])
                 liveAtMs.insert(device, sinceStart.elapsed());
         });
     }
+    const QStringList others{"phonesim", "adb", "Xvfb"};
+    const QHash<QString, double> othersBefore = ProcessStats::cpuByCommand(others);
+    const ProcessStats::Threads threadsBefore = ProcessStats::threads();
     LatenessProbe lateness;
     lateness.start();
     sinceStart.start();
@@ -194,6 +197,8 @@ int main(int argc, char *argv[])
                                    30000 + 1000 * phones);
     const double allLiveS = sinceStart.elapsed() / 1000.0;
     lateness.stop();
+    const QHash<QString, double> othersAfter = ProcessStats::cpuByCommand(others);
+    const ProcessStats::Threads threadsAfter = ProcessStats::threads();
     int liveCount = int(std::count_if(devices.begin(), devices.end(), live));
     report("live", QString("%1/%2").arg(liveCount).arg(devices.size()));
     report("all_live_s", allLive ? fixed(allLiveS, 2) : QString("not reached in %1 s").arg(fixed(allLiveS, 0)));
@@ -205,6 +210,26 @@ int main(int argc, char *argv[])
     report("start_longest_stall_ms", fixed(lateness.maxGapMs(), 1));
     report("start_longest_stall_ended_at_ms", fixed(lateness.maxGapEndMs(), 0));
     report("start_lateness_p99_ms", fixed(lateness.p99Ms(), 2));
+    // Where the time of the longest stall went: run, waiting for a CPU, asleep (on a lock, a
+    // condition or the event loop) for the GUI and render threads, and how busy the machine was.
+    const LatenessProbe::Anatomy stall = lateness.maxGapAnatomy();
+    auto anatomy = [&](const ProcessStats::Schedule &s) {
+        return QString("%1 %2 %3").arg(fixed(s.runMs, 0), fixed(s.cpuWaitMs, 0),
+                                        fixed(std::max(0.0, lateness.maxGapMs() - s.runMs - s.cpuWaitMs), 0));
+    };
+    report("start_stall_gui_run_cpuwait_sleep_ms", anatomy(stall.gui));
+    report("start_stall_render_run_cpuwait_sleep_ms", anatomy(stall.render));
+    report("start_stall_machine_busy_percent", fixed(100 * stall.machineBusyFraction, 0));
+    // Cores used from Start All until every phone was live, by whom.
+    auto cores = [&](double seconds) { return fixed(seconds / allLiveS, 2); };
+    QStringList byWhom;
+    for (const QString &name : others + QStringList{"children"})
+        byWhom << QString("%1 %2").arg(name == "children" ? "adb calls" : name,
+                                       cores(othersAfter.value(name) - othersBefore.value(name)));
+    report("start_cores_others", byWhom.join(", "));
+    report("start_cores_korvel",
+           QString("%1 (%2)").arg(cores(ProcessStats::cpuOfThreads(threadsBefore, threadsAfter, {""})),
+                                  ProcessStats::busiestThreads(threadsBefore, threadsAfter, allLiveS, 5).join(", ")));
 
     if (mode == "idle" && allLive && !stopSignal) {
         waitUntil([] { return false; }, 3000);

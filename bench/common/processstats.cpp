@@ -117,6 +117,64 @@ double percentile(std::vector<double> values, double fraction)
     return values[rank - 1];
 }
 
+Schedule schedule(int tid)
+{
+    QFile file(QString("/proc/self/task/%1/schedstat").arg(tid));
+    if (tid < 0 || !file.open(QIODevice::ReadOnly))
+        return {};
+    const QList<QByteArray> fields = file.readAll().trimmed().split(' ');
+    return {fields.value(0).toDouble() / 1e6, fields.value(1).toDouble() / 1e6};
+}
+
+int threadId(const QString &name)
+{
+    const QStringList tids = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &tid : tids) {
+        QFile comm("/proc/self/task/" + tid + "/comm");
+        if (comm.open(QIODevice::ReadOnly) && QString::fromUtf8(comm.readAll()).trimmed() == name)
+            return tid.toInt();
+    }
+    return -1;
+}
+
+MachineCpu machineCpu()
+{
+    QFile stat("/proc/stat");
+    if (!stat.open(QIODevice::ReadOnly))
+        return {};
+    // cpu user nice system idle iowait irq softirq steal ...
+    const QList<QByteArray> fields = stat.readLine().simplified().split(' ');
+    MachineCpu cpu;
+    for (int i = 1; i < fields.size(); ++i) {
+        cpu.total += fields.at(i).toDouble();
+        if (i != 4 && i != 5)
+            cpu.busy += fields.at(i).toDouble();
+    }
+    return cpu;
+}
+
+QHash<QString, double> cpuByCommand(const QStringList &names)
+{
+    QHash<QString, double> result;
+    const QStringList pids = QDir("/proc").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &pid : pids) {
+        QFile comm("/proc/" + pid + "/comm");
+        if (pid.front().isDigit() && comm.open(QIODevice::ReadOnly)) {
+            const QString name = QString::fromUtf8(comm.readAll()).trimmed();
+            if (names.contains(name))
+                result[name] += std::max(0.0, statCpuSeconds("/proc/" + pid + "/stat"));
+        }
+    }
+    QFile self("/proc/self/stat");
+    if (self.open(QIODevice::ReadOnly)) {
+        const QByteArray text = self.readAll();
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        // cutime and cstime
+        result["children"] = (fields.value(13).toDouble() + fields.value(14).toDouble()) / double(sysconf(_SC_CLK_TCK));
+    }
+    return result;
+}
+
 } // namespace ProcessStats
 
 LatenessProbe::LatenessProbe()
@@ -127,11 +185,23 @@ LatenessProbe::LatenessProbe()
         const double gapMs = double(m_tick.nsecsElapsed()) / 1e6;
         m_tick.start();
         m_latenessMs.push_back(std::max(0.0, gapMs - TickMs));
+        const Snapshot now = snapshot();
         if (gapMs > m_maxGapMs) {
             m_maxGapMs = gapMs;
             m_maxGapEndMs = double(m_sinceStart.nsecsElapsed()) / 1e6;
+            const double ticks = now.machine.total - m_lastTick.machine.total;
+            m_maxGapAnatomy = {{now.gui.runMs - m_lastTick.gui.runMs, now.gui.cpuWaitMs - m_lastTick.gui.cpuWaitMs},
+                               {now.render.runMs - m_lastTick.render.runMs,
+                                now.render.cpuWaitMs - m_lastTick.render.cpuWaitMs},
+                               ticks > 0 ? (now.machine.busy - m_lastTick.machine.busy) / ticks : 0};
         }
+        m_lastTick = now;
     });
+}
+
+LatenessProbe::Snapshot LatenessProbe::snapshot() const
+{
+    return {ProcessStats::schedule(getpid()), ProcessStats::schedule(m_renderThread), ProcessStats::machineCpu()};
 }
 
 void LatenessProbe::start()
@@ -139,6 +209,9 @@ void LatenessProbe::start()
     m_latenessMs.clear();
     m_maxGapMs = 0;
     m_maxGapEndMs = 0;
+    m_maxGapAnatomy = {};
+    m_renderThread = ProcessStats::threadId("QSGRenderThread");
+    m_lastTick = snapshot();
     m_sinceStart.start();
     m_tick.start();
     m_timer.start();

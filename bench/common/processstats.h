@@ -31,6 +31,29 @@ QStringList busiestThreads(const Threads &before, const Threads &after, double s
 
 double percentile(std::vector<double> values, double fraction);
 
+// Where a thread of this process spent its time (schedstat): on a CPU, and runnable but waiting
+// for one; the rest of the wall time it slept (waited on a lock, a condition or the event loop).
+struct Schedule
+{
+    double runMs = 0;
+    double cpuWaitMs = 0;
+};
+Schedule schedule(int tid);
+// Id of this process's first thread with that name, or -1.
+int threadId(const QString &name);
+
+// Busy and total CPU time of the whole machine, in clock ticks (/proc/stat).
+struct MachineCpu
+{
+    double busy = 0;
+    double total = 0;
+};
+MachineCpu machineCpu();
+
+// CPU seconds used so far by the processes with these names, summed per name; "children" holds
+// what this process's finished children used (short-lived adb calls).
+QHash<QString, double> cpuByCommand(const QStringList &names);
+
 } // namespace ProcessStats
 
 // How late a 5 ms timer on the GUI thread fires: the event loop's answer time.
@@ -48,7 +71,28 @@ public:
     // When that longest gap ended, in ms since start().
     double maxGapEndMs() const { return m_maxGapEndMs; }
 
+    // What the GUI thread, the scene graph's render thread and the machine did during the
+    // longest gap: the answer to "what was the GUI thread waiting for".
+    struct Anatomy
+    {
+        ProcessStats::Schedule gui;
+        ProcessStats::Schedule render;
+        double machineBusyFraction = 0;
+    };
+    Anatomy maxGapAnatomy() const { return m_maxGapAnatomy; }
+
 private:
+    struct Snapshot
+    {
+        ProcessStats::Schedule gui;
+        ProcessStats::Schedule render;
+        ProcessStats::MachineCpu machine;
+    };
+    Snapshot snapshot() const;
+
+    int m_renderThread = -1;
+    Snapshot m_lastTick;
+    Anatomy m_maxGapAnatomy;
     QTimer m_timer;
     QElapsedTimer m_tick;
     QElapsedTimer m_sinceStart;
