@@ -219,6 +219,9 @@ int main(int argc, char *argv[])
     };
     report("start_stall_gui_run_cpuwait_sleep_ms", anatomy(stall.gui));
     report("start_stall_render_run_cpuwait_sleep_ms", anatomy(stall.render));
+    // Summed over Mesa's threads, so only run and CPU wait mean anything.
+    report("start_stall_rasteriser_run_cpuwait_ms",
+           QString("%1 %2").arg(fixed(stall.rasteriser.runMs, 0), fixed(stall.rasteriser.cpuWaitMs, 0)));
     report("start_stall_machine_busy_percent", fixed(100 * stall.machineBusyFraction, 0));
     // Cores used from Start All until every phone was live, by whom.
     auto cores = [&](double seconds) { return fixed(seconds / allLiveS, 2); };

@@ -117,24 +117,30 @@ double percentile(std::vector<double> values, double fraction)
     return values[rank - 1];
 }
 
-Schedule schedule(int tid)
+Schedule schedule(const QList<int> &tids)
 {
-    QFile file(QString("/proc/self/task/%1/schedstat").arg(tid));
-    if (tid < 0 || !file.open(QIODevice::ReadOnly))
-        return {};
-    const QList<QByteArray> fields = file.readAll().trimmed().split(' ');
-    return {fields.value(0).toDouble() / 1e6, fields.value(1).toDouble() / 1e6};
+    Schedule sum;
+    for (int tid : tids) {
+        QFile file(QString("/proc/self/task/%1/schedstat").arg(tid));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QList<QByteArray> fields = file.readAll().trimmed().split(' ');
+        sum.runMs += fields.value(0).toDouble() / 1e6;
+        sum.cpuWaitMs += fields.value(1).toDouble() / 1e6;
+    }
+    return sum;
 }
 
-int threadId(const QString &name)
+QList<int> threadIds(const QString &prefix)
 {
+    QList<int> ids;
     const QStringList tids = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QString &tid : tids) {
         QFile comm("/proc/self/task/" + tid + "/comm");
-        if (comm.open(QIODevice::ReadOnly) && QString::fromUtf8(comm.readAll()).trimmed() == name)
-            return tid.toInt();
+        if (comm.open(QIODevice::ReadOnly) && QString::fromUtf8(comm.readAll()).startsWith(prefix))
+            ids << tid.toInt();
     }
-    return -1;
+    return ids;
 }
 
 MachineCpu machineCpu()
@@ -190,9 +196,11 @@ LatenessProbe::LatenessProbe()
             m_maxGapMs = gapMs;
             m_maxGapEndMs = double(m_sinceStart.nsecsElapsed()) / 1e6;
             const double ticks = now.machine.total - m_lastTick.machine.total;
-            m_maxGapAnatomy = {{now.gui.runMs - m_lastTick.gui.runMs, now.gui.cpuWaitMs - m_lastTick.gui.cpuWaitMs},
-                               {now.render.runMs - m_lastTick.render.runMs,
-                                now.render.cpuWaitMs - m_lastTick.render.cpuWaitMs},
+            auto delta = [](const ProcessStats::Schedule &a, const ProcessStats::Schedule &b) {
+                return ProcessStats::Schedule{a.runMs - b.runMs, a.cpuWaitMs - b.cpuWaitMs};
+            };
+            m_maxGapAnatomy = {delta(now.gui, m_lastTick.gui), delta(now.render, m_lastTick.render),
+                               delta(now.rasteriser, m_lastTick.rasteriser),
                                ticks > 0 ? (now.machine.busy - m_lastTick.machine.busy) / ticks : 0};
         }
         m_lastTick = now;
@@ -201,7 +209,8 @@ LatenessProbe::LatenessProbe()
 
 LatenessProbe::Snapshot LatenessProbe::snapshot() const
 {
-    return {ProcessStats::schedule(getpid()), ProcessStats::schedule(m_renderThread), ProcessStats::machineCpu()};
+    return {ProcessStats::schedule({getpid()}), ProcessStats::schedule(m_renderThreads),
+            ProcessStats::schedule(m_rasteriserThreads), ProcessStats::machineCpu()};
 }
 
 void LatenessProbe::start()
@@ -210,7 +219,8 @@ void LatenessProbe::start()
     m_maxGapMs = 0;
     m_maxGapEndMs = 0;
     m_maxGapAnatomy = {};
-    m_renderThread = ProcessStats::threadId("QSGRenderThread");
+    m_renderThreads = ProcessStats::threadIds("QSGRenderThread");
+    m_rasteriserThreads = ProcessStats::threadIds("llvmpipe-");
     m_lastTick = snapshot();
     m_sinceStart.start();
     m_tick.start();

@@ -38,9 +38,9 @@ struct Schedule
     double runMs = 0;
     double cpuWaitMs = 0;
 };
-Schedule schedule(int tid);
-// Id of this process's first thread with that name, or -1.
-int threadId(const QString &name);
+Schedule schedule(const QList<int> &tids);
+// Ids of this process's threads whose names start with prefix.
+QList<int> threadIds(const QString &prefix);
 
 // Busy and total CPU time of the whole machine, in clock ticks (/proc/stat).
 struct MachineCpu
@@ -71,12 +71,13 @@ public:
     // When that longest gap ended, in ms since start().
     double maxGapEndMs() const { return m_maxGapEndMs; }
 
-    // What the GUI thread, the scene graph's render thread and the machine did during the
-    // longest gap: the answer to "what was the GUI thread waiting for".
+    // What the GUI thread, the scene graph's render thread, Mesa's rasteriser threads (summed) and
+    // the machine did during the longest gap: the answer to "what was the GUI thread waiting for".
     struct Anatomy
     {
         ProcessStats::Schedule gui;
         ProcessStats::Schedule render;
+        ProcessStats::Schedule rasteriser;
         double machineBusyFraction = 0;
     };
     Anatomy maxGapAnatomy() const { return m_maxGapAnatomy; }
@@ -86,11 +87,13 @@ private:
     {
         ProcessStats::Schedule gui;
         ProcessStats::Schedule render;
+        ProcessStats::Schedule rasteriser;
         ProcessStats::MachineCpu machine;
     };
     Snapshot snapshot() const;
 
-    int m_renderThread = -1;
+    QList<int> m_renderThreads;
+    QList<int> m_rasteriserThreads;
     Snapshot m_lastTick;
     Anatomy m_maxGapAnatomy;
     QTimer m_timer;

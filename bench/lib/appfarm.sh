@@ -43,10 +43,10 @@ import json, sys
 serials = [line.strip() for line in sys.stdin if line.strip()]
 json.dump({"device_groups": [{"name": "Rack", "devices": serials}]}, sys.stdout, indent=1)
 ' >"$home/Desktop/KV/DeviceGroup/device_groups.json"
-  # On a real rack the phones encode on their own processors; niced, the simulated ones take only
-  # the CPU that Korvel leaves.
-  if [ -n "${KORVEL_BENCH_PHONES_NICE:-}" ]; then
-    cat "$farm_dir"/*/phonesim.pid | xargs renice -n "$KORVEL_BENCH_PHONES_NICE" -p >/dev/null
+  # On a real rack the phones encode on their own processors; in the idle scheduling class the
+  # simulated ones take only the CPU that Korvel and the adb server leave.
+  if [ "${KORVEL_BENCH_PHONES_SCHEDULING:-normal}" = idle ]; then
+    cat "$farm_dir"/*/phonesim.pid | xargs -n1 chrt --idle -a -p 0 >/dev/null
   fi
 }
 
