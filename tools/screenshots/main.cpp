@@ -6,7 +6,6 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
-#include "framehandoff.h"
 #include "groupoperation.h"
 #include "keymapping.h"
 
@@ -156,14 +155,18 @@ bool operationDone(QObject *dialog)
     return done;
 }
 
-// Every cell shows a moving picture: its frame rate reads more than nothing.
+// A moving picture: the frame rate shown beside it reads more than nothing.
+bool live(QQuickItem *view, const QString &rateName)
+{
+    QQuickItem *rate = view ? named(view, rateName) : nullptr;
+    return rate && !rate->property("text").toString().startsWith("0.0");
+}
+
 bool cellsLive(QQuickWindow *window, const QList<Device *> &devices)
 {
     return waitFor([&] {
         return std::all_of(devices.cbegin(), devices.cend(), [&](Device *d) {
-            QQuickItem *cell = named(window->contentItem(), "deviceView_" + d->adbConnectionSerial());
-            QQuickItem *rate = cell ? named(cell, "fpsText") : nullptr;
-            return rate && !rate->property("text").toString().startsWith("0.0");
+            return live(named(window->contentItem(), "deviceView_" + d->adbConnectionSerial()), "fpsText");
         });
     }, 20000);
 }
@@ -247,14 +250,14 @@ int main(int argc, char *argv[])
     }
     waitFor([&] { return group->deviceCount() == phones.size(); }, 20000);
     group->startAllDevices();
-    const bool live = waitFor(
+    const bool started = waitFor(
         [&] {
             const QList<Device *> devices = group->devices();
             return std::all_of(devices.cbegin(), devices.cend(),
                                [](Device *d) { return d->running() && d->frameSize().width() > 0; });
         },
         60000);
-    if (!live || !cellsLive(window, group->devices()))
+    if (!started || !cellsLive(window, group->devices()))
         fail("not every phone shows a picture");
     Device *first = group->devices().value(0);
     if (first)
@@ -318,11 +321,7 @@ int main(int argc, char *argv[])
                 return big != nullptr;
             },
             10000);
-        const auto published = [&] { return second->videoFrames()->framesPublished(); };
-        const bool started = big && waitFor([&] { return second->running() && second->showSize().width() > 0; }, 30000);
-        // A few pictures at the big view's own size.
-        const int before = published();
-        if (started && waitFor([&] { return published() > before + 2; }, 10000)) {
+        if (big && waitFor([&] { return live(big->contentItem(), "bigFpsText"); }, 30000)) {
             shoot(big, "big-view");
         } else {
             fail("the big view did not show");
