@@ -1113,6 +1113,14 @@ shell ps</translation>
         <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
         <translation>无法保存 %1。更改只保留到 Korvel 关闭。</translation>
     </message>
+    <message>
+        <source>Parts of %1 could not be read and were left out. The file as it was is kept as %2.</source>
+        <translation>%1 的部分内容无法读取，已被略去。原来的文件已保留为 %2。</translation>
+    </message>
+    <message>
+        <source>Parts of %1 could not be read and a copy could not be kept. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>%1 的部分内容无法读取，也无法保留副本。Korvel 不会覆盖它；更改只保留到 Korvel 关闭。</translation>
+    </message>
 </context>
 <context>
     <name>KVAlert</name>

@@ -1113,6 +1113,14 @@ shell ps</translation>
         <source>%1 could not be saved. Changes are kept only until Korvel closes.</source>
         <translation>無法儲存 %1。變更只保留到 Korvel 關閉。</translation>
     </message>
+    <message>
+        <source>Parts of %1 could not be read and were left out. The file as it was is kept as %2.</source>
+        <translation>%1 的部分內容無法讀取，已被略去。原來的檔案已保留為 %2。</translation>
+    </message>
+    <message>
+        <source>Parts of %1 could not be read and a copy could not be kept. Korvel will not save over it; changes are kept only until Korvel closes.</source>
+        <translation>%1 的部分內容無法讀取，也無法保留副本。Korvel 不會覆寫它；變更只保留到 Korvel 關閉。</translation>
+    </message>
 </context>
 <context>
     <name>KVAlert</name>

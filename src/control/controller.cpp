@@ -300,8 +300,9 @@ qint64 Controller::takeMappingPointerId()
     for (int tries = 0; tries < kMappingPointerIds; ++tries) {
         const int id = m_nextMappingPointerId;
         m_nextMappingPointerId = (m_nextMappingPointerId + 1) % kMappingPointerIds;
-        const bool held = std::any_of(m_heldMappings.cbegin(), m_heldMappings.cend(),
-                                      [id](const HeldMapping &h) { return h.pointerId == id; });
+        const bool held = m_tappingPointerIds.contains(id)
+                          || std::any_of(m_heldMappings.cbegin(), m_heldMappings.cend(),
+                                         [id](const HeldMapping &h) { return h.pointerId == id; });
         if (!held)
             return id;
     }
@@ -360,15 +361,20 @@ bool Controller::handleKeyMapping(int eventType, int key, int modifiers)
             mappedTouch(id, InputMapping::MousePress, point);
             return true;
         }
+        m_tappingPointerIds.insert(id);
         for (int tap = 0; tap < entry.count; ++tap) {
             const int downAt = tap * (kTapDownMs + kTapGapMs);
+            const bool last = tap == entry.count - 1;
             if (tap == 0)
                 mappedTouch(id, InputMapping::MousePress, point);
             else
                 QTimer::singleShot(downAt, this,
                                    [this, id, point] { mappedTouch(id, InputMapping::MousePress, point); });
-            QTimer::singleShot(downAt + kTapDownMs, this,
-                               [this, id, point] { mappedTouch(id, InputMapping::MouseRelease, point); });
+            QTimer::singleShot(downAt + kTapDownMs, this, [this, id, point, last] {
+                mappedTouch(id, InputMapping::MouseRelease, point);
+                if (last)
+                    m_tappingPointerIds.remove(id);
+            });
         }
         return true;
     }

@@ -101,6 +101,8 @@ private:
     int m_clickDelayMilliSeconds = 0;
     QPointer<Device> m_device;
     QList<HeldMapping> m_heldMappings;
+    // Fingers of repeated taps still playing: as busy as a held key's.
+    QSet<qint64> m_tappingPointerIds;
     int m_nextMappingPointerId = 0;
     QSet<AdbTask *> m_tasks;
 };

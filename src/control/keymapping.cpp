@@ -130,7 +130,14 @@ bool KeyMapping::saveToFile()
     const QJsonObject root{{"version", "1.0"},
                            {"currentProfile", m_current ? m_current->name() : QString()},
                            {"profiles", profiles}};
-    return JsonFile::write(getConfigFilePath(), root);
+    // A failed write leaves the previous file in place and the profiles in memory.
+    const QString notSaved = JsonFile::notSavedMessage(getConfigFilePath());
+    const bool saved = JsonFile::write(getConfigFilePath(), root);
+    if (!saved)
+        setFileMessage(notSaved);
+    else if (m_fileMessage == notSaved)
+        setFileMessage({});
+    return saved;
 }
 
 void KeyMapping::clearProfiles()
@@ -174,13 +181,14 @@ bool KeyMapping::loadFromFile()
 
     clearProfiles();
     const QJsonObject profiles = profilesValue.toObject();
+    // Entries that cannot be mappings (wrong types, a second entry for one key) are left out.
+    bool leftOut = !root.value("currentProfile").isUndefined() && !root.value("currentProfile").isString();
     for (auto it = profiles.begin(); it != profiles.end(); ++it) {
         KeyMappingProfile *profile = makeProfile(it.key());
-        // Entries that cannot be mappings (wrong types, a second entry for one key) are left out.
+        leftOut |= !it.value().isArray();
         for (const QJsonValue &value : it.value().toArray()) {
             KeyMappingEntry entry;
-            if (value.isObject() && KeyMappingEntry::fromJson(value.toObject(), &entry))
-                profile->append(entry);
+            leftOut |= !value.isObject() || !KeyMappingEntry::fromJson(value.toObject(), &entry) || !profile->append(entry);
         }
         m_profiles.append(profile);
     }
@@ -189,6 +197,12 @@ bool KeyMapping::loadFromFile()
         m_current = current;
         emit currentProfileChanged();
         emit currentMappingsChanged();
+    }
+    if (leftOut) {
+        // The next save cannot write back what was left out; the file as it was stays beside it.
+        const JsonFile::Loaded kept = JsonFile::keepCopyAside(path);
+        m_saveBlocked = kept.blocked;
+        setFileMessage(kept.message);
     }
     return true;
 }

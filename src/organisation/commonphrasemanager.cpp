@@ -9,6 +9,20 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
+
+namespace {
+
+bool isStringOrAbsent(const QJsonObject &object, std::initializer_list<const char *> keys)
+{
+    return std::all_of(keys.begin(), keys.end(), [&object](const char *key) {
+        const QJsonValue value = object.value(QLatin1String(key));
+        return value.isString() || value.isUndefined();
+    });
+}
+
+} // namespace
+
 CommonPhraseManager::CommonPhraseManager()
 {
     loadData();
@@ -159,9 +173,14 @@ void CommonPhraseManager::saveData()
     QJsonArray phrases;
     for (const CommonPhrase *phrase : m_phrases)
         phrases.append(phrase->toJson());
-    JsonFile::write(filePath(), QJsonObject{{"categories", categories},
-                                            {"phrases", phrases},
-                                            {"currentCategoryId", m_currentCategoryId}});
+    // A failed write leaves the previous file in place and the phrases in memory.
+    const QString notSaved = JsonFile::notSavedMessage(filePath());
+    if (!JsonFile::write(filePath(), QJsonObject{{"categories", categories},
+                                                 {"phrases", phrases},
+                                                 {"currentCategoryId", m_currentCategoryId}}))
+        setFileMessage(notSaved);
+    else if (m_fileMessage == notSaved)
+        setFileMessage({});
 }
 
 void CommonPhraseManager::clear()
@@ -193,11 +212,16 @@ void CommonPhraseManager::loadData()
     m_saveBlocked = loaded.blocked;
     setFileMessage(loaded.message);
     const QJsonObject root = loaded.object;
+    // What is not of the form a save writes back (a number for a name, a list that is no list) is left out.
+    bool leftOut = !isStringOrAbsent(root, {"currentCategoryId"})
+                   || !(root.value("categories").isArray() || root.value("categories").isUndefined());
     for (const QJsonValue &value : root.value("categories").toArray()) {
+        leftOut |= !value.isObject() || !isStringOrAbsent(value.toObject(), {"id", "name", "description"});
         if (value.isObject())
             m_categories.append(PhraseCategory::fromJson(value.toObject(), this));
     }
     for (const QJsonValue &value : root.value("phrases").toArray()) {
+        leftOut |= !value.isObject() || !isStringOrAbsent(value.toObject(), {"id", "text", "category", "description"});
         if (value.isObject())
             m_phrases.append(CommonPhrase::fromJson(value.toObject(), this));
     }
@@ -205,4 +229,10 @@ void CommonPhraseManager::loadData()
     emit categoriesChanged();
     emit phrasesChanged();
     emit currentCategoryIdChanged();
+    if (leftOut) {
+        // The next save cannot write back what was left out; the file as it was stays beside it.
+        const JsonFile::Loaded kept = JsonFile::keepCopyAside(path);
+        m_saveBlocked = kept.blocked;
+        setFileMessage(kept.message);
+    }
 }

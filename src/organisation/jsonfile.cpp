@@ -63,14 +63,46 @@ bool parse(const QByteArray &bytes, const QString &key, QJsonValue::Type type, Q
     return true;
 }
 
-QString keepAside(const QString &path)
+namespace {
+
+QString asideName(const QString &path)
 {
     const QString stem = path + ".corrupt-" + QDateTime::currentDateTime().toString("yyyyMMdd-hhmmss");
     QString target = stem;
     // Two bad files within one second must not meet at the same name.
     for (int n = 2; QFileInfo::exists(target) || QFileInfo(target).isSymLink(); ++n)
         target = stem + "-" + QString::number(n);
+    return target;
+}
+
+} // namespace
+
+QString keepAside(const QString &path)
+{
+    const QString target = asideName(path);
     return QFile::rename(path, target) ? target : QString();
+}
+
+Loaded keepCopyAside(const QString &path)
+{
+    Loaded kept;
+    const QString target = asideName(path);
+    const QString name = QDir::toNativeSeparators(path);
+    if (QFile::copy(path, target)) {
+        kept.keptAs = target;
+        kept.message = QCoreApplication::translate("JsonFile",
+                                                   "Parts of %1 could not be read and were left out. The file as "
+                                                   "it was is kept as %2.")
+                           .arg(name, QDir::toNativeSeparators(target));
+    } else {
+        kept.blocked = true;
+        kept.message = QCoreApplication::translate("JsonFile",
+                                                   "Parts of %1 could not be read and a copy could not be kept. "
+                                                   "Korvel will not save over it; changes are kept only until "
+                                                   "Korvel closes.")
+                           .arg(name);
+    }
+    return kept;
 }
 
 bool write(const QString &path, const QJsonObject &object)

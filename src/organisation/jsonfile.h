@@ -31,6 +31,10 @@ bool parse(const QByteArray &bytes, const QString &key, QJsonValue::Type type, Q
 // Moves the file to "<name>.corrupt-<yyyyMMdd-hhmmss>" beside it; returns the new path, or an
 // empty string when it could not be moved.
 QString keepAside(const QString &path);
+// For a file read only in part (entries of a wrong form were left out, and the next save cannot
+// write them back): copies it aside under the name keepAside() gives, with the user's message. When
+// the copy fails, blocked is set: the file must not be replaced.
+Loaded keepCopyAside(const QString &path);
 // Creates the folder when missing. Returns false when the file could not be written.
 bool write(const QString &path, const QJsonObject &object);
 // The message for a failed write; the caller keeps its state in memory.

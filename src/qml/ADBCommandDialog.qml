@@ -55,6 +55,7 @@ Dialog {
             TextArea {
                 id: inputArea
                 objectName: "adbCommandInput"
+                Accessible.name: qsTr("ADB Command")
                 placeholderText: qsTr("Enter ADB command, for example:\nshell ls\nshell ps")
                 placeholderTextColor: ColorManager.textGray
                 color: ColorManager.textWhite

@@ -85,6 +85,7 @@ Dialog {
             ComboBox {
                 id: languageBox
                 Layout.fillWidth: true
+                Accessible.name: qsTr("Language")
                 model: dialog.languages.map(language => language.name)
                 onActivated: index => dialog.selectedLocale = dialog.languages[index].locale
             }
@@ -101,6 +102,7 @@ Dialog {
             SpinBox {
                 id: adbProcessesBox
                 objectName: "adbProcessesBox"
+                Accessible.name: qsTr("adb processes at once")
                 from: 1
                 to: 64
                 editable: true
@@ -121,6 +123,7 @@ Dialog {
                 }
                 KVTextField {
                     Layout.fillWidth: true
+                    Accessible.name: modelData.label
                     text: dialog.paths[modelData.key] || ""
                     onEditingFinished: dialog.setPath(modelData.key, text)
                 }

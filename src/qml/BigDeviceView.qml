@@ -111,6 +111,7 @@ Window {
                 Text {
                     anchors.verticalCenter: parent.verticalCenter
                     visible: window.running
+                    objectName: "bigFpsText"
                     text: window.framesPerSecond.toFixed(1) + " FPS"
                     color: ColorManager.textGreen
                     font.pixelSize: Theme.fontSmall

@@ -187,6 +187,7 @@ Flickable {
         id: phraseDialogLoader
         active: false
         sourceComponent: PhraseSelectionDialog {
+            objectName: "phraseSelectionDialog"
             onPhraseSelected: text => {
                 if (root.device && root.device.controller)
                     root.device.controller.actionInputText(text)
@@ -199,6 +200,7 @@ Flickable {
         id: profilePickerLoader
         active: false
         sourceComponent: KeyMapProfilePicker {
+            objectName: "keyMapProfilePicker"
             device: root.device
             onClosed: profilePickerLoader.active = false
             Component.onCompleted: open()
@@ -209,6 +211,7 @@ Flickable {
         id: adbDialogLoader
         active: false
         sourceComponent: ADBCommandDialog {
+            objectName: "adbCommandDialog"
             device: root.device
             onClosed: adbDialogLoader.active = false
             Component.onCompleted: open()

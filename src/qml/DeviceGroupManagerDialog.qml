@@ -177,6 +177,7 @@ Dialog {
                 KVTextField {
                     id: nameField
                     objectName: "groupNameField"
+                    Accessible.name: qsTr("Group Name")
                     Layout.fillWidth: true
                     placeholderText: qsTr("Enter group name...")
                     onAccepted: dialog.submit()

@@ -268,6 +268,6 @@ Rectangle {
         }
     }
 
-    DeviceRenameDialog { id: renameDialog }
-    DeviceInfoDialog { id: infoDialog }
+    DeviceRenameDialog { id: renameDialog; objectName: "renameDialog" }
+    DeviceInfoDialog { id: infoDialog; objectName: "deviceInfoDialog" }
 }

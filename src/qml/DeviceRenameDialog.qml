@@ -69,6 +69,7 @@ Dialog {
         KVTextField {
             id: nameField
             objectName: "renameField"
+            Accessible.name: qsTr("New Name:")
             Layout.fillWidth: true
             placeholderText: qsTr("Enter new device name")
             onAccepted: dialog.confirm()

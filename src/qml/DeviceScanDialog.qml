@@ -137,6 +137,7 @@ Dialog {
             ComboBox {
                 id: groupChooser
                 objectName: "scanGroupChooser"
+                Accessible.name: qsTr("Target Group:")
                 Layout.preferredWidth: 240
                 model: dialog.groupManager ? dialog.groupManager.deviceGroups : []
                 textRole: "name"
@@ -212,7 +213,7 @@ Dialog {
                         Layout.fillHeight: true
                         KVCheckBox {
                             anchors.verticalCenter: parent.verticalCenter
-                            Accessible.name: row.serial
+                            Accessible.name: qsTr("Select") + " " + row.serial
                             checked: dialog.isChecked(row.serial)
                             onClicked: dialog.toggle(row.serial)
                         }

@@ -2,7 +2,9 @@ import QtQuick
 import QtQuick.Controls
 import Korvel
 
+// A text field in the application's colours. Named by its placeholder unless a label names it.
 TextField {
+    Accessible.name: placeholderText
     color: ColorManager.textWhite
     placeholderTextColor: ColorManager.textGray
     selectedTextColor: ColorManager.textBlack

@@ -42,6 +42,7 @@ Dialog {
             objectName: "noKeyMap"
             Layout.fillWidth: true
             text: qsTr("No KeyMap")
+            Accessible.name: text
             highlighted: dialog.currentName.length === 0
             onClicked: dialog.choose("")
         }

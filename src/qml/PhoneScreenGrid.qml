@@ -190,7 +190,7 @@ Item {
         operationDialog.open()
     }
 
-    GroupOperationDialog { id: operationDialog }
+    GroupOperationDialog { id: operationDialog; objectName: "groupOperationDialog" }
 
     ADBCommandDialog {
         id: adbCommandDialog
@@ -200,6 +200,7 @@ Item {
 
     GroupSettingsDialog {
         id: groupSettingsDialog
+        objectName: "groupSettingsDialog"
         group: root.group
     }
 }

@@ -1,13 +1,12 @@
 // Controlling simulated phones end to end: a Device's commands go through Debian's real adb and
 // the control socket, and arrive in the phone's journal. The bytes of each kind of input are
-// proven in tst_controller; here one case per capability shows it reaches a phone (the mouse and
-// the wheel through the grid, in tst_phonegrid).
+// proven in tst_controller; here one case per capability shows it reaches a phone (the mouse, the
+// wheel and mapped keys through the grid, in tst_phonegrid).
 #include "controldescription.h"
 #include "controller.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "framehandoff.h"
-#include "keymappingprofile.h"
 #include "phonefixture.h"
 #include "serverparams.h"
 
@@ -112,13 +111,6 @@ private slots:
                                                  "touch 2@540,623", "touch 2@540,480", "touch 1@540,480"};
         QTest::newRow("typed text, pasted") << Input([](Device *d) { d->controller()->actionInputText("你好 farm"); })
                                             << QStringList{"clipboard 0 paste 你好 farm"};
-        QTest::newRow("mapped key") << Input([](Device *d) {
-            KeyMappingProfile profile("Game");
-            profile.addMapping(Qt::Key_A, 0, "A", 0.5, 0.5, 1);
-            d->setCurrentKeyMappingProfile(&profile);
-            d->controller()->handleKeyEvent(6, Qt::Key_A, 0, {});
-            d->controller()->handleKeyEvent(7, Qt::Key_A, 0, {});
-        }) << QStringList{"touch 0@540,1200", "touch 1@540,1200"};
     }
 
     void inputArrivesOnThePhone()

@@ -1,8 +1,11 @@
 #include "appstartup.h"
 #include "commonphrasemanager.h"
+#include "controldescription.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "groupoperation.h"
+#include "keymappingprofile.h"
 #include "phonefixture.h"
 #include "qmlwarnings.h"
 #include "quickitems.h"
@@ -211,63 +214,183 @@ private slots:
         QCOMPARE(controls(other, "InjectTouchEvent").size(), otherTouches);
     }
 
-    // The picker's choice of profile is tst_grid.qml's; the paste needs a running phone.
-    void phraseChosenOnTheCellIsPastedThere()
+    // A profile's keys pressed on the view play their touches on the phone, in phone pixels;
+    // other keys stay key codes. A finger held or tapping never shares its pointer with another.
+    void mappedKeysPlayTheirTouchesOnThePhone()
     {
         ensureRunning();
+        Device *device = group()->devices().at(0);
+        const QString serial = device->adbConnectionSerial();
+        PhoneSimProcess *phone = m_fixture->phone(serial);
+        // The view takes the keyboard when it is touched.
+        const qsizetype touched = controls(serial, "InjectTouchEvent").size();
+        QVERIFY(QuickItems::click(cellItem(serial, "videoItem")));
+        QTRY_COMPARE_WITH_TIMEOUT(controls(serial, "InjectTouchEvent").size(), touched + 2, 5000);
+        const qsizetype from = phone->journal("control").size();
+        KeyMappingProfile profile("Rack");
+        QVERIFY(profile.addMapping(Qt::Key_T, 0, "T", 0.25, 0.75, 3));
+        QVERIFY(profile.addMapping(Qt::Key_H, 0, "H", 0.5, 0.5, 1));
+        QVERIFY(profile.addSwipeMapping(Qt::Key_W, 0, "W", 0.2, 0.5, 0.8, 0.5, 200));
+        device->setCurrentKeyMappingProfile(&profile);
+
+        QTest::keyClick(window(), Qt::Key_T);
+        // Pressed while the taps still play, and held.
+        QTest::keyPress(window(), Qt::Key_H);
+        const qint64 swipedAt = QDateTime::currentMSecsSinceEpoch();
+        QTest::keyPress(window(), Qt::Key_W);
+        const auto since = [&] { return phone->journal("control").mid(from); };
+        // Three taps, a finger down and a swipe of 200 ms in 12 moves.
+        QTRY_COMPARE_WITH_TIMEOUT(since().size(), 6 + 1 + 1 + 12, 5000);
+        QTest::keyRelease(window(), Qt::Key_W);
+        QTest::keyRelease(window(), Qt::Key_H);
+        QTest::keyClick(window(), Qt::Key_B);
+        QTRY_COMPARE_WITH_TIMEOUT(since().size(), 6 + 2 + 14 + 2, 5000);
+        device->setCurrentKeyMappingProfile(nullptr);
+
+        // Each finger's own touches, fingers in the order they came down.
+        QList<qint64> fingers;
+        QHash<qint64, QList<QJsonObject>> touches;
+        for (const QJsonObject &m : since()) {
+            const qint64 finger = m.value("pointerId").toInteger();
+            if (m.value("type").toString() != "InjectTouchEvent")
+                continue;
+            if (!fingers.contains(finger))
+                fingers << finger;
+            touches[finger] << m;
+        }
+        QCOMPARE(fingers.size(), 3);
+        const QSize show = device->showSize();
+        const QSize frame = device->frameSize();
+        const auto at = [&](double x, double y) {
+            return QString("@%1,%2").arg(int(x * show.width() * frame.width() / show.width()))
+                .arg(int(y * show.height() * frame.height() / show.height()));
+        };
+        const QString tap = at(0.25, 0.75);
+        QStringList taps;
+        for (int n = 0; n < 3; ++n)
+            taps << "touch 0" + tap << "touch 1" + tap;
+        QCOMPARE(describeControl(touches[fingers[0]]), taps);
+        QCOMPARE(describeControl(touches[fingers[1]]), QStringList({"touch 0" + at(0.5, 0.5), "touch 1" + at(0.5, 0.5)}));
+        QStringList swipe{"touch 0" + at(0.2, 0.5)};
+        for (int step = 1; step <= 12; ++step)
+            swipe << "touch 2" + at(0.2 + (0.8 - 0.2) * double(float(step) / 12.0f), 0.5);
+        swipe << "touch 1" + at(0.8, 0.5);
+        const QList<QJsonObject> swiped = touches[fingers[2]];
+        QCOMPARE(describeControl(swiped), swipe);
+        // The moves spread over the duration: the last one leaves 11 ticks of 200 / 12 ms after the press.
+        QVERIFY(swiped[12].value("time").toInteger() >= swipedAt + 11 * (200 / 12));
+        QCOMPARE(describeControl(since()).filter("key"), QStringList({"key 0 30", "key 1 30"}));
+    }
+
+    // The picker's choice of profile is tst_grid.qml's; the paste needs running phones.
+    void phraseChosenOnTheCellIsPasted_data()
+    {
+        QTest::addColumn<bool>("groupControl");
+        QTest::newRow("on that phone") << false;
+        QTest::newRow("on every phone of the group") << true;
+    }
+
+    void phraseChosenOnTheCellIsPasted()
+    {
+        QFETCH(bool, groupControl);
+        ensureRunning();
+        if (groupControl)
+            group()->startGroupControl();
         const QString serial = group()->devices().at(0)->adbConnectionSerial();
-        const QString other = group()->devices().at(1)->adbConnectionSerial();
         CommonPhraseManager *phrases = CommonPhraseManager::instance();
         phrases->addCategory("Farm");
         const QString category = phrases->getCategoriesList().last()->id();
         phrases->addPhrase("收菜 ok", category);
         phrases->setCurrentCategoryId(category);
-        const qsizetype before = controls(serial, "SetClipboard").size();
-        const qsizetype otherBefore = controls(other, "SetClipboard").size();
+        QHash<QString, qsizetype> before;
+        for (const QString &s : m_serials)
+            before[s] = controls(s, "SetClipboard").size();
         QMetaObject::invokeMethod(QuickItems::shownWith(item("deviceView_" + serial), "tip", "Select Phrase"), "clicked");
         QQuickItem *phrase = nullptr;
         QTRY_VERIFY((phrase = QuickItems::shownWith(window()->contentItem(), "text", "收菜 ok")));
         QVERIFY(QuickItems::click(phrase));
-        QTRY_COMPARE_WITH_TIMEOUT(controls(serial, "SetClipboard").size(), before + 1, 5000);
-        QCOMPARE(controls(serial, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));
-        QCOMPARE(controls(other, "SetClipboard").size(), otherBefore);
+        for (const QString &s : m_serials) {
+            if (s != serial && !groupControl)
+                continue;
+            QTRY_COMPARE_WITH_TIMEOUT(controls(s, "SetClipboard").size(), before[s] + 1, 10000);
+            QCOMPARE(controls(s, "SetClipboard").last().value("text").toString(), QString("收菜 ok"));
+        }
+        for (const QString &s : m_serials)
+            QCOMPARE(controls(s, "SetClipboard").size(), before[s] + (s == serial || groupControl ? 1 : 0));
+        group()->stopGroupControl();
         phrases->removeCategory(category);
     }
 
-    void everyButtonHasAnAccessibleName()
+    void everyControlHasAnAccessibleName()
     {
-        ensurePhonesInGroup();
-        // Screen readers and UI automation read what a button does, never a bare glyph; what is
-        // hidden is not read out.
-        const auto shownButtons = [this] {
-            return QuickItems::find(window()->contentItem(), [](QQuickItem *i) { return i->inherits("QQuickAbstractButton"); }, true);
+        ensureRunning();
+        // Screen readers and UI automation read what a control is for, never a bare glyph nor the
+        // value it holds (a combo box is "Language", not "English"); what is hidden is not read out.
+        const auto isControl = [](QQuickItem *i) {
+            for (const char *type : {"QQuickAbstractButton", "QQuickComboBox", "QQuickSpinBox", "QQuickTextField",
+                                     "QQuickTextArea", "QQuickSlider", "QQuickRangeSlider", "QQuickDial", "QQuickTumbler"}) {
+                if (i && i->inherits(type))
+                    return true;
+            }
+            return false;
         };
-        const auto unnamed = [this](const QList<QQuickItem *> &buttons) {
+        // The field inside a combo box is read as part of the box.
+        const auto controls = [&](QQuickItem *root) {
+            return QuickItems::find(root, [&](QQuickItem *i) { return isControl(i) && !isControl(i->parentItem()); }, true);
+        };
+        const auto unnamed = [&](QQuickItem *root) {
             QStringList found;
-            for (QQuickItem *button : buttons) {
-                QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button);
+            for (QQuickItem *control : controls(root)) {
+                QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(control);
                 const QString name = accessible ? accessible->text(QAccessible::Name) : QString();
-                if (std::none_of(name.cbegin(), name.cend(), [](QChar c) { return c.isLetter(); }))
-                    found << QString("%1 \"%2\" (%3)").arg(button->objectName(), name, text(button));
+                QStringList values;
+                if (!control->inherits("QQuickAbstractButton")) {
+                    for (const char *value : {"text", "displayText", "currentText", "value"})
+                        values << control->property(value).toString();
+                }
+                if (std::none_of(name.cbegin(), name.cend(), [](QChar c) { return c.isLetter(); }) || values.contains(name))
+                    found << QString("%1 %2 \"%3\"").arg(control->metaObject()->className(), control->objectName(), name);
             }
             return found;
         };
-        // Three phones with their header and their 24 control buttons each, and the bars.
-        const qsizetype inWindow = shownButtons().size();
-        QVERIFY2(inWindow > 3 * 27, qPrintable(QString::number(inWindow)));
-        QCOMPARE(unnamed(shownButtons()), QStringList());
-        // And in every dialog of the menus, each while it is open.
-        for (const char *name : {"groupManagerDialog", "adbRestartDialog", "aboutDialog", "appSettingsDialog",
-                                 "commonPhrasesDialog", "keyMappingDialog"}) {
-            QObject *dialog = window()->findChild<QObject *>(name);
-            QVERIFY2(dialog, name);
-            QMetaObject::invokeMethod(dialog, "open");
+        const auto checkOpen = [&](QObject *dialog) {
             QTRY_VERIFY(dialog->property("opened").toBool());
-            QVERIFY2(shownButtons().size() > inWindow, name);
-            QCOMPARE(unnamed(shownButtons()), QStringList());
+            QQuickItem *popup = dialog->property("contentItem").value<QQuickItem *>()->parentItem();
+            const qsizetype count = controls(popup).size();
+            const QStringList found = unnamed(popup);
             QMetaObject::invokeMethod(dialog, "close");
             QTRY_VERIFY(!dialog->property("visible").toBool());
+            QVERIFY2(count > 0 && found.isEmpty(), qPrintable(dialog->objectName() + ": " + found.join(", ")));
+        };
+        const auto dialog = [this](const char *name) { return window()->findChild<QObject *>(name); };
+
+        // Three phones with their header and their 24 control buttons each, and the bars.
+        QVERIFY(controls(window()->contentItem()).size() > 3 * 27);
+        QVERIFY2(unnamed(window()->contentItem()).isEmpty(), qPrintable(unnamed(window()->contentItem()).join(", ")));
+        // Every dialog, each while it is open: of the menus, of the group and of one phone.
+        Device *device = group()->devices().at(0);
+        dialog("renameDialog")->setProperty("device", QVariant::fromValue(device));
+        dialog("deviceInfoDialog")->setProperty("device", QVariant::fromValue(device));
+        // With live rows.
+        GroupOperation *screenshots = group()->screenshotAllDevices();
+        dialog("groupOperationDialog")->setProperty("operation", QVariant::fromValue(screenshots));
+        for (const char *name : {"groupManagerDialog", "adbRestartDialog", "aboutDialog", "appSettingsDialog", "scanDialog",
+                                 "commonPhrasesDialog", "keyMappingDialog", "groupOperationDialog", "groupAdbCommandDialog",
+                                 "groupSettingsDialog", "renameDialog", "deviceInfoDialog"}) {
+            QVERIFY2(dialog(name), name);
+            QMetaObject::invokeMethod(dialog(name), "open");
+            checkOpen(dialog(name));
         }
+        // A cell is a view's delegate, outside the window's object tree.
+        QQuickItem *cell = item("deviceView_" + device->adbConnectionSerial());
+        const QList<std::pair<const char *, const char *>> opening{
+            {"Select Phrase", "phraseSelectionDialog"}, {"Key Mapping", "keyMapProfilePicker"}, {"Run ADB Command", "adbCommandDialog"}};
+        for (const auto &[tip, name] : opening) {
+            QMetaObject::invokeMethod(QuickItems::shownWith(cell, "tip", tip), "clicked");
+            QTRY_VERIFY2(cell->findChild<QObject *>(name), name);
+            checkOpen(cell->findChild<QObject *>(name));
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!screenshots->running(), 20000);
     }
 
     void bigViewTakesThePhoneAndGivesItBack()

@@ -6,6 +6,7 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "groupoperation.h"
 #include "keymapping.h"
 
 #include <QDir>
@@ -38,24 +39,28 @@ bool waitFor(const std::function<bool()> &condition, int timeoutMs)
     return true;
 }
 
-// Lets the scene draw a few frames after a change.
-void settle(int ms = 400)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < ms)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-}
-
 void fail(const QString &what)
 {
     std::fprintf(stderr, "screenshots: %s\n", qPrintable(what));
     ++failures;
 }
 
+// The window has drawn what was changed before the call: layouts placed, pictures uploaded.
+bool nextFrame(QQuickWindow *window)
+{
+    bool swapped = false;
+    const QMetaObject::Connection connection =
+        QObject::connect(window, &QQuickWindow::frameSwapped, window, [&swapped] { swapped = true; });
+    window->update();
+    const bool drawn = waitFor([&swapped] { return swapped; }, 5000);
+    QObject::disconnect(connection);
+    return drawn;
+}
+
 void shoot(QQuickWindow *window, const QString &name)
 {
-    settle();
+    if (!nextFrame(window))
+        fail(name + " was not drawn");
     const QString path = outputFolder + "/" + name + ".png";
     if (!window->grabWindow().save(path))
         fail("could not save " + path);
@@ -99,9 +104,14 @@ QObject *ofType(QObject *root, const QString &typeName)
     return findObject(root, [&](QObject *o) { return QString(o->metaObject()->className()).startsWith(typeName + "_QML"); });
 }
 
+QObject *namedObject(QObject *root, const QString &name)
+{
+    return findObject(root, [&](QObject *o) { return o->objectName() == name; });
+}
+
 QQuickItem *named(QObject *root, const QString &name)
 {
-    return qobject_cast<QQuickItem *>(findObject(root, [&](QObject *o) { return o->objectName() == name; }));
+    return qobject_cast<QQuickItem *>(namedObject(root, name));
 }
 
 QQuickItem *controlButton(QObject *root, const QString &tip)
@@ -120,6 +130,7 @@ void shootDialog(QQuickWindow *window, QObject *dialog, const QString &name,
         fail("no dialog for " + name);
         return;
     }
+    // Opened is set once the dialog's entering transition has ended.
     QMetaObject::invokeMethod(dialog, "open");
     if (!waitFor([dialog] { return dialog->property("opened").toBool(); }, 5000)) {
         fail(name + " did not open");
@@ -130,6 +141,34 @@ void shootDialog(QQuickWindow *window, QObject *dialog, const QString &name,
     shoot(window, name);
     QMetaObject::invokeMethod(dialog, "close");
     waitFor([dialog] { return !dialog->property("visible").toBool(); }, 5000);
+}
+
+// A group operation's table once every phone has its answer.
+bool operationDone(QObject *dialog)
+{
+    const bool done = waitFor([dialog] {
+        auto *operation = dialog->property("operation").value<QObject *>();
+        return operation && !operation->property("running").toBool();
+    }, 30000);
+    if (!done)
+        fail(dialog->objectName() + ": the operation did not end");
+    return done;
+}
+
+// A moving picture: the frame rate shown beside it reads more than nothing.
+bool live(QQuickItem *view, const QString &rateName)
+{
+    QQuickItem *rate = view ? named(view, rateName) : nullptr;
+    return rate && !rate->property("text").toString().startsWith("0.0");
+}
+
+bool cellsLive(QQuickWindow *window, const QList<Device *> &devices)
+{
+    return waitFor([&] {
+        return std::all_of(devices.cbegin(), devices.cend(), [&](Device *d) {
+            return live(named(window->contentItem(), "deviceView_" + d->adbConnectionSerial()), "fpsText");
+        });
+    }, 20000);
 }
 
 // A dialog that a button creates on demand: press it, photograph the dialog it opened, close it.
@@ -211,19 +250,18 @@ int main(int argc, char *argv[])
     }
     waitFor([&] { return group->deviceCount() == phones.size(); }, 20000);
     group->startAllDevices();
-    const bool live = waitFor(
+    const bool started = waitFor(
         [&] {
             const QList<Device *> devices = group->devices();
             return std::all_of(devices.cbegin(), devices.cend(),
                                [](Device *d) { return d->running() && d->frameSize().width() > 0; });
         },
         60000);
-    if (!live)
+    if (!started || !cellsLive(window, group->devices()))
         fail("not every phone shows a picture");
     Device *first = group->devices().value(0);
     if (first)
         first->setCurrentKeyMappingProfile(KeyMapping::instance()->getProfile("Harvest"));
-    settle(2500);
     shoot(window, "main-window");
 
     shootDialog(window, window->findChild<QObject *>("groupManagerDialog"), "device-group-manager");
@@ -234,6 +272,18 @@ int main(int argc, char *argv[])
     shootDialog(window, window->findChild<QObject *>("aboutDialog"), "about");
     shootDialog(window, window->findChild<QObject *>("appSettingsDialog"), "app-settings");
     shootDialog(window, ofType(window, "GroupSettingsDialog"), "group-settings");
+    // Group operations with a row per phone, finished.
+    shootDialog(window, namedObject(window, "groupAdbCommandDialog"), "group-adb-command", [](QObject *dialog) {
+        QObject *input = named(qvariant_cast<QQuickItem *>(dialog->property("contentItem")), "adbCommandInput");
+        if (input)
+            input->setProperty("text", "shell getprop ro.product.model");
+        QMetaObject::invokeMethod(dialog, "execute");
+        operationDone(dialog);
+    });
+    QObject *operationDialog = namedObject(window, "groupOperationDialog");
+    if (operationDialog)
+        operationDialog->setProperty("operation", QVariant::fromValue(group->screenshotAllDevices()));
+    shootDialog(window, operationDialog, "group-operation", [](QObject *dialog) { operationDone(dialog); });
     if (first) {
         QObject *rename = ofType(window, "DeviceRenameDialog");
         QObject *info = ofType(window, "DeviceInfoDialog");
@@ -271,8 +321,7 @@ int main(int argc, char *argv[])
                 return big != nullptr;
             },
             10000);
-        if (big && waitFor([&] { return second->running() && second->showSize().width() > 0; }, 30000)) {
-            settle(2500);
+        if (big && waitFor([&] { return live(big->contentItem(), "bigFpsText"); }, 30000)) {
             shoot(big, "big-view");
         } else {
             fail("the big view did not show");
