@@ -328,7 +328,7 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
                "read (the absolute values move with the machine's other load).\n"
             << "- **Korvel CPU ms/frame**: CPU time over the pictures presented; **extra CPU ms/frame**: the "
                "difference to the plain round, for recording the cost of one recorded picture (packet copy, "
-               "queue, Matroska muxing and writing) with the sound of nothing.\n"
+               "queue, Matroska muxing and writing; no sound in these rounds).\n"
             << "- **sound frames/s/phone**: 20 ms Opus frames decoded per phone and second (50 when every "
                "frame is decoded).\n"
             << "- **recorded MB/s/phone**: size of the recordings over the measured phone-seconds (the files "
