@@ -171,6 +171,7 @@ bool MediaRecorder::start()
         }
         // The last file is still being finished: the new recording follows it.
         m_startQueued = true;
+        emit isRecordingChanged();
         return true;
     }
     delete m_thread;

@@ -60,7 +60,8 @@ public:
     // is still being finished, the new recording is queued and starts right after.
     Q_INVOKABLE bool start();
     Q_INVOKABLE void stop();
-    bool isRecording() const { return !m_stopped; }
+    // Owner's thread; also true while a recording waits for the last one's file to be finished.
+    bool isRecording() const { return !m_stopped || m_startQueued; }
     // The file of the current or last recording; empty before the first one opened.
     QString filePath() const;
 

@@ -91,6 +91,7 @@ private slots:
         QTRY_COMPARE(said("Record Started"), 1);
         recorder.stop();
         QVERIFY(recorder.start());
+        QVERIFY(recorder.isRecording());
         QTRY_COMPARE(said("Record Started"), 2);
         QCOMPARE(said("Record Stopped"), 1);
         QVERIFY(recorder.isRecording());
