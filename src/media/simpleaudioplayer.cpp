@@ -3,11 +3,41 @@
 #include <QAudioSink>
 #include <QCoreApplication>
 #include <QMediaDevices>
+#include <QMutex>
+#include <QSet>
 #include <QTimer>
 
+#include <mutex>
+
 namespace {
+
 constexpr int RetireMs = 3000;
+
+// Stopped sinks waiting to be deleted; those left when the application ends go with it.
+QMutex retiredLock;
+QSet<QAudioSink *> retired;
+
+void deleteRetired(QAudioSink *sink)
+{
+    {
+        QMutexLocker lock(&retiredLock);
+        if (!retired.remove(sink))
+            return;
+    }
+    delete sink;
 }
+
+void deleteAllRetired()
+{
+    QSet<QAudioSink *> all;
+    {
+        QMutexLocker lock(&retiredLock);
+        all.swap(retired);
+    }
+    qDeleteAll(all);
+}
+
+} // namespace
 
 SimpleAudioPlayer::SimpleAudioPlayer(QObject *parent)
     : QObject(parent)
@@ -33,7 +63,13 @@ SimpleAudioPlayer::~SimpleAudioPlayer()
     }
     QAudioSink *sink = m_sink;
     sink->moveToThread(app->thread());
-    QMetaObject::invokeMethod(app, [sink] { QTimer::singleShot(RetireMs, sink, [sink] { delete sink; }); },
+    static std::once_flag atExit;
+    std::call_once(atExit, [] { qAddPostRoutine(deleteAllRetired); });
+    {
+        QMutexLocker lock(&retiredLock);
+        retired.insert(sink);
+    }
+    QMetaObject::invokeMethod(app, [app, sink] { QTimer::singleShot(RetireMs, app, [sink] { deleteRetired(sink); }); },
                               Qt::QueuedConnection);
 }
 
