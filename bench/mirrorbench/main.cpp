@@ -21,6 +21,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -103,6 +104,68 @@ QStringList columns(const Row &row)
     };
 }
 
+// The same phones mirrored twice in a row, once plainly and once with sound or a recording, so that
+// the difference is measured under the same load of a shared machine.
+struct Comparison
+{
+    QString kind; // "sound" or "recording"
+    MirrorRound::Result plain;
+    MirrorRound::Result with;
+};
+
+const QStringList comparisonHeaders{
+    "phones", "sent fps/phone", "decoded fps/phone", "decoded/sent", "slowest phone fps", "round",
+    "Korvel CPU cores/phone", "Korvel CPU ms/frame", "CPU/phone vs plain", "extra CPU ms/frame",
+    "sound frames/s/phone", "recorded MB/s/phone",
+};
+
+QStringList comparisonColumns(const MirrorRound::Result &m, const MirrorRound::Result *plain, const QString &round)
+{
+    const double perPhone = m.phones > 0 && m.seconds > 0 ? m.phones * m.seconds : -1;
+    const auto coresPerPhone = [](const MirrorRound::Result &r) {
+        return r.phones > 0 && r.seconds > 0 ? r.cpuSeconds / r.seconds / r.phones : -1;
+    };
+    const auto msPerFrame = [](const MirrorRound::Result &r) {
+        return r.frames > 0 ? r.cpuSeconds * 1000 / double(r.frames) : -1;
+    };
+    const bool compared = plain && coresPerPhone(*plain) > 0 && coresPerPhone(m) > 0;
+    return {
+        QString::number(m.phones),
+        number(perPhone > 0 ? double(m.packets) / perPhone : -1, 1),
+        number(perPhone > 0 ? double(m.frames) / perPhone : -1, 1),
+        number(m.packets > 0 ? double(m.frames) / double(m.packets) : -1, 3),
+        number(m.slowestPhoneFps, 1),
+        round,
+        number(coresPerPhone(m), 3),
+        number(msPerFrame(m), 2),
+        compared ? number(coresPerPhone(m) / coresPerPhone(*plain), 2) : QString(),
+        compared && msPerFrame(*plain) > 0 ? QString::number(msPerFrame(m) - msPerFrame(*plain), 'f', 2) : QString(),
+        number(m.audioFrames >= 0 && perPhone > 0 ? double(m.audioFrames) / perPhone : -1, 1),
+        number(m.recordedBytes > 0 && perPhone > 0 ? double(m.recordedBytes) / 1048576.0 / perPhone : -1, 2),
+    };
+}
+
+void writeComparisons(QTextStream &out, const std::vector<Comparison> &comparisons, const QString &kind)
+{
+    out << "| " << comparisonHeaders.join(" | ") << " |\n|";
+    for (int i = 0; i < comparisonHeaders.size(); ++i)
+        out << (i == 5 ? "---|" : "---:|");
+    out << "\n";
+    QStringList notes;
+    for (const Comparison &c : comparisons) {
+        if (c.kind != kind)
+            continue;
+        out << "| " << comparisonColumns(c.plain, nullptr, "plain").join(" | ") << " |\n";
+        out << "| " << comparisonColumns(c.with, &c.plain, kind).join(" | ") << " |\n";
+        for (const MirrorRound::Result *r : {&c.plain, &c.with}) {
+            if (!r->ok)
+                notes << QString("%1 phones: %2").arg(r->phones).arg(r->error);
+        }
+    }
+    for (const QString &note : notes)
+        out << "\n" << note << "\n";
+}
+
 const QStringList headers{
     "phones", "sent fps/phone", "decoded fps/phone", "decoded/sent", "slowest phone fps",
     "Korvel CPU ms/frame", "ffmpeg CPU ms/frame", "Korvel/ffmpeg", "ffmpeg steady ms/frame",
@@ -143,9 +206,12 @@ void printRow(const QStringList &cells)
     out << Qt::endl;
 }
 
+constexpr int SoundPhones = 16;
+constexpr int RecordPhones = 8;
+
 bool writeReport(const QString &path, const QStringList &machine, const QString &stream, qint64 fileFrames,
                  double seconds, const std::vector<Row> &rows, const QString &command, const Preset &preset,
-                 const QSize &cellSize)
+                 const QSize &cellSize, const std::vector<Comparison> &comparisons, const QString &soundStream)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
@@ -243,6 +309,31 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
            "second; **render+llvmpipe cores**: CPU time of Qt's render thread and Mesa's llvmpipe threads "
            "over wall time. Drawn rounds only.\n"
         << "- **round**: decode (nothing drawn) or drawn (in a window under Xvfb).\n";
+    if (!comparisons.empty()) {
+        out << "\n## Sound\n\n"
+            << "The same " << SoundPhones << " phones at the grid preset (`" << QFileInfo(soundStream).fileName()
+            << "`, max size 720, 2 Mbit/s, every picture decoded), first mirrored plainly, then with sound: "
+               "each phone also sends its 48 kHz Opus tone, which its media thread decodes and plays into a "
+               "private PulseAudio daemon's null sink. Each pair runs back to back, so the ratio compares the "
+               "two under the same load of the shared machine.\n\n";
+        writeComparisons(out, comparisons, "sound");
+        out << "\n## Recording\n\n"
+            << "The first " << RecordPhones << " phones of the run above (`" << QFileInfo(stream).fileName()
+            << "`), first mirrored plainly, then each recording its stream to a Matroska file on its "
+               "\"VideoRecorderThread\" while still decoding every picture. Pairs back to back as above.\n\n";
+        writeComparisons(out, comparisons, "recording");
+        out << "\n- **round**: plain mirroring, or the same phones with sound or recording.\n"
+            << "- **Korvel CPU cores/phone**: CPU time of the process over the window's wall time, divided by "
+               "the phones; **CPU/phone vs plain**: its ratio to the plain round just before, the figure to "
+               "read (the absolute values move with the machine's other load).\n"
+            << "- **Korvel CPU ms/frame**: CPU time over the pictures presented; **extra CPU ms/frame**: the "
+               "difference to the plain round, for recording the cost of one recorded picture (packet copy, "
+               "queue, Matroska muxing and writing; no sound in these rounds).\n"
+            << "- **sound frames/s/phone**: 20 ms Opus frames decoded per phone and second (50 when every "
+               "frame is decoded).\n"
+            << "- **recorded MB/s/phone**: size of the recordings over the measured phone-seconds (the files "
+               "also hold the settling time, so this is an upper bound).\n";
+    }
     bool anyThreads = false;
     for (const Row &row : rows)
         anyThreads = anyThreads || !row.mirror.busiestThreads.isEmpty();
@@ -253,6 +344,47 @@ bool writeReport(const QString &path, const QStringList &machine, const QString 
                 << row.mirror.busiestThreads.join(", ") << "\n";
     }
     return true;
+}
+
+int compareRounds(PhoneFixture &fixture, quint16 port, const Preset &preset, const QString &stream, int phones,
+                  const QString &kind, int pairs, double seconds, std::vector<Comparison> &comparisons,
+                  const std::function<void()> &report)
+{
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    while (!stopRequested() && int(fixture.phones().size()) < phones) {
+        if (!fixture.addPhone(preset.phoneScreen, {"--stream-file", stream})) {
+            err << "bench_mirror: " << fixture.error() << Qt::endl;
+            return 1;
+        }
+    }
+    out << Qt::endl << kind << ", " << phones << " phones (" << QFileInfo(stream).fileName() << ")" << Qt::endl;
+    const auto print = [&out](const QStringList &cells) {
+        for (int i = 0; i < cells.size(); ++i)
+            out << (i ? "  " : "") << cells.at(i).rightJustified(int(comparisonHeaders.at(i).size()));
+        out << Qt::endl;
+    };
+    print(comparisonHeaders);
+    for (int pair = 0; pair < pairs && !stopRequested(); ++pair) {
+        Comparison comparison{kind, {}, {}};
+        for (const bool with : {false, true}) {
+            MirrorRound::Options options;
+            options.maxSize = preset.maxSize;
+            options.bitRate = preset.bitRate;
+            options.audio = with && kind == "sound";
+            options.record = with && kind == "recording";
+            MirrorRound round(fixture, port, stopRequested);
+            (with ? comparison.with : comparison.plain) = round.run(phones, seconds, 2000, options);
+        }
+        print(comparisonColumns(comparison.plain, nullptr, "plain"));
+        print(comparisonColumns(comparison.with, &comparison.plain, kind));
+        const bool ok = comparison.plain.ok && comparison.with.ok;
+        comparisons.push_back(std::move(comparison));
+        report();
+        if (!ok)
+            return 1;
+    }
+    return 0;
 }
 
 } // namespace
@@ -274,8 +406,10 @@ int main(int argc, char *argv[])
     parser.addOption({"cell", "Cell size of the drawn grid.", "WxH", "220x483"});
     parser.addOption({"columns", "Cells per row of the drawn grid.", "n", "10"});
     parser.addOption({"seconds", "Measured seconds per round.", "seconds", "10"});
-    parser.addOption({"audio", "Every phone's sound is decoded and played as well (needs a sound server)."});
-    parser.addOption({"record", "Every phone records to a Matroska file in the video folder."});
+    parser.addOption({"sound-stream", "Full preset: after the mirroring rounds, 16 phones loop this grid-size "
+                                      "stream, each measured plainly and with sound (needs a sound server); "
+                                      "then 8 phones plainly and recording.", "file"});
+    parser.addOption({"pairs", "Plain and sound (or recording) rounds measured back to back, per kind.", "n", "2"});
     parser.addOption({"output", "Markdown file for the results.", "file"});
     parser.process(app);
 
@@ -346,11 +480,22 @@ int main(int argc, char *argv[])
                       + parser.value("seconds");
     if (parser.isSet("drawn"))
         command += parser.isSet("decode-only") ? " --drawn --decode-only" : " --drawn";
-    for (const char *extra : {"audio", "record"}) {
-        if (parser.isSet(extra))
-            command += QString(" --") + extra;
+    const QString soundStream = parser.isSet("sound-stream") && preset.name == "full"
+                                    ? QFileInfo(parser.value("sound-stream")).absoluteFilePath() : QString();
+    if (!soundStream.isEmpty() && !QFileInfo(soundStream).isFile()) {
+        err << "bench_mirror: no --sound-stream " << soundStream << Qt::endl;
+        return 2;
     }
+    const int pairs = parser.value("pairs").toInt();
+    if (!soundStream.isEmpty())
+        command += " --sound-stream " + QFileInfo(soundStream).fileName() + " --pairs " + QString::number(pairs);
+    std::vector<Comparison> comparisons;
     std::vector<Row> rows;
+    const auto report = [&] {
+        if (parser.isSet("output"))
+            writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command, preset, cellSize,
+                        comparisons, soundStream);
+    };
     int status = 0;
     {
         // Stops its phones and the adb server when it goes, whatever happened before.
@@ -382,8 +527,6 @@ int main(int argc, char *argv[])
                 options.drawn = drawn;
                 options.cellSize = cellSize;
                 options.columns = gridColumns;
-                options.audio = parser.isSet("audio");
-                options.record = parser.isSet("record");
                 // A round after a larger one uses the first phones; the others sit idle, not streaming.
                 row.mirror = round.run(count, seconds, 2000, options);
                 if (stopRequested()) {
@@ -398,11 +541,18 @@ int main(int argc, char *argv[])
                 if (!row.mirror.ok)
                     status = 1;
                 rows.push_back(std::move(row));
-                if (parser.isSet("output"))
-                    writeReport(parser.value("output"), machine, stream, fileFrames, seconds, rows, command, preset,
-                                cellSize);
+                report();
             }
         }
+        if (!soundStream.isEmpty() && status == 0)
+            status = compareRounds(fixture, port, preset, stream, RecordPhones, "recording", pairs, seconds, comparisons,
+                                   report);
+    }
+    if (!soundStream.isEmpty() && status == 0 && !stopRequested()) {
+        // The sound rounds need phones looping the grid stream: a fixture of their own.
+        PhoneFixture fixture(port);
+        status = compareRounds(fixture, port, presetNamed("grid"), soundStream, SoundPhones, "sound", pairs, seconds,
+                               comparisons, report);
     }
     if (stopRequested()) {
         err << "bench_mirror: stopped" << Qt::endl;

@@ -72,8 +72,8 @@ Device::~Device()
     // The media thread first: it reads a socket that the server's tear-down closes.
     delete m_media;
     delete m_server;
-    // Finishes the file (trailer included) before the device goes, even if the phone vanished.
-    delete m_recorder;
+    // The file gets its trailer even if the phone vanished; a stalled disk does not hold the window.
+    m_recorder->finishAndDelete();
 }
 
 int Device::indexInGroup() const

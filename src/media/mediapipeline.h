@@ -36,8 +36,9 @@ public:
     // Lives on the media thread; null before startAudio.
     AudioDecoder *audioDecoder() const;
 
-    // A paused decoder skips packets but the socket is still read, so the phone never stalls;
-    // after a pause decoding resumes at the next key frame.
+    // Pauses the video and the audio decoder together. A paused decoder skips packets but the
+    // socket is still read, so the phone never stalls; after a pause pictures resume at the next
+    // key frame, sound at the next packet.
     void setDecodingPaused(bool paused);
 
     QThread *thread() const { return m_thread; }

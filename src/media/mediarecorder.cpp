@@ -1,10 +1,12 @@
 #include "mediarecorder.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QThread>
 #include <QtDebug>
 
 #include <cstring>
+#include <utility>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -44,12 +46,8 @@ MediaRecorder::MediaRecorder(QObject *parent)
 
 MediaRecorder::~MediaRecorder()
 {
-    {
-        std::unique_lock lock(m_mutex);
-        m_stopped = true;
-        m_wakeUp.notify_all();
-    }
-    // The trailer must reach the file, however long the queued packets take to write.
+    requestStop();
+    // Reached at once after finishAndDelete(); a recorder deleted directly finishes its file first.
     if (m_thread) {
         m_thread->wait();
         delete m_thread;
@@ -58,6 +56,29 @@ MediaRecorder::~MediaRecorder()
     freeAll(m_audioQueue);
     avcodec_parameters_free(&m_videoParameters);
     avcodec_parameters_free(&m_audioParameters);
+}
+
+void MediaRecorder::finishAndDelete(int waitMs)
+{
+    requestStop();
+    setParent(nullptr);
+    if (!m_thread || m_thread->wait(QDeadlineTimer(waitMs))) {
+        delete this;
+        return;
+    }
+    // A disk that stalls must not hang the caller: the file is finished on its own thread.
+    qWarning().noquote() << "MediaRecorder: still writing" << filePath() << "after" << waitMs << "ms";
+    connect(m_thread, &QThread::finished, this, &QObject::deleteLater);
+    if (m_thread->isFinished())
+        delete this;
+}
+
+void MediaRecorder::requestStop()
+{
+    std::unique_lock lock(m_mutex);
+    m_stopped = true;
+    m_startQueued = false;
+    m_wakeUp.notify_all();
 }
 
 void MediaRecorder::setStreams(bool video, bool audio)
@@ -143,23 +164,37 @@ void MediaRecorder::enqueueAudioPacket(const AVPacket *packet)
 
 bool MediaRecorder::start()
 {
-    if (m_thread && m_thread->isRunning())
-        return false;
+    if (m_thread && m_thread->isRunning()) {
+        if (!m_stopped) {
+            emit message(tr("Record Failed"), "error", 5000);
+            return false;
+        }
+        // The last file is still being finished: the new recording follows it.
+        m_startQueued = true;
+        emit isRecordingChanged();
+        return true;
+    }
     delete m_thread;
+    {
+        // From now on packets are kept, and a stop before the file opens is not lost.
+        std::unique_lock lock(m_mutex);
+        m_stopped = false;
+    }
     m_thread = new QThread;
     m_thread->setObjectName("VideoRecorderThread");
     connect(m_thread, &QThread::started, this, [this] { record(); }, Qt::DirectConnection);
+    connect(m_thread, &QThread::finished, this, [this] {
+        m_thread->wait();
+        if (std::exchange(m_startQueued, false))
+            start();
+    });
     m_thread->start(QThread::InheritPriority);
     return true;
 }
 
 void MediaRecorder::stop()
 {
-    {
-        std::unique_lock lock(m_mutex);
-        m_stopped = true;
-        m_wakeUp.notify_all();
-    }
+    requestStop();
     emit message(tr("Stop Recording"), "info", 2000);
 }
 
@@ -168,8 +203,12 @@ void MediaRecorder::record()
     {
         std::unique_lock lock(m_mutex);
         if (!openOutput()) {
+            m_stopped = true;
+            freeAll(m_videoQueue);
+            freeAll(m_audioQueue);
             lock.unlock();
             emit message(tr("Record Failed"), "error", 5000);
+            emit isRecordingChanged();
             m_thread->quit();
             return;
         }
@@ -180,7 +219,6 @@ void MediaRecorder::record()
         m_timeline.setNominalAudioDuration(RecordingTimeline::DefaultAudioDuration);
         m_lastWrittenVideoPts = AV_NOPTS_VALUE;
         m_lastWrittenAudioPts = AV_NOPTS_VALUE;
-        m_stopped = false;
     }
     emit isRecordingChanged();
     emit message(tr("Record Started"), "success", 2000);

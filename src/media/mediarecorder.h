@@ -35,6 +35,10 @@ class MediaRecorder : public QObject
 public:
     explicit MediaRecorder(QObject *parent = nullptr);
     ~MediaRecorder() override;
+    // Stops and deletes the recorder once its file is finished, waiting for that at most waitMs
+    // (the trailer normally follows within milliseconds); after that the file is finished on the
+    // recorder's own thread and the recorder deleted by the event loop.
+    void finishAndDelete(int waitMs = 3000);
 
     // Which streams the session carries; the recording follows them. Set before start().
     void setStreams(bool video, bool audio);
@@ -52,10 +56,12 @@ public:
     void enqueueVideoPacket(const AVPacket *packet);
     void enqueueAudioPacket(const AVPacket *packet);
 
-    // False when a recording is already running.
+    // False, with "Record Failed", when a recording is already running. While the last one's file
+    // is still being finished, the new recording is queued and starts right after.
     Q_INVOKABLE bool start();
     Q_INVOKABLE void stop();
-    bool isRecording() const { return !m_stopped; }
+    // Owner's thread; also true while a recording waits for the last one's file to be finished.
+    bool isRecording() const { return !m_stopped || m_startQueued; }
     // The file of the current or last recording; empty before the first one opened.
     QString filePath() const;
 
@@ -81,6 +87,7 @@ private:
         bool m_video;
     };
 
+    void requestStop();
     void record();
     bool openOutput();
     void closeOutput();
@@ -117,6 +124,7 @@ private:
     bool m_videoEnabled = true;
     bool m_audioEnabled = false;
     std::atomic<bool> m_stopped{true};
+    bool m_startQueued = false; // owner's thread only
 
     // Only the recording thread touches these while it runs.
     AVFormatContext *m_formatContext = nullptr;

@@ -60,6 +60,7 @@ void MediaWorker::startAudio(QTcpSocket *socket, AudioDecoder *decoder, bool dev
 {
     m_audioSocket = socket;
     m_audioDecoder = decoder;
+    m_audioDecoder->setDecodingPaused(m_decodingPaused);
     // The sink belongs to this thread, so it is made here; it never blocks this thread.
     m_audioPlayer = new SimpleAudioPlayer;
     connect(m_audioDecoder, &AudioDecoder::frameDecoded, m_audioPlayer,
@@ -83,9 +84,13 @@ void MediaWorker::startAudio(QTcpSocket *socket, AudioDecoder *decoder, bool dev
 
 void MediaWorker::setDecodingPaused(bool paused)
 {
-    // Only pictures follow the views: sound the user switched on keeps playing off screen.
+    // A phone seen nowhere is not heard either: with dozens of phones, only those on screen play.
+    // The recorder still gets every packet, since it comes before the decoders.
+    m_decodingPaused = paused;
     if (m_videoDecoder)
         m_videoDecoder->setDecodingPaused(paused);
+    if (m_audioDecoder)
+        m_audioDecoder->setDecodingPaused(paused);
 }
 
 void MediaWorker::publish(AVFrame *frame)

@@ -46,6 +46,7 @@ private:
     AudioDemuxer *m_audioDemuxer = nullptr;
     AudioDecoder *m_audioDecoder = nullptr;
     SimpleAudioPlayer *m_audioPlayer = nullptr;
+    bool m_decodingPaused = false;
     SwsContext *m_converter = nullptr;
     AVFrame *m_converted = nullptr;
 };

@@ -1,5 +1,6 @@
 #include "adbclient.h"
 #include "appconfig.h"
+#include "audiodecoder.h"
 #include "controller.h"
 #include "device.h"
 #include "devicegroup.h"
@@ -17,6 +18,11 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <QtTest>
+
+extern "C" {
+#include <libavutil/frame.h>
+#include <libavutil/samplefmt.h>
+}
 
 namespace {
 
@@ -57,20 +63,29 @@ Probe probe(const QString &path)
 
 constexpr double ToneHz = 440.0;
 
-// The tone's frequency in interleaved 48 kHz stereo s16 PCM, from the left channel's rising zero
-// crossings; 0 with less than a quarter of a second between the first and the last.
-double toneFrequency(const QByteArray &pcm)
+// The tone's frequency in one channel's 48 kHz samples, from its rising zero crossings; 0 with
+// less than a quarter of a second between the first and the last.
+double toneFrequency(const QList<float> &samples)
 {
-    const auto *samples = reinterpret_cast<const qint16 *>(pcm.constData());
     qsizetype first = -1, last = -1, crossings = 0;
-    for (qsizetype i = 1; i < pcm.size() / 4; ++i) {
-        if (samples[2 * (i - 1)] < 0 && samples[2 * i] >= 0) {
+    for (qsizetype i = 1; i < samples.size(); ++i) {
+        if (samples[i - 1] < 0 && samples[i] >= 0) {
             first = first < 0 ? i : first;
             last = i;
             ++crossings;
         }
     }
     return last - first < 48000 / 4 ? 0 : (crossings - 1) * 48000.0 / double(last - first);
+}
+
+// The left channel of interleaved stereo s16 PCM.
+QList<float> leftChannel(const QByteArray &pcm)
+{
+    const auto *samples = reinterpret_cast<const qint16 *>(pcm.constData());
+    QList<float> left;
+    for (qsizetype i = 0; i < pcm.size() / 4; ++i)
+        left << samples[2 * i];
+    return left;
 }
 
 } // namespace
@@ -212,7 +227,7 @@ private slots:
         second->videoFrames()->removeWatcher();
     }
 
-    void hiddenPhonesPauseDecodingAndShownOnesGetAFreshPicture()
+    void hiddenPhonesAreNeitherDecodedNorHeardAndShownOnesGetAFreshPicture()
     {
         struct : PacketSink
         {
@@ -226,8 +241,12 @@ private slots:
         device->addVideoPacketProbe(&packets);
         FrameHandoff *frames = device->videoFrames();
         frames->addWatcher();
+        device->serverParamsSmallView()->setAudio(true);
         device->startScrcpySession();
-        QTRY_VERIFY_WITH_TIMEOUT(device->controller() && frames->framesPublished() > 0, 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(device->controller() && frames->framesPublished() > 0 && device->audioDecoder(), 15000);
+        std::atomic_int heard{0};
+        connect(device->audioDecoder(), &AudioDecoder::frameDecoded, device->audioDecoder(), [&heard] { ++heard; },
+                Qt::DirectConnection);
         int before = frames->framesPublished();
         QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() >= before + 5, 10000);
 
@@ -237,6 +256,10 @@ private slots:
         const int arrived = packets.count;
         QTRY_VERIFY_WITH_TIMEOUT(packets.count >= arrived + 10, 10000);
         QVERIFY2(frames->framesPublished() <= before + 1, qPrintable(QString::number(frames->framesPublished() - before)));
+        // By now the pause has long reached the media thread: no sound is decoded either.
+        const int heardPaused = heard;
+        QTRY_VERIFY_WITH_TIMEOUT(packets.count >= arrived + 20, 10000);
+        QCOMPARE(heard, heardPaused);
 
         // Shown again: the phone is asked for a key frame and a new picture comes at once.
         const auto resets = [&] { return phone->controlMessages("ResetVideo").size(); };
@@ -244,7 +267,7 @@ private slots:
         before = frames->framesPublished();
         frames->addWatcher();
         QTRY_COMPARE_WITH_TIMEOUT(resets(), resetsBefore + 1, 10000);
-        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > before, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > before && heard > heardPaused, 10000);
         device->stopScrcpySession();
         frames->removeWatcher();
     }
@@ -330,7 +353,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(device->offline(), 30000);
         QVERIFY(!device->running());
         QVERIFY(device->offlineSince() >= before && device->offlineSince() <= QDateTime::currentDateTime());
-        QVERIFY(!device->videoRecorder()->isRecording());
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Stopped", "success", 2000}), 10000);
         const Probe result = probe(path);
         QCOMPARE(result.errors, QByteArray());
         QCOMPARE(result.codecs, (QStringList{"h264", "opus"}));
@@ -493,7 +516,8 @@ private slots:
         device->stopScrcpySession();
     }
 
-    void soundReachesTheSpeakers()
+    // What the decoder gives is 48 kHz stereo carrying the phone's tone, and the tone is heard.
+    void soundIsDecodedAndReachesTheSpeakers()
     {
         QTemporaryDir dir;
         const QString heard = dir.filePath("monitor.raw");
@@ -505,20 +529,53 @@ private slots:
         DeviceGroup group;
         Device *device = startWithSound(group, phone);
         QVERIFY(device);
+        device->videoFrames()->addWatcher(); // on screen, so it is heard
+        QTRY_VERIFY_WITH_TIMEOUT(device->audioDecoder(), 15000);
+        QMutex mutex;
+        QSet<QString> formats;
+        QList<float> decoded;
+        connect(device->audioDecoder(), &AudioDecoder::frameDecoded, device->audioDecoder(), [&](AVFrame *frame) {
+            QMutexLocker lock(&mutex);
+            formats << QString("%1 Hz, %2 channels, %3").arg(frame->sample_rate).arg(frame->ch_layout.nb_channels)
+                           .arg(av_get_sample_fmt_name(AVSampleFormat(frame->format)));
+            // Planar float (checked below): the first plane is the left channel.
+            const auto *left = reinterpret_cast<const float *>(frame->extended_data[0]);
+            decoded.append(QList<float>(left, left + frame->nb_samples));
+        }, Qt::DirectConnection);
+        const auto decodedFrequency = [&] {
+            QMutexLocker lock(&mutex);
+            return toneFrequency(decoded);
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(qAbs(decodedFrequency() - ToneHz) <= ToneHz * 0.02, 15000);
+        {
+            QMutexLocker lock(&mutex);
+            QCOMPARE(formats, QSet<QString>{"48000 Hz, 2 channels, fltp"});
+        }
         const auto frequency = [&heard] {
             QFile file(heard);
-            return file.open(QIODevice::ReadOnly) ? toneFrequency(file.readAll()) : 0.0;
+            return file.open(QIODevice::ReadOnly) ? toneFrequency(leftChannel(file.readAll())) : 0.0;
         };
         QTRY_VERIFY_WITH_TIMEOUT(qAbs(frequency() - ToneHz) <= ToneHz * 0.02, 15000);
         device->stopScrcpySession();
+        device->videoFrames()->removeWatcher();
         parec.terminate();
         parec.waitForFinished(5000);
+    }
+
+    void soundAndRecordingFailuresLeaveTheVideoGoing_data()
+    {
+        QTest::addColumn<QString>("audio");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("Android 10") << "disabled" << "Audio is not available on this phone (Android 11 or later)";
+        QTest::newRow("capture failed") << "error" << "Audio capture failed on this phone";
     }
 
     // A phone without sound, recording into a file where a folder should be: both are reported,
     // and the picture keeps coming.
     void soundAndRecordingFailuresLeaveTheVideoGoing()
     {
+        QFETCH(QString, audio);
+        QFETCH(QString, message);
         QTemporaryDir dir;
         QFile blocker(dir.filePath("not-a-folder"));
         QVERIFY(blocker.open(QIODevice::WriteOnly));
@@ -526,13 +583,12 @@ private slots:
         AppConfig::instance()->setVideoSavePath(blocker.fileName() + "/Videos");
         PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
-        Device *device = startWithSound(group, phone, {"--audio", "disabled"});
+        Device *device = startWithSound(group, phone, {"--audio", audio});
         QVERIFY(device);
         QSignalSpy messages(device, &Device::deviceMessage);
         FrameHandoff *frames = device->videoFrames();
         frames->addWatcher(); // as a view on screen: every picture is decoded
-        const QVariantList noSound{"Audio is not available on this phone (Android 11 or later)", "error", 5000};
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(noSound), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{message, "error", 5000}), 15000);
         QTRY_VERIFY_WITH_TIMEOUT(device->controller(), 20000);
         device->startRecord();
         QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Failed", "error", 5000}), 10000);

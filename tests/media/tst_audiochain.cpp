@@ -127,10 +127,14 @@ private slots:
         QCOMPARE(sizes, QList<qsizetype>(5, 3840));
         QCOMPARE(idle.framesPlayed() + idle.framesDropped(), 0);
 
-        decoder.setDecodingPaused(true);
+        // Paused, packets are dropped; resumed, the next one is heard again.
         qint64 pts = 0;
-        socket.feed(packet(quint64(pts), tone.nextPacket(&pts)));
-        QCOMPARE(sizes.size(), 5);
+        for (const bool paused : {true, false}) {
+            decoder.setDecodingPaused(paused);
+            const QByteArray payload = tone.nextPacket(&pts);
+            socket.feed(packet(quint64(pts), payload));
+        }
+        QCOMPARE(sizes, QList<qsizetype>(6, 3840));
     }
 
     // A frame that does not fit whole is not written at all, never in part.

@@ -76,6 +76,30 @@ private slots:
         QVERIFY(!recorder.isRecording());
         QVERIFY(recorder.filePath().isEmpty());
     }
+
+    // Record pressed again while the last file is still being finished: the new one follows it.
+    void recordRightAfterStopFollowsTheLastFile()
+    {
+        QTemporaryDir folder;
+        QStringList texts;
+        MediaRecorder recorder;
+        recorder.setOutput(folder.path(), "desk", "R58M");
+        // Queued to this thread, as the device gets them.
+        connect(&recorder, &MediaRecorder::message, this, [&texts](const QString &text) { texts << text; });
+        const auto said = [&texts](const QString &text) { return texts.count(text); };
+        QVERIFY(recorder.start());
+        QTRY_COMPARE(said("Record Started"), 1);
+        recorder.stop();
+        QVERIFY(recorder.start());
+        QVERIFY(recorder.isRecording());
+        QTRY_COMPARE(said("Record Started"), 2);
+        QCOMPARE(said("Record Stopped"), 1);
+        QVERIFY(recorder.isRecording());
+        QVERIFY(!recorder.start());
+        QCOMPARE(said("Record Failed"), 1);
+        recorder.stop();
+        QTRY_COMPARE(said("Record Stopped"), 2);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMediaRecorder)
