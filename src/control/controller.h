@@ -102,5 +102,6 @@ private:
     QPointer<Device> m_device;
     QList<HeldMapping> m_heldMappings;
     int m_nextMappingPointerId = 0;
-    QSet<AdbTask *> m_tasks;
+    // Installs and uploads under way, by task id.
+    QSet<quint64> m_tasks;
 };
