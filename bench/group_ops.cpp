@@ -29,6 +29,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -40,6 +41,29 @@ double cpuSeconds(int who)
     rusage usage{};
     getrusage(who, &usage);
     return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// CPU time of the calling thread: the GUI thread's own share of a run.
+double threadCpuSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return now.tv_sec + now.tv_nsec / 1e9;
+}
+
+// All processors' busy and total jiffies since boot, from /proc/stat's first line.
+std::pair<double, double> machineJiffies()
+{
+    QFile file("/proc/stat");
+    if (!file.open(QIODevice::ReadOnly))
+        return {0, 0};
+    const QList<QByteArray> fields = file.readLine().simplified().split(' ');
+    double total = 0;
+    for (int i = 1; i < fields.size(); ++i)
+        total += fields.at(i).toDouble();
+    // idle and iowait are the 4th and 5th numbers.
+    const double idle = fields.value(4).toDouble() + fields.value(5).toDouble();
+    return {total - idle, total};
 }
 
 double percentile(std::vector<double> values, double fraction)
@@ -70,6 +94,9 @@ struct Run
     double adbCpuS = 0;
     double latenessP99Ms = 0;
     double latenessMaxMs = 0;
+    // Fractions of the wall time: the GUI thread on a processor, and the whole machine's processors busy.
+    double guiBusy = 0;
+    double machineBusy = 0;
     int done = 0;
 };
 
@@ -120,6 +147,8 @@ Run install(DeviceGroup &group, const QString &apk, int bound)
     });
 
     Run run;
+    const double guiCpu = threadCpuSeconds();
+    const auto machine = machineJiffies();
     const double appCpu = cpuSeconds(RUSAGE_SELF);
     const double adbCpu = cpuSeconds(RUSAGE_CHILDREN);
     QElapsedTimer wall;
@@ -135,6 +164,10 @@ Run install(DeviceGroup &group, const QString &apk, int bound)
     run.wallS = wall.nsecsElapsed() / 1e9;
     run.appCpuS = cpuSeconds(RUSAGE_SELF) - appCpu;
     run.adbCpuS = cpuSeconds(RUSAGE_CHILDREN) - adbCpu;
+    run.guiBusy = (threadCpuSeconds() - guiCpu) / run.wallS;
+    const auto machineAfter = machineJiffies();
+    const double jiffies = machineAfter.second - machine.second;
+    run.machineBusy = jiffies > 0 ? (machineAfter.first - machine.first) / jiffies : 0;
     run.latenessP99Ms = percentile(lateness, 0.99);
     run.latenessMaxMs = lateness.empty() ? 0 : *std::max_element(lateness.begin(), lateness.end());
     run.done = operation->count(GroupOperation::Done);
@@ -165,10 +198,11 @@ std::vector<Row> measureAll(const QList<int> &counts, const QString &apk, const 
         row.parallel = install(group, apk, AdbWorkPool::defaultMaxRunning);
         row.serial = install(group, apk, 1);
         rows.push_back(row);
-        std::printf("%3d phones %s: parallel %.2f s (app CPU %.2f s, lateness p99 %.2f ms, idle %.2f ms), one after "
-                    "another %.2f s, speed-up %.2fx\n",
+        std::printf("%3d phones %s: parallel %.2f s (app CPU %.2f s, lateness p99 %.2f ms, idle %.2f ms, GUI busy "
+                    "%.1f %%, machine busy %.1f %%), one after another %.2f s, speed-up %.2fx\n",
                     count, qPrintable(phoneArgs.join(' ')), row.parallel.wallS, row.parallel.appCpuS,
-                    row.parallel.latenessP99Ms, row.idle.latenessP99Ms, row.serial.wallS,
+                    row.parallel.latenessP99Ms, row.idle.latenessP99Ms, 100 * row.parallel.guiBusy,
+                    100 * row.parallel.machineBusy, row.serial.wallS,
                     row.serial.wallS / row.parallel.wallS);
         std::fflush(stdout);
     }
@@ -178,8 +212,9 @@ std::vector<Row> measureAll(const QList<int> &counts, const QString &apk, const 
 void writeTable(QTextStream &md, const std::vector<Row> &rows)
 {
     md << "| Phones | Parallel wall (s) | One after another (s) | Speed-up | App CPU (s) | adb clients CPU (s) | "
-          "GUI lateness p99 (ms) | GUI lateness max (ms) | Idle lateness p99 (ms) | Installed |\n";
-    md << "|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n";
+          "GUI lateness p99 (ms) | GUI lateness max (ms) | Idle lateness p99 (ms) | GUI thread busy | Machine busy | "
+          "Installed |\n";
+    md << "|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n";
     for (const Row &r : rows) {
         md << "| " << r.phones << " | " << QString::number(r.parallel.wallS, 'f', 2) << " | "
            << QString::number(r.serial.wallS, 'f', 2) << " | "
@@ -187,7 +222,9 @@ void writeTable(QTextStream &md, const std::vector<Row> &rows)
            << QString::number(r.parallel.appCpuS, 'f', 2) << " | " << QString::number(r.parallel.adbCpuS, 'f', 2)
            << " | " << QString::number(r.parallel.latenessP99Ms, 'f', 2) << " | "
            << QString::number(r.parallel.latenessMaxMs, 'f', 2) << " | "
-           << QString::number(r.idle.latenessP99Ms, 'f', 2) << " | " << r.parallel.done << "/" << r.phones
+           << QString::number(r.idle.latenessP99Ms, 'f', 2) << " | "
+           << QString::number(100 * r.parallel.guiBusy, 'f', 1) << " % | "
+           << QString::number(100 * r.parallel.machineBusy, 'f', 1) << " % | " << r.parallel.done << "/" << r.phones
            << " |\n";
     }
 }
@@ -268,7 +305,9 @@ int main(int argc, char **argv)
           "not counted.\n";
     md << "- Lateness: a 5 ms precise timer on the GUI thread; each tick's delay beyond 5 ms, during the "
           "parallel install. Idle lateness: the same probe for 3 s just before, with the phones attached and "
-          "nothing running in the application, to show what the shared machine alone adds.\n\n";
+          "nothing running in the application, to show what the shared machine alone adds.\n";
+    md << "- GUI thread busy: the GUI thread's own CPU time over the parallel install's wall time. Machine busy: "
+          "all processors' busy time over their total during it (/proc/stat), everyone's work included.\n\n";
     md << "## Results\n\n";
     md << "### Loopback at full speed\n\n";
     writeTable(md, fast);

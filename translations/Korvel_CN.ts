@@ -184,10 +184,6 @@ shell ps</translation>
         <translation>成功</translation>
     </message>
     <message>
-        <source>Please restart the application to apply the changes.</source>
-        <translation>请重新启动应用以使更改生效。</translation>
-    </message>
-    <message>
         <source>Language</source>
         <translation>语言</translation>
     </message>
@@ -206,6 +202,14 @@ shell ps</translation>
     <message>
         <source>adb processes at once</source>
         <translation>同时运行的 adb 进程数</translation>
+    </message>
+    <message>
+        <source>The number of adb processes applies at once; restart the application to apply the other changes.</source>
+        <translation>同时运行的 adb 进程数立即生效；其他更改需重新启动应用后生效。</translation>
+    </message>
+    <message>
+        <source>Saved. The changes apply at once.</source>
+        <translation>已保存，更改立即生效。</translation>
     </message>
 </context>
 <context>
@@ -603,6 +607,10 @@ shell ps</translation>
         <source>ADB Command</source>
         <translation>ADB 命令</translation>
     </message>
+    <message>
+        <source>&quot;%1&quot; did not start: &quot;%2&quot; is still running. Cancel it or wait for it to end.</source>
+        <translation>“%1”未启动：“%2”仍在运行。请取消它或等待其结束。</translation>
+    </message>
 </context>
 <context>
     <name>DeviceGroupManager</name>
@@ -996,6 +1004,47 @@ shell ps</translation>
     <message>
         <source>The phone did not answer</source>
         <translation>手机没有应答</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n done</source>
+        <translation>
+            <numerusform>%n 个完成</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n failed</source>
+        <translation>
+            <numerusform>%n 个失败</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n timed out</source>
+        <translation>
+            <numerusform>%n 个超时</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n cancelled</source>
+        <translation>
+            <numerusform>%n 个已取消</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n running</source>
+        <translation>
+            <numerusform>%n 个运行中</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n queued</source>
+        <translation>
+            <numerusform>%n 个排队中</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>, </source>
+        <comment>between the counts of the summary line</comment>
+        <translation>，</translation>
     </message>
 </context>
 <context>
@@ -1402,13 +1451,6 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>MessageStrip</name>
-    <message>
-        <source>Close</source>
-        <translation>关闭</translation>
-    </message>
-</context>
-<context>
     <name>MediaRecorder</name>
     <message>
         <source>Stop Recording</source>
@@ -1425,6 +1467,13 @@ shell ps</translation>
     <message>
         <source>Record Stopped</source>
         <translation>录制已停止</translation>
+    </message>
+</context>
+<context>
+    <name>MessageStrip</name>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
     </message>
 </context>
 <context>

@@ -56,7 +56,9 @@ QString AdbClient::run(const QStringList &args)
     const int nominalSeconds = transfer ? kTransferSeconds : kNormalSeconds;
 
     QProcess process;
-    process.start(program(), args, QIODevice::ReadWrite);
+    process.start(program(), args);
+    // Nothing is ever typed into adb: a command that reads its input ("shell" alone) gets its end.
+    process.closeWriteChannel();
     if (!process.waitForStarted(kStartTimeoutMs))
         return QString("[error] failed to start adb: %1").arg(process.errorString());
 

@@ -66,7 +66,7 @@ void AdbJob::start()
     m_process->start(AdbClient::program(), m_args);
     // adb waits for input on some commands ("shell" alone); it never gets any from us.
     m_process->closeWriteChannel();
-    m_idle.start(timeoutFor(m_kind));
+    m_idle.start(timeout());
 }
 
 void AdbJob::cancel()
@@ -87,7 +87,7 @@ void AdbJob::read(QProcess::ProcessChannel channel)
     const QByteArray data = m_process->readAll();
     if (data.isEmpty())
         return;
-    m_idle.start(timeoutFor(m_kind));
+    m_idle.start(timeout());
     QByteArray &buffer = channel == QProcess::StandardOutput ? m_out : m_err;
     buffer += data;
     keepTail(buffer);
@@ -104,7 +104,7 @@ void AdbJob::handleFinished(int exitCode, QProcess::ExitStatus status)
     if (m_cancelled) {
         finish({AdbResult::Status::Cancelled, tr("Cancelled"), {}});
     } else if (m_timedOut) {
-        const int seconds = timeoutFor(m_kind) / 1000;
+        const int seconds = timeout() / 1000;
         finish({AdbResult::Status::TimedOut, tr("No answer for %n second(s)", nullptr, seconds), {}});
     } else {
         finish(AdbResult::classify(m_kind, exitCode, status == QProcess::CrashExit, m_out, m_err));

@@ -24,6 +24,8 @@ public:
     static int timeoutFor(AdbResult::Kind kind);
 
     QStringList arguments() const { return m_args; }
+    // A silence allowed for this job alone, instead of its kind's.
+    void setTimeout(int milliseconds) { m_timeoutMs = milliseconds; }
     void start();
     void cancel();
 
@@ -36,9 +38,11 @@ private:
     void handleFinished(int exitCode, QProcess::ExitStatus status);
     void handleError(QProcess::ProcessError error);
     void finish(const AdbResult &result);
+    int timeout() const { return m_timeoutMs > 0 ? m_timeoutMs : timeoutFor(m_kind); }
 
     QStringList m_args;
     AdbResult::Kind m_kind;
+    int m_timeoutMs = 0;
     QProcess *m_process = nullptr;
     QTimer m_idle;
     QByteArray m_out;

@@ -46,11 +46,26 @@ bool packageFailure(const QString &line, QString *answer, QString *code)
 
 AdbResult::Kind AdbResult::kindOf(const QStringList &args)
 {
-    if (args.contains("install") || args.contains("install-multiple"))
+    // adb's own options come first, some with a value ("-s SERIAL"); the first other word is the
+    // subcommand.
+    static const QStringList withValue{"-s", "-t", "-H", "-P", "-L"};
+    qsizetype at = 0;
+    while (at < args.size() && args.at(at).startsWith('-'))
+        at += withValue.contains(args.at(at)) ? 2 : 1;
+    const QString subcommand = args.value(at);
+    if (subcommand == "install" || subcommand == "install-multiple" || subcommand == "install-multi-package")
         return Kind::Install;
-    if (args.contains("push"))
+    if (subcommand == "push")
         return Kind::Push;
-    return Kind::Command;
+    if (subcommand != "shell")
+        return Kind::Command;
+    // The phone's shell splits the words again, so "pm install" may arrive as one argument.
+    QStringList words = args.mid(at + 1).join(' ').split(' ', Qt::SkipEmptyParts);
+    while (!words.isEmpty() && words.first().startsWith('-'))
+        words.removeFirst();
+    const bool pmInstall = words.value(0) == "pm" && words.value(1) == "install";
+    const bool cmdInstall = words.value(0) == "cmd" && words.value(1) == "package" && words.value(2) == "install";
+    return pmInstall || cmdInstall ? Kind::Install : Kind::Command;
 }
 
 AdbResult AdbResult::classify(Kind kind, int exitCode, bool crashed, const QByteArray &out, const QByteArray &err)
@@ -75,9 +90,8 @@ AdbResult AdbResult::classify(Kind kind, int exitCode, bool crashed, const QByte
     }
 
     if (exitCode != 0) {
-        QString reason = errLines.join('\n');
-        if (reason.isEmpty())
-            reason = outLines.join('\n');
+        // What the command printed before failing matters as much as its complaint.
+        QString reason = (outLines + errLines).join('\n');
         if (reason.isEmpty())
             reason = QCoreApplication::translate("AdbResult", "adb exited with code %1").arg(exitCode);
         return make(Status::Failed, reason);

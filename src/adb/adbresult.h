@@ -20,7 +20,8 @@ public:
     bool ok() const { return status == Status::Done; }
 
     static AdbResult classify(Kind kind, int exitCode, bool crashed, const QByteArray &out, const QByteArray &err);
-    // The step to use for a free-form command: an "install" or "push" argument gets the package
+    // The step to use for a free-form command, from adb's subcommand: install (and its variants),
+    // push, or a shell command that is itself "pm install" / "cmd package install" get the package
     // manager's or the transfer's rules and the long time-out.
     static Kind kindOf(const QStringList &args);
 };

@@ -5,9 +5,16 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <atomic>
+
+namespace {
+std::atomic<quint64> lastId{0};
+}
+
 AdbTask::AdbTask(const QList<Step> &steps, QObject *parent)
     : QObject(parent)
     , m_steps(steps)
+    , m_id(++lastId)
 {
 }
 
@@ -55,15 +62,16 @@ void AdbTask::start()
 
 void AdbTask::cancel()
 {
+    // Once the verdict is out only clean-up is left, and it runs to its end.
     if (m_finished || m_cancelled)
-        return;
-    // Only the clean-up is left: the verdict is already known and stands.
-    if (m_started && m_next > 0 && m_steps.at(m_next - 1).cleanup)
         return;
     m_cancelled = true;
     m_result = {AdbResult::Status::Cancelled, tr("Cancelled"), {}};
+    finish();
     if (!m_started) {
-        finish();
+        // Nothing ran, so there is nothing to clean up either.
+        m_next = int(m_steps.size());
+        emit ended();
         return;
     }
     if (m_job)
@@ -72,17 +80,22 @@ void AdbTask::cancel()
 
 void AdbTask::runStep()
 {
-    const bool skipping = m_failed || m_cancelled;
-    while (m_next < m_steps.size() && skipping && !m_steps.at(m_next).cleanup)
+    while (m_next < m_steps.size() && (m_failed || m_cancelled) && !m_steps.at(m_next).cleanup)
         ++m_next;
-    if (m_next >= m_steps.size()) {
+    // Only clean-up is left: the verdict no longer waits for it.
+    if (m_next >= m_steps.size() || m_steps.at(m_next).cleanup)
         finish();
+    if (m_next >= m_steps.size()) {
+        emit ended();
         return;
     }
     const Step &step = m_steps.at(m_next++);
     m_job = new AdbJob(step.args, step.kind, this);
-    if (!step.cleanup)
+    if (step.cleanup) {
+        m_job->setTimeout(cleanupTimeoutMs);
+    } else {
         connect(m_job, &AdbJob::output, this, &AdbTask::output);
+    }
     connect(m_job, &AdbJob::finished, this, &AdbTask::stepFinished);
     m_job->start();
 }
@@ -91,7 +104,7 @@ void AdbTask::stepFinished(const AdbResult &result)
 {
     const Step &step = m_steps.at(m_next - 1);
     m_job->deleteLater();
-    if (!step.cleanup && !m_cancelled) {
+    if (!step.cleanup && !m_finished) {
         if (step.kind == AdbResult::Kind::Command) {
             m_commandOutput += result.text;
             if (!result.text.endsWith('\n'))

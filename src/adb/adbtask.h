@@ -10,7 +10,9 @@
 class AdbJob;
 
 // The adb steps of one operation on one phone, run one after another on the adb work pool:
-// install = push to a temporary file, package manager, removal of the temporary file.
+// install = push to a temporary file, package manager, removal of the temporary file. The verdict
+// comes as soon as it is known (at once on a cancel); clean-up steps run after it in any case,
+// each with its own short time-out, and then the task ends.
 class AdbTask : public QObject
 {
     Q_OBJECT
@@ -25,7 +27,14 @@ public:
         bool cleanup = false;
     };
 
+    // Silence allowed to a clean-up step.
+    static constexpr int cleanupTimeoutMs = 15000;
+
     explicit AdbTask(const QList<Step> &steps, QObject *parent = nullptr);
+
+    // Unique for the life of the process, so that a late signal of an ended task is never taken
+    // for its successor's.
+    quint64 id() const { return m_id; }
 
     // The steps of the operations the user starts.
     static QList<Step> commandSteps(const QString &serial, const QString &input);
@@ -43,7 +52,10 @@ public slots:
 signals:
     void started();
     void output(const QString &text);
+    // The verdict; clean-up steps may still be running.
     void finished(const AdbResult &result);
+    // Every step, clean-up included, is over.
+    void ended();
 
 private:
     void runStep();
@@ -51,6 +63,7 @@ private:
     void finish();
 
     QList<Step> m_steps;
+    const quint64 m_id;
     int m_next = 0;
     QPointer<AdbJob> m_job;
     AdbResult m_result;

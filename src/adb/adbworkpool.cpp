@@ -4,6 +4,12 @@
 #include "appconfig.h"
 
 #include <QCoreApplication>
+#include <QtAlgorithms>
+
+namespace {
+// Cancels may come from objects that outlive the pool at exit; they find nothing to cancel then.
+std::atomic<AdbWorkPool *> livePool{nullptr};
+}
 
 AdbWorkPool *AdbWorkPool::instance()
 {
@@ -30,18 +36,20 @@ AdbWorkPool::AdbWorkPool()
     m_context->moveToThread(&m_thread);
     connect(&m_thread, &QThread::finished, m_context, &QObject::deleteLater);
     m_thread.start();
+    livePool = this;
 }
 
 AdbWorkPool::~AdbWorkPool()
 {
-    // No adb process outlives the application; the tasks themselves belong to their owners.
+    livePool = nullptr;
+    // No adb process outlives the application: deleting a task kills what it runs.
     QMetaObject::invokeMethod(
         m_context,
         [this] {
             m_queue.clear();
-            const QSet<QObject *> running = m_running;
-            for (QObject *task : running)
-                static_cast<AdbTask *>(task)->cancel();
+            m_running.clear();
+            qDeleteAll(m_tasks);
+            m_tasks.clear();
         },
         Qt::BlockingQueuedConnection);
     m_thread.quit();
@@ -54,46 +62,55 @@ void AdbWorkPool::setMaxRunning(int count)
     QMetaObject::invokeMethod(m_context, [this] { startQueued(); }, Qt::QueuedConnection);
 }
 
-void AdbWorkPool::submit(AdbTask *task)
+quint64 AdbWorkPool::submit(AdbTask *task)
 {
     ++m_active;
+    const quint64 id = task->id();
     task->moveToThread(&m_thread);
     QMetaObject::invokeMethod(
         m_context,
-        [this, task] {
-            connect(task, &AdbTask::finished, m_context, [this, task] { taskEnded(task); });
-            connect(task, &QObject::destroyed, m_context, [this, task] { taskEnded(task); });
+        [this, task, id] {
+            connect(task, &AdbTask::ended, m_context, [this, task] { taskEnded(task); });
+            m_tasks.insert(id, task);
             m_queue.append(task);
             startQueued();
         },
         Qt::QueuedConnection);
+    return id;
 }
 
-void AdbWorkPool::cancel(AdbTask *task)
+void AdbWorkPool::cancel(quint64 id)
 {
-    QMetaObject::invokeMethod(task, &AdbTask::cancel, Qt::QueuedConnection);
+    AdbWorkPool *pool = livePool;
+    if (!pool || id == 0)
+        return;
+    QMetaObject::invokeMethod(
+        pool->m_context,
+        [pool, id] {
+            if (AdbTask *task = pool->m_tasks.value(id))
+                task->cancel();
+        },
+        Qt::QueuedConnection);
 }
 
 void AdbWorkPool::startQueued()
 {
     while (m_running.size() < m_maxRunning && !m_queue.isEmpty()) {
         AdbTask *task = m_queue.takeFirst();
-        if (!task)
-            continue;
-        m_running.insert(task);
+        m_running.append(task);
         m_runningCount = int(m_running.size());
         task->start();
     }
 }
 
-void AdbWorkPool::taskEnded(QObject *task)
+void AdbWorkPool::taskEnded(AdbTask *task)
 {
-    // Called for the end and again for the deletion; counts once.
-    const bool wasRunning = m_running.remove(task);
-    const qsizetype queued = m_queue.removeAll(static_cast<AdbTask *>(task));
-    if (!wasRunning && queued == 0)
+    if (!m_tasks.remove(task->id()))
         return;
+    m_running.removeOne(task);
+    m_queue.removeOne(task);
     m_runningCount = int(m_running.size());
     --m_active;
+    task->deleteLater();
     startQueued();
 }

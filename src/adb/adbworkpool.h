@@ -1,9 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QObject>
-#include <QPointer>
-#include <QSet>
 #include <QThread>
 
 #include <atomic>
@@ -30,23 +29,24 @@ public:
     int activeCount() const { return m_active; }
     int runningCount() const { return m_runningCount; }
 
-    // Takes a parentless task living on the calling thread; it moves to the pool's thread and
-    // starts when a place is free. The caller keeps ownership: it deletes the task with
-    // deleteLater() once `finished` arrived, or after cancelling it.
-    void submit(AdbTask *task);
-    // Cancels a submitted task from any thread.
-    static void cancel(AdbTask *task);
+    // Takes a parentless task living on the calling thread: it moves to the pool's thread, starts
+    // when a place is free and is deleted there once it has ended, clean-up included. Connect to
+    // its signals before; after this call the task is known by its id only.
+    quint64 submit(AdbTask *task);
+    // Cancels a submitted task from any thread; nothing happens when it has already ended.
+    static void cancel(quint64 id);
 
 private:
     AdbWorkPool();
     void startQueued();
-    void taskEnded(QObject *task);
+    void taskEnded(AdbTask *task);
 
     QThread m_thread;
     QObject *m_context = nullptr;
     // Touched on the pool's thread only.
-    QList<QPointer<AdbTask>> m_queue;
-    QSet<QObject *> m_running;
+    QHash<quint64, AdbTask *> m_tasks;
+    QList<AdbTask *> m_queue;
+    QList<AdbTask *> m_running;
     std::atomic<int> m_maxRunning{defaultMaxRunning};
     std::atomic<int> m_active{0};
     std::atomic<int> m_runningCount{0};

@@ -64,6 +64,7 @@ void DeviceTracker::start()
             handleFinished();
     });
     m_process->start(AdbClient::program(), {"track-devices", "-l"}, QIODevice::ReadOnly);
+    m_process->closeWriteChannel();
 }
 
 QList<QByteArray> DeviceTracker::takeLists(QByteArray &buffer)

@@ -61,12 +61,10 @@ qint32 toDevicePixel(double value)
 
 Controller::~Controller()
 {
-    // Work still under way goes with the session; its adb processes are killed.
-    for (AdbTask *task : std::as_const(m_tasks)) {
-        task->disconnect(this);
-        AdbWorkPool::cancel(task);
-        task->deleteLater();
-    }
+    // Work still under way goes with the session: its adb processes are killed, its clean-up still
+    // runs and its verdict ("Cancelled") still reaches the phone's cell.
+    for (const quint64 id : std::as_const(m_tasks))
+        AdbWorkPool::cancel(id);
 }
 
 Controller::Controller(QObject *parent, QIODevice *socket)
@@ -190,16 +188,19 @@ void Controller::runInBackground(const QList<AdbTask::Step> &steps, const QStrin
                                  const QString &failureText, int failureTimeout)
 {
     auto *task = new AdbTask(steps);
-    m_tasks.insert(task);
-    connect(task, &AdbTask::finished, this,
-            [this, task, successText, failureText, failureTimeout](const AdbResult &result) {
-                m_tasks.remove(task);
-                task->deleteLater();
-                if (result.ok())
-                    report(successText, "success", 2000);
-                else
-                    report(failureText + ": " + result.text, "error", failureTimeout);
-            });
+    const quint64 id = task->id();
+    m_tasks.insert(id);
+    connect(task, &AdbTask::finished, this, [this, id] { m_tasks.remove(id); });
+    // The phone outlives its session, so the answer goes to it directly.
+    if (m_device) {
+        connect(task, &AdbTask::finished, m_device.data(),
+                [device = m_device.data(), successText, failureText, failureTimeout](const AdbResult &result) {
+                    if (result.ok())
+                        emit device->deviceMessage(successText, "success", 2000);
+                    else
+                        emit device->deviceMessage(failureText + ": " + result.text, "error", failureTimeout);
+                });
+    }
     AdbWorkPool::instance()->submit(task);
 }
 

@@ -104,5 +104,6 @@ private:
     // Fingers of repeated taps still playing: as busy as a held key's.
     QSet<qint64> m_tappingPointerIds;
     int m_nextMappingPointerId = 0;
-    QSet<AdbTask *> m_tasks;
+    // Installs and uploads under way, by task id.
+    QSet<quint64> m_tasks;
 };

@@ -8,6 +8,7 @@
 #include "devicegroup.h"
 #include "devicesettings.h"
 #include "framehandoff.h"
+#include "groupoperation.h"
 #include "mediapipeline.h"
 #include "offlinewatch.h"
 #include "keymappingprofile.h"
@@ -18,6 +19,7 @@
 
 #include <QFileInfo>
 #include <QFutureWatcher>
+#include <QQmlEngine>
 #include <QTcpSocket>
 #include <QTimer>
 #include <QtConcurrent>
@@ -480,6 +482,7 @@ void Device::takeScreenshot()
         return;
     if (!m_media || !m_server) {
         emitError(tr("Not Connected"), 2000);
+        emit screenshotFinished(false, tr("Not Connected"));
         return;
     }
     m_isScreenShotting = true;
@@ -515,12 +518,14 @@ void Device::saveScreenshot()
 
 void Device::handleScreenshotFinished(bool saved)
 {
+    const QString message = saved ? tr("Screenshot Saved") : tr("Screenshot Failed");
     if (saved)
-        emitSuccess(tr("Screenshot Saved"));
+        emitSuccess(message);
     else
-        emitError(tr("Screenshot Failed"));
+        emitError(message);
     m_isScreenShotting = false;
     emit isScreenShottingChanged();
+    emit screenshotFinished(saved, message);
 }
 
 void Device::handleMessageSent(const ControlMsg &msg)
@@ -574,20 +579,14 @@ void Device::back() { if (m_controller) m_controller->actionBack(); }
 void Device::showTaskList() { if (m_controller) m_controller->actionShowTaskList(); }
 void Device::home() { if (m_controller) m_controller->actionHome(); }
 
-QString Device::executeADBCommand(const QString &input)
+GroupOperation *Device::executeADBCommand(const QString &input)
 {
-    QString output;
-    for (const QString &rawLine : input.split("\n")) {
-        const QString line = rawLine.trimmed();
-        if (line.isEmpty())
-            continue;
-        const QStringList args = QStringList{"-s", m_adbConnectionSerial} + line.split(" ", Qt::SkipEmptyParts);
-        const QString result = AdbClient::run(args);
-        output += result;
-        if (!result.endsWith("\n"))
-            output += "\n";
+    if (!m_commands) {
+        m_commands = new GroupOperation(this);
+        QQmlEngine::setObjectOwnership(m_commands, QQmlEngine::CppOwnership);
     }
-    return output;
+    m_commands->runCommand({QVariant::fromValue(this)}, input);
+    return m_commands;
 }
 
 KeyMappingProfile *Device::currentKeyMappingProfile() const

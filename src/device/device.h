@@ -18,6 +18,7 @@ class Autojs;
 class Controller;
 class DeviceGroup;
 class FrameHandoff;
+class GroupOperation;
 class MediaPipeline;
 class OfflineWatch;
 class KeyMappingProfile;
@@ -37,6 +38,7 @@ class Device : public QObject
     Q_MOC_INCLUDE("serverparams.h")
     Q_MOC_INCLUDE("controller.h")
     Q_MOC_INCLUDE("autojs.h")
+    Q_MOC_INCLUDE("groupoperation.h")
     Q_MOC_INCLUDE("framehandoff.h")
     Q_MOC_INCLUDE("mediarecorder.h")
     Q_MOC_INCLUDE("keymappingprofile.h")
@@ -139,6 +141,8 @@ signals:
     void currentKeyMappingProfileChanged();
     void connectionTypeChanged();
     void deviceMessage(const QString &message, const QString &type, int timeout);
+    // The end of a takeScreenshot(), also of one already under way when it was asked for again.
+    void screenshotFinished(bool saved, const QString &message);
 
 public slots:
     void handleServerStopped(int exitCode, QProcess::ExitStatus st);
@@ -180,7 +184,9 @@ public:
     Q_INVOKABLE void back();
     Q_INVOKABLE void showTaskList();
     Q_INVOKABLE void home();
-    Q_INVOKABLE QString executeADBCommand(const QString &input);
+    // Raw adb command lines on this phone, on the adb work pool; the answer streams into the
+    // returned table's one row. A new call replaces (and cancels) the one before.
+    Q_INVOKABLE GroupOperation *executeADBCommand(const QString &input);
     Q_INVOKABLE void setCurrentKeyMappingProfile(KeyMappingProfile *profile);
 
     // Tears the session down and starts it again after the step delay.
@@ -202,6 +208,7 @@ private:
     void handleScreenshotFinished(bool saved);
 
     Autojs *m_autojs = nullptr;
+    GroupOperation *m_commands = nullptr;
     DeviceInfo m_deviceInfo;
     ConnectionType m_connectionType = USB;
     QString m_ipAddress;

@@ -1,5 +1,6 @@
 #include "autojs.h"
 
+#include "adbpool.h"
 #include "adbtask.h"
 #include "adbworkpool.h"
 #include "autojsprotocol.h"
@@ -12,6 +13,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
+#include <QtConcurrent/QtConcurrentRun>
 
 namespace {
 int connectTimeoutMs = 30000;
@@ -47,26 +49,49 @@ void Autojs::report(const QString &message, const QString &type, int timeout)
         emit m_device->deviceMessage(message, type, timeout);
 }
 
+QFuture<Autojs::Script> Autojs::load(const QString &path)
+{
+    return QtConcurrent::run(AdbPool::instance(), [path] {
+        Script script;
+        QFile file(path);
+        script.readable = file.open(QIODevice::ReadOnly);
+        if (script.readable)
+            script.text = QString::fromUtf8(file.readAll());
+        return script;
+    });
+}
+
+void Autojs::endRun(bool started, const QString &message)
+{
+    report(message, started ? "info" : "error", started ? 2000 : 5000);
+    emit runFinished(started, message);
+}
+
 void Autojs::run(const QString &autojsPath)
 {
-    m_connectTimer->stop();
-    m_pendingPath.clear();
+    run(autojsPath, load(autojsPath));
+}
+
+void Autojs::run(const QString &autojsPath, const QFuture<Script> &script)
+{
+    cancelRun();
     m_socket->abort();
     m_receiveBuffer.clear();
-
-    dropForward();
     if (!m_device) {
-        report(tr("Failed to connect to AutoJS server"), "error", 5000);
+        endRun(false, tr("Failed to connect to AutoJS server"));
         return;
     }
+    m_script = script;
     // The forward runs on the adb work pool, so a whole group's runs never hold up the window.
     const QStringList args{"-s", m_device->adbConnectionSerial(), "forward", "tcp:" + QString::number(m_localPort),
                            "tcp:" + QString::number(RemotePort)};
-    m_forward = new AdbTask({{args, AdbResult::Kind::Command, true, false}});
-    connect(m_forward, &AdbTask::finished, this, [this, autojsPath](const AdbResult &result) {
-        dropForward();
+    auto *forward = new AdbTask({{args, AdbResult::Kind::Command, true, false}});
+    connect(forward, &AdbTask::finished, this, [this, autojsPath, ticket = m_run](const AdbResult &result) {
+        if (ticket != m_run)
+            return;
+        m_forward = 0;
         if (!result.ok()) {
-            report(tr("Failed to connect to AutoJS server"), "error", 5000);
+            endRun(false, tr("Failed to connect to AutoJS server"));
             return;
         }
         // The rest happens when the connection is up or has failed.
@@ -74,17 +99,26 @@ void Autojs::run(const QString &autojsPath)
         m_connectTimer->start(connectTimeoutMs);
         m_socket->connectToHost(QHostAddress::LocalHost, m_localPort);
     });
-    AdbWorkPool::instance()->submit(m_forward);
+    m_forward = AdbWorkPool::instance()->submit(forward);
+}
+
+void Autojs::cancelRun()
+{
+    ++m_run;
+    dropForward();
+    m_connectTimer->stop();
+    if (!m_pendingPath.isEmpty()) {
+        m_pendingPath.clear();
+        m_socket->abort();
+    }
+    m_script = {};
 }
 
 void Autojs::dropForward()
 {
-    if (!m_forward)
-        return;
-    m_forward->disconnect(this);
-    AdbWorkPool::cancel(m_forward);
-    m_forward->deleteLater();
-    m_forward = nullptr;
+    if (m_forward)
+        AdbWorkPool::cancel(m_forward);
+    m_forward = 0;
 }
 
 Autojs::~Autojs()
@@ -99,7 +133,7 @@ void Autojs::handleConnectFailed()
     m_pendingPath.clear();
     m_connectTimer->stop();
     m_socket->abort();
-    report(tr("Failed to connect to AutoJS server"), "error", 5000);
+    endRun(false, tr("Failed to connect to AutoJS server"));
 }
 
 void Autojs::handleConnected()
@@ -109,20 +143,26 @@ void Autojs::handleConnected()
     m_connectTimer->stop();
     const QString path = m_pendingPath;
     m_pendingPath.clear();
+    // The file was read meanwhile; rarely it is still being read.
+    m_script.then(this, [this, path, ticket = m_run](const Script &script) {
+        if (ticket == m_run)
+            sendScript(path, script);
+    });
+}
 
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        report(tr("Failed to open AutoJS script file"), "error", 5000);
+void Autojs::sendScript(const QString &path, const Script &script)
+{
+    if (!script.readable) {
+        endRun(false, tr("Failed to open AutoJS script file"));
         return;
     }
-    const QString script = QString::fromUtf8(file.readAll());
     sendData({{"command", "run"},
               {"id", int(m_localPort)},
               {"name", QFileInfo(path).baseName()},
-              {"script", script}});
+              {"script", script.text}});
     m_running = true;
     emit runningStatusChanged();
-    report(tr("AutoJS script started"), "info", 2000);
+    endRun(true, tr("AutoJS script started"));
 }
 
 void Autojs::stop()

@@ -299,16 +299,17 @@ void DeviceGroup::stopAllDevices()
     }
 }
 
-GroupOperation *DeviceGroup::beginOperation()
+GroupOperation *DeviceGroup::beginOperation(const QString &title)
 {
-    // An earlier operation runs on to its end and then goes; the dialog shows the newest.
-    if (m_operation) {
-        GroupOperation *previous = m_operation;
-        if (previous->running())
-            connect(previous, &GroupOperation::finished, previous, &QObject::deleteLater);
-        else
-            previous->deleteLater();
+    // One group action at a time: the one under way stays on display, cancellable, and says why
+    // the new one did not start.
+    if (m_operation && m_operation->running()) {
+        m_operation->setNotice(tr("\"%1\" did not start: \"%2\" is still running. Cancel it or wait for it to end.")
+                                   .arg(title, m_operation->title()));
+        return nullptr;
     }
+    if (m_operation)
+        m_operation->deleteLater();
     m_operation = new GroupOperation(this);
     // Handed to QML as a return value: the group keeps it, not the script's garbage collector.
     QQmlEngine::setObjectOwnership(m_operation, QQmlEngine::CppOwnership);
@@ -318,32 +319,50 @@ GroupOperation *DeviceGroup::beginOperation()
 
 GroupOperation *DeviceGroup::screenshotAllDevices()
 {
-    GroupOperation *operation = beginOperation();
-    operation->startDeviceCalls(tr("Screenshot"), m_devices, [](Device *device) { device->takeScreenshot(); });
-    return operation;
+    const QString title = tr("Screenshot");
+    if (GroupOperation *operation = beginOperation(title)) {
+        operation->startDeviceCalls(title, m_devices, {[](Device *device, QObject *context, const GroupOperation::Reply &reply) {
+            QObject::connect(device, &Device::screenshotFinished, context, reply);
+            device->takeScreenshot();
+        }, nullptr});
+    }
+    return m_operation;
 }
 
 GroupOperation *DeviceGroup::installApk(const QString &apkPath)
 {
-    GroupOperation *operation = beginOperation();
-    operation->startAdb(tr("Install APK"), m_devices,
-                        [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
-    return operation;
+    const QString title = tr("Install APK");
+    if (GroupOperation *operation = beginOperation(title)) {
+        operation->startAdb(title, m_devices,
+                            [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
+    }
+    return m_operation;
 }
 
 GroupOperation *DeviceGroup::uploadFile(const QString &filePath)
 {
-    GroupOperation *operation = beginOperation();
-    operation->startAdb(tr("Upload File"), m_devices,
-                        [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
-    return operation;
+    const QString title = tr("Upload File");
+    if (GroupOperation *operation = beginOperation(title)) {
+        operation->startAdb(title, m_devices,
+                            [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
+    }
+    return m_operation;
 }
 
 GroupOperation *DeviceGroup::runAutojs(const QString &autojsPath)
 {
-    GroupOperation *operation = beginOperation();
-    operation->startDeviceCalls(tr("Run AutoJS"), m_devices,
-                                [autojsPath](Device *device) { device->runAutojs(autojsPath); }, true);
+    const QString title = tr("Run AutoJS");
+    GroupOperation *operation = beginOperation(title);
+    if (!operation)
+        return m_operation;
+    // Read once for every phone, and not on the user interface's thread.
+    const QFuture<Autojs::Script> script = Autojs::load(autojsPath);
+    operation->startDeviceCalls(title, m_devices, {
+        [autojsPath, script](Device *device, QObject *context, const GroupOperation::Reply &reply) {
+            QObject::connect(device->autojs(), &Autojs::runFinished, context, reply);
+            device->autojs()->run(autojsPath, script);
+        },
+        [](Device *device) { device->autojs()->cancelRun(); }});
     return operation;
 }
 
@@ -357,10 +376,12 @@ void DeviceGroup::stopAllAutojs()
 
 GroupOperation *DeviceGroup::executeADBCommand(const QString &input)
 {
-    GroupOperation *operation = beginOperation();
-    operation->startAdb(tr("ADB Command"), m_devices,
-                        [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
-    return operation;
+    const QString title = tr("ADB Command");
+    if (GroupOperation *operation = beginOperation(title)) {
+        operation->startAdb(title, m_devices,
+                            [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
+    }
+    return m_operation;
 }
 
 void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const

@@ -120,6 +120,7 @@ public:
     Q_INVOKABLE void startAllDevices();
     Q_INVOKABLE void stopAllDevices();
     // Each starts a GroupOperation on every phone at once and returns it (also as `operation`).
+    // While one still runs no other starts: that one is returned, with a notice saying so.
     Q_INVOKABLE GroupOperation *screenshotAllDevices();
     Q_INVOKABLE GroupOperation *installApk(const QString &apkPath);
     Q_INVOKABLE GroupOperation *uploadFile(const QString &filePath);
@@ -168,7 +169,8 @@ private:
     // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
     // `random` (ignored when the delay setting is below one second).
     void applySettingsToDevice(Device *device, quint32 random) const;
-    GroupOperation *beginOperation();
+    // The new operation, or null while the current one still runs.
+    GroupOperation *beginOperation(const QString &title);
     // Inserts the row at the device's remembered position, or last.
     void placeRow(Device *device);
     void remember(const QString &serial);

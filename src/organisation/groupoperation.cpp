@@ -9,8 +9,9 @@
 namespace {
 int deviceCallTimeoutMs = 60000;
 constexpr int kTickMs = 250;
-// A row keeps the end of a long stream (a logcat) so the table stays light.
-constexpr qsizetype kKeptOutput = 256 * 1024;
+// A row keeps the end of a long stream (a logcat) so the table stays light; it is cut back only when
+// it has grown to twice this, so that a line streamed in costs no copy of the whole text.
+constexpr qsizetype kKeptOutput = 64 * 1024;
 const QString kDashLine(32, '-');
 }
 
@@ -21,15 +22,18 @@ GroupOperation::GroupOperation(QObject *parent)
     connect(&m_ticker, &QTimer::timeout, this, [this] {
         for (int i = 0; i < m_rows.size(); ++i) {
             if (m_rows.at(i).state == Running)
-                changed(i, {ElapsedRole});
+                changed(i);
         }
     });
+    m_notify.setSingleShot(true);
+    m_notify.setInterval(notifyIntervalMs);
+    connect(&m_notify, &QTimer::timeout, this, &GroupOperation::flush);
 }
 
 GroupOperation::~GroupOperation()
 {
     for (Row &row : m_rows)
-        releaseTask(row);
+        stopWork(row);
 }
 
 void GroupOperation::setDeviceCallTimeout(int milliseconds)
@@ -70,7 +74,7 @@ QVariant GroupOperation::data(const QModelIndex &index, int role) const
 QHash<int, QByteArray> GroupOperation::roleNames() const
 {
     return {{NumberRole, "number"},   {NicknameRole, "nickname"}, {SerialRole, "serial"},
-            {StateRole, "state"},     {StateTextRole, "stateText"}, {ElapsedRole, "elapsedMs"},
+            {StateRole, "rowState"},     {StateTextRole, "stateText"}, {ElapsedRole, "elapsedMs"},
             {OutputRole, "output"}};
 }
 
@@ -97,8 +101,11 @@ void GroupOperation::setRows(const QString &title, const QList<Device *> &device
 {
     beginResetModel();
     for (Row &row : m_rows)
-        releaseTask(row);
+        stopWork(row);
     m_rows.clear();
+    m_taskRows.clear();
+    m_dirtyRows.clear();
+    m_counts.fill(0);
     for (int i = 0; i < devices.size(); ++i) {
         Device *device = devices.at(i);
         if (!device)
@@ -111,33 +118,32 @@ void GroupOperation::setRows(const QString &title, const QList<Device *> &device
         row.device = device;
         m_rows.append(row);
     }
+    m_counts[Queued] = int(m_rows.size());
     endResetModel();
     if (m_title != title) {
         m_title = title;
         emit titleChanged();
     }
+    m_progressDirty = true;
+    m_notify.start();
 }
 
 void GroupOperation::startAdb(const QString &title, const QList<Device *> &devices, const StepsFor &steps)
 {
     m_steps = steps;
-    m_call = nullptr;
+    m_call = {};
     setRows(title, devices);
     for (int i = 0; i < m_rows.size(); ++i)
         launch(i);
-    changed(-1, {});
 }
 
-void GroupOperation::startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call,
-                                      bool infoIsDone)
+void GroupOperation::startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call)
 {
     m_steps = nullptr;
     m_call = call;
-    m_infoIsDone = infoIsDone;
     setRows(title, devices);
     for (int i = 0; i < m_rows.size(); ++i)
         launch(i);
-    changed(-1, {});
 }
 
 void GroupOperation::runCommand(const QVariantList &devices, const QString &input)
@@ -147,21 +153,18 @@ void GroupOperation::runCommand(const QVariantList &devices, const QString &inpu
         if (auto *device = value.value<Device *>())
             list.append(device);
     }
-    const QString command = input;
-    startAdb(tr("ADB Command"), list, [command](const QString &serial) {
-        return AdbTask::commandSteps(serial, command);
-    });
+    startAdb(tr("ADB Command"), list, [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
 }
 
 void GroupOperation::launch(int index)
 {
     Row &row = m_rows[index];
-    row.state = Queued;
+    setState(index, Queued);
     row.output.clear();
     row.elapsedMs = 0;
     if (m_steps)
         launchAdb(index);
-    else if (m_call)
+    else if (m_call.start)
         launchDeviceCall(index);
 }
 
@@ -169,10 +172,12 @@ void GroupOperation::launchAdb(int index)
 {
     Row &row = m_rows[index];
     auto *task = new AdbTask(m_steps(row.serial));
-    row.task = task;
-    connect(task, &AdbTask::started, this, [this, task] { taskStarted(task); });
-    connect(task, &AdbTask::output, this, [this, task](const QString &text) { taskOutput(task, text); });
-    connect(task, &AdbTask::finished, this, [this, task](const AdbResult &result) { taskFinished(task, result); });
+    const quint64 id = task->id();
+    row.task = id;
+    m_taskRows.insert(id, index);
+    connect(task, &AdbTask::started, this, [this, id] { taskStarted(id); });
+    connect(task, &AdbTask::output, this, [this, id](const QString &text) { taskOutput(id, text); });
+    connect(task, &AdbTask::finished, this, [this, id](const AdbResult &result) { taskFinished(id, result); });
     AdbWorkPool::instance()->submit(task);
 }
 
@@ -183,68 +188,50 @@ void GroupOperation::launchDeviceCall(int index)
         end(index, Failed, tr("The phone has left the group"), true);
         return;
     }
-    row.state = Running;
     row.clock.start();
+    setState(index, Running);
     m_ticker.start();
-    Device *device = row.device;
-    // The phone's next success or error message is its answer.
-    row.answer = connect(device, &Device::deviceMessage, this,
-                         [this, device](const QString &message, const QString &type, int) {
-                             const bool answer = type == "success" || type == "error" || (m_infoIsDone && type == "info");
-                             if (!answer)
-                                 return;
-                             for (int i = 0; i < m_rows.size(); ++i) {
-                                 if (m_rows.at(i).device == device && m_rows.at(i).state == Running)
-                                     end(i, type == "error" ? Failed : Done, message, true);
-                             }
-                         });
-    row.deadline = new QTimer(this);
-    row.deadline->setSingleShot(true);
-    connect(row.deadline, &QTimer::timeout, this, [this, device] {
-        for (int i = 0; i < m_rows.size(); ++i) {
-            if (m_rows.at(i).device == device && m_rows.at(i).state == Running)
-                end(i, TimedOut, tr("The phone did not answer"), true);
-        }
+    auto *call = new QTimer(this);
+    call->setSingleShot(true);
+    row.call = call;
+    connect(call, &QTimer::timeout, this, [this, index, call] {
+        if (index >= m_rows.size() || m_rows.at(index).call != call)
+            return;
+        stopWork(m_rows[index]);
+        end(index, TimedOut, tr("The phone did not answer"), true);
     });
-    row.deadline->start(deviceCallTimeoutMs);
-    m_call(device);
+    call->start(deviceCallTimeoutMs);
+    m_call.start(row.device, call, [this, index, call](bool ok, const QString &text) {
+        if (index < m_rows.size() && m_rows.at(index).call == call)
+            end(index, ok ? Done : Failed, text, true);
+    });
 }
 
-int GroupOperation::rowOf(AdbTask *task) const
+void GroupOperation::taskStarted(quint64 task)
 {
-    for (int i = 0; i < m_rows.size(); ++i) {
-        if (m_rows.at(i).task == task)
-            return i;
-    }
-    return -1;
-}
-
-void GroupOperation::taskStarted(AdbTask *task)
-{
-    const int index = rowOf(task);
+    const int index = m_taskRows.value(task, -1);
     if (index < 0 || m_rows.at(index).state != Queued)
         return;
-    m_rows[index].state = Running;
     m_rows[index].clock.start();
+    setState(index, Running);
     m_ticker.start();
-    changed(index, {StateRole, StateTextRole, ElapsedRole});
 }
 
-void GroupOperation::taskOutput(AdbTask *task, const QString &text)
+void GroupOperation::taskOutput(quint64 task, const QString &text)
 {
-    const int index = rowOf(task);
+    const int index = m_taskRows.value(task, -1);
     if (index < 0)
         return;
     QString &output = m_rows[index].output;
     output += text;
-    if (output.size() > kKeptOutput)
+    if (output.size() > 2 * kKeptOutput)
         output.remove(0, output.size() - kKeptOutput);
-    changed(index, {OutputRole});
+    changed(index);
 }
 
-void GroupOperation::taskFinished(AdbTask *task, const AdbResult &result)
+void GroupOperation::taskFinished(quint64 task, const AdbResult &result)
 {
-    const int index = rowOf(task);
+    const int index = m_taskRows.value(task, -1);
     if (index < 0)
         return;
     State state = Done;
@@ -267,12 +254,27 @@ void GroupOperation::taskFinished(AdbTask *task, const AdbResult &result)
     end(index, state, state == Cancelled ? QString() : result.text, !keepStream);
 }
 
+void GroupOperation::setState(int index, State state)
+{
+    Row &row = m_rows[index];
+    const bool wasRunning = running();
+    --m_counts[row.state];
+    ++m_counts[state];
+    row.state = state;
+    m_progressDirty = true;
+    changed(index);
+    if (wasRunning && !running()) {
+        m_ticker.stop();
+        setNotice({});
+        emit finished();
+    }
+}
+
 void GroupOperation::end(int index, State state, const QString &text, bool replaceOutput)
 {
     Row &row = m_rows[index];
     if (row.state == Running)
         row.elapsedMs = row.clock.elapsed();
-    row.state = state;
     if (replaceOutput) {
         row.output = text;
     } else if (!text.isEmpty()) {
@@ -280,39 +282,32 @@ void GroupOperation::end(int index, State state, const QString &text, bool repla
             row.output += '\n';
         row.output += text;
     }
-    releaseTask(row);
-    changed(index, {StateRole, StateTextRole, ElapsedRole, OutputRole});
+    // Forgotten, not stopped: the work has ended or was stopped by the caller.
+    if (row.task)
+        m_taskRows.remove(row.task);
+    row.task = 0;
+    if (row.call)
+        row.call->deleteLater();
+    row.call = nullptr;
+    setState(index, state);
 }
 
-void GroupOperation::releaseTask(Row &row)
+void GroupOperation::stopWork(Row &row)
 {
-    if (row.task) {
-        row.task->disconnect(this);
-        // Still running: its adb process is killed first, on the pool's thread.
-        if (row.state == Queued || row.state == Running)
-            AdbWorkPool::cancel(row.task);
-        row.task->deleteLater();
-        row.task = nullptr;
-    }
-    if (row.answer)
-        disconnect(row.answer);
-    if (row.deadline) {
-        row.deadline->deleteLater();
-        row.deadline = nullptr;
-    }
+    if (row.state != Queued && row.state != Running)
+        return;
+    // The task ends on the pool by itself, clean-up included; its late answer finds no row.
+    if (row.task)
+        AdbWorkPool::cancel(row.task);
+    if (row.call && m_call.stop && row.device)
+        m_call.stop(row.device);
 }
 
 void GroupOperation::cancel()
 {
     for (int i = 0; i < m_rows.size(); ++i) {
-        Row &row = m_rows[i];
-        if (row.state == Queued && row.task) {
-            // Never started: nothing to wait for.
-            AdbWorkPool::cancel(row.task);
-            end(i, Cancelled, {}, false);
-        } else if (row.state == Running && row.task) {
-            AdbWorkPool::cancel(row.task);
-        } else if (row.state == Running || row.state == Queued) {
+        if (m_rows.at(i).state == Queued || m_rows.at(i).state == Running) {
+            stopWork(m_rows[i]);
             end(i, Cancelled, {}, false);
         }
     }
@@ -320,21 +315,10 @@ void GroupOperation::cancel()
 
 void GroupOperation::retryFailed()
 {
-    bool any = false;
     for (int i = 0; i < m_rows.size(); ++i) {
-        if (m_rows.at(i).state == Failed || m_rows.at(i).state == TimedOut) {
+        if (m_rows.at(i).state == Failed || m_rows.at(i).state == TimedOut)
             launch(i);
-            changed(i, {StateRole, StateTextRole, ElapsedRole, OutputRole});
-            any = true;
-        }
     }
-    if (any)
-        changed(-1, {});
-}
-
-int GroupOperation::count(State state) const
-{
-    return int(std::count_if(m_rows.cbegin(), m_rows.cend(), [state](const Row &row) { return row.state == state; }));
 }
 
 bool GroupOperation::running() const
@@ -342,15 +326,43 @@ bool GroupOperation::running() const
     return count(Queued) + count(Running) > 0;
 }
 
+void GroupOperation::setNotice(const QString &notice)
+{
+    if (m_notice == notice)
+        return;
+    m_notice = notice;
+    emit noticeChanged();
+}
+
 QString GroupOperation::summary() const
 {
     QStringList parts;
     for (State state : {Done, Failed, TimedOut, Cancelled, Running, Queued}) {
         const int n = count(state);
-        if (n > 0)
-            parts << QString("%1 %2").arg(n).arg(stateText(state));
+        if (n == 0)
+            continue;
+        switch (state) {
+        case Done:
+            parts << tr("%n done", nullptr, n);
+            break;
+        case Failed:
+            parts << tr("%n failed", nullptr, n);
+            break;
+        case TimedOut:
+            parts << tr("%n timed out", nullptr, n);
+            break;
+        case Cancelled:
+            parts << tr("%n cancelled", nullptr, n);
+            break;
+        case Running:
+            parts << tr("%n running", nullptr, n);
+            break;
+        case Queued:
+            parts << tr("%n queued", nullptr, n);
+            break;
+        }
     }
-    return parts.join(", ");
+    return parts.join(tr(", ", "between the counts of the summary line"));
 }
 
 QString GroupOperation::report() const
@@ -375,15 +387,26 @@ void GroupOperation::copyReport() const
         clipboard->setText(report());
 }
 
-void GroupOperation::changed(int index, const QList<int> &roles)
+void GroupOperation::changed(int index)
 {
-    if (index >= 0)
-        emit dataChanged(this->index(index), this->index(index), roles);
-    const bool now = running();
-    if (!now)
-        m_ticker.stop();
-    emit progressChanged();
-    if (m_wasRunning && !now)
-        emit finished();
-    m_wasRunning = now;
+    Row &row = m_rows[index];
+    if (!row.dirty) {
+        row.dirty = true;
+        m_dirtyRows.append(index);
+    }
+    if (!m_notify.isActive())
+        m_notify.start();
+}
+
+void GroupOperation::flush()
+{
+    for (const int index : std::as_const(m_dirtyRows)) {
+        m_rows[index].dirty = false;
+        emit dataChanged(this->index(index), this->index(index));
+    }
+    m_dirtyRows.clear();
+    if (m_progressDirty) {
+        m_progressDirty = false;
+        emit progressChanged();
+    }
 }

@@ -5,11 +5,13 @@
 
 #include <QAbstractListModel>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QPointer>
 #include <QTimer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
+#include <array>
 #include <functional>
 
 class Device;
@@ -26,6 +28,8 @@ class GroupOperation : public QAbstractListModel
     Q_PROPERTY(QString summary READ summary NOTIFY progressChanged)
     Q_PROPERTY(bool running READ running NOTIFY progressChanged)
     Q_PROPERTY(int failedCount READ failedCount NOTIFY progressChanged)
+    // Why a group action the user asked for did not start: this one still runs.
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
 
 public:
     enum State { Queued, Running, Done, Failed, Cancelled, TimedOut };
@@ -41,7 +45,16 @@ public:
     };
 
     using StepsFor = std::function<QList<AdbTask::Step>(const QString &serial)>;
-    using DeviceCall = std::function<void(Device *)>;
+    // A phone's own answer to a device call: done or failed, with the text for its row.
+    using Reply = std::function<void(bool ok, const QString &text)>;
+    struct DeviceCall
+    {
+        // Starts the work on one phone. The answer comes through connections made with `context`
+        // as their receiver; the context goes when the row ends, and the connections with it.
+        std::function<void(Device *device, QObject *context, const Reply &reply)> start;
+        // Stops work still under way on one phone (cancelled or timed out); may be empty.
+        std::function<void(Device *device)> stop;
+    };
 
     explicit GroupOperation(QObject *parent = nullptr);
     ~GroupOperation() override;
@@ -52,12 +65,12 @@ public:
 
     // adb steps on every phone, on the adb work pool.
     void startAdb(const QString &title, const QList<Device *> &devices, const StepsFor &steps);
-    // A session call on every phone whose answer is the phone's next status message (screenshots,
-    // AutoJS runs): "success" is done, "error" failed, and "info" done when infoIsDone (an AutoJS
-    // run reports its start that way). Rows without an answer in time end as timed out.
-    void startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call,
-                          bool infoIsDone = false);
+    // A session call on every phone (screenshots, AutoJS runs), answered by the call itself. Rows
+    // without an answer in time end as timed out.
+    void startDeviceCalls(const QString &title, const QList<Device *> &devices, const DeviceCall &call);
     static void setDeviceCallTimeout(int milliseconds);
+    // How long a burst of changes is gathered before the table hears of it.
+    static constexpr int notifyIntervalMs = 100;
 
     // The phone's dialog: a free-form command on the given devices.
     Q_INVOKABLE void runCommand(const QVariantList &devices, const QString &input);
@@ -71,7 +84,9 @@ public:
     QString summary() const;
     bool running() const;
     int failedCount() const { return count(Failed) + count(TimedOut); }
-    int count(State state) const;
+    int count(State state) const { return m_counts.at(state); }
+    QString notice() const { return m_notice; }
+    void setNotice(const QString &notice);
     State state(int row) const { return m_rows.at(row).state; }
     QString output(int row) const { return m_rows.at(row).output; }
     QString stateText(State state) const;
@@ -79,6 +94,7 @@ public:
 signals:
     void titleChanged();
     void progressChanged();
+    void noticeChanged();
     // Every row has ended.
     void finished();
 
@@ -93,28 +109,35 @@ private:
         QString output;
         QElapsedTimer clock;
         qint64 elapsedMs = 0;
-        AdbTask *task = nullptr;
-        QMetaObject::Connection answer;
-        QTimer *deadline = nullptr;
+        // The adb task under way, by id; 0 when none.
+        quint64 task = 0;
+        // A device call under way: its deadline, and the receiver of the phone's answer.
+        QTimer *call = nullptr;
+        bool dirty = false;
     };
 
     void setRows(const QString &title, const QList<Device *> &devices);
     void launch(int row);
     void launchAdb(int row);
     void launchDeviceCall(int row);
-    void taskStarted(AdbTask *task);
-    void taskOutput(AdbTask *task, const QString &text);
-    void taskFinished(AdbTask *task, const AdbResult &result);
+    void taskStarted(quint64 task);
+    void taskOutput(quint64 task, const QString &text);
+    void taskFinished(quint64 task, const AdbResult &result);
+    void setState(int row, State state);
     void end(int row, State state, const QString &text, bool replaceOutput);
-    void releaseTask(Row &row);
-    int rowOf(AdbTask *task) const;
-    void changed(int row, const QList<int> &roles);
+    void stopWork(Row &row);
+    void changed(int row);
+    void flush();
 
     QString m_title;
+    QString m_notice;
     QList<Row> m_rows;
+    QHash<quint64, int> m_taskRows;
+    std::array<int, TimedOut + 1> m_counts{};
     StepsFor m_steps;
     DeviceCall m_call;
-    bool m_infoIsDone = false;
     QTimer m_ticker;
-    bool m_wasRunning = false;
+    QTimer m_notify;
+    QList<int> m_dirtyRows;
+    bool m_progressDirty = false;
 };

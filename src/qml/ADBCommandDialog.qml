@@ -9,7 +9,7 @@ Dialog {
     id: dialog
     property Device device: null
     property DeviceGroup deviceGroup: null
-    // The run on display: the group's, or this dialog's own for a single phone.
+    // The run on display: the group's, or the phone's own.
     property GroupOperation operation: null
 
     title: qsTr("ADB Command")
@@ -23,15 +23,11 @@ Dialog {
         const input = inputArea.text
         if (input.trim().length === 0)
             return
-        if (deviceGroup) {
+        if (deviceGroup)
             operation = deviceGroup.executeADBCommand(input)
-        } else if (device) {
-            ownOperation.runCommand([device], input)
-            operation = ownOperation
-        }
+        else if (device)
+            operation = device.executeADBCommand(input)
     }
-
-    GroupOperation { id: ownOperation }
 
     background: Rectangle {
         color: ColorManager.backgroundDarkGray

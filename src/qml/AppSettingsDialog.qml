@@ -13,6 +13,9 @@ Dialog {
 
     property string selectedLocale
     property int adbMaxProcesses: 8
+    // What was shown on opening: only the language and the folders wait for a restart.
+    property string shownLocale: ""
+    property string shownPaths: ""
     property var paths: ({})
 
     readonly property var languages: [
@@ -43,6 +46,8 @@ Dialog {
         }
         const index = languages.findIndex(language => language.locale === selectedLocale)
         languageBox.currentIndex = index < 0 ? 0 : index
+        shownLocale = selectedLocale
+        shownPaths = JSON.stringify(paths)
     }
 
     function setPath(key, value) {
@@ -61,7 +66,10 @@ Dialog {
         AppConfig.setDeviceNicknameSavePath(paths.deviceNickname)
         AppConfig.setDeviceGroupSavePath(paths.deviceGroup)
         AppConfig.sync()
-        savedAlert.show(qsTr("Success"), qsTr("Please restart the application to apply the changes."))
+        const restartNeeded = selectedLocale !== shownLocale || JSON.stringify(paths) !== shownPaths
+        savedAlert.show(qsTr("Success"), restartNeeded
+                        ? qsTr("The number of adb processes applies at once; restart the application to apply the other changes.")
+                        : qsTr("Saved. The changes apply at once."))
         dialog.close()
     }
 

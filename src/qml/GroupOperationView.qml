@@ -20,6 +20,16 @@ ColumnLayout {
         }
     }
 
+    Text {
+        objectName: "operationNotice"
+        Layout.fillWidth: true
+        visible: text.length > 0
+        text: root.operation ? root.operation.notice : ""
+        color: "#e0a040"
+        font.pixelSize: Theme.fontNormal
+        wrapMode: Text.Wrap
+    }
+
     RowLayout {
         Layout.fillWidth: true
         spacing: 8
@@ -70,7 +80,7 @@ ColumnLayout {
             required property int number
             required property string nickname
             required property string serial
-            required property int state
+            required property int rowState
             required property string stateText
             required property var elapsedMs
             required property string output
@@ -82,6 +92,7 @@ ColumnLayout {
             radius: Theme.radius
 
             MouseArea {
+                objectName: "operationRow" + rowItem.index
                 anchors.fill: parent
                 onClicked: rowItem.expanded = !rowItem.expanded
             }
@@ -109,7 +120,7 @@ ColumnLayout {
                     }
                     Text {
                         text: rowItem.stateText
-                        color: root.stateColor(rowItem.state)
+                        color: root.stateColor(rowItem.rowState)
                         font.pixelSize: Theme.fontSmall
                         font.bold: true
                         Layout.preferredWidth: 80
@@ -123,6 +134,7 @@ ColumnLayout {
                     }
                 }
                 Text {
+                    objectName: "operationOutput" + rowItem.index
                     Layout.fillWidth: true
                     text: rowItem.output
                     visible: text.length > 0

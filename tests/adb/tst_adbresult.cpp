@@ -55,6 +55,8 @@ private slots:
         row("command output kept whole", K::Command, 0, "a.txt\nerror.log\n", "", S::Done, "a.txt\nerror.log\n");
         row("command exit code", K::Command, 127, "", "/system/bin/sh: nosuch: inaccessible or not found\n", S::Failed,
             "/system/bin/sh: nosuch: inaccessible or not found");
+        row("command failure keeps what it printed", K::Command, 1, "partial listing\n", "ls: /x: Permission denied\n",
+            S::Failed, "partial listing\nls: /x: Permission denied");
         row("command silent failure", K::Command, 3, "", "", S::Failed, "adb exited with code 3");
         row("adb crashed", K::Command, 0, "partial", "", S::Failed, "adb ended abnormally", "", true);
     }
@@ -70,6 +72,28 @@ private slots:
         QTEST(result.status, "status");
         QTEST(result.text, "text");
         QTEST(result.failureCode, "code");
+    }
+
+    void kindOf_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<AdbResult::Kind>("kind");
+        using K = AdbResult::Kind;
+        QTest::newRow("install") << "-s S install -r a.apk" << K::Install;
+        QTest::newRow("install-multiple") << "-s S install-multiple a.apk b.apk" << K::Install;
+        QTest::newRow("push") << "-s S push a /sdcard/" << K::Push;
+        QTest::newRow("pm install") << "-s S shell pm install -r /data/local/tmp/a.apk" << K::Install;
+        QTest::newRow("cmd package install") << "-s S shell cmd package install -r /data/local/tmp/a.apk" << K::Install;
+        QTest::newRow("grep for install") << "-s S shell dumpsys package | grep install" << K::Command;
+        QTest::newRow("file named push") << "-s S shell ls /sdcard/push" << K::Command;
+        QTest::newRow("serial named install") << "-s install shell ls" << K::Command;
+        QTest::newRow("pull") << "-s S pull /sdcard/install.apk" << K::Command;
+    }
+
+    void kindOf()
+    {
+        QFETCH(QString, command);
+        QTEST(AdbResult::kindOf(command.split(' ')), "kind");
     }
 };
 

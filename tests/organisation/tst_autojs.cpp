@@ -1,6 +1,7 @@
 // The AutoJS bridge against a stand-in adb and AutoJS server. A simulated phone runs and stops scripts
 // in tst_devicecontrol; replies are only framed (nothing acts on them): replyFraming and the fuzzer.
 #include "adbclient.h"
+#include "adbworkpool.h"
 #include "autojs.h"
 #include "autojsprotocol.h"
 #include "device.h"
@@ -183,6 +184,21 @@ private slots:
         device.stopAutojs();
         QCOMPARE(running.count(), 1);
         QCOMPARE(m_adb.calls().size(), calls);
+    }
+
+    void cancelledRunStopsItsForward()
+    {
+        // A forward that would take ten seconds: the cancel kills it, and no answer or connection follows.
+        m_adb.addRule("-s S1 forward *", 0, {}, {}, 10);
+        Device device(nullptr, nullptr, "S1");
+        serve(device);
+        QSignalSpy finished(device.autojs(), &Autojs::runFinished);
+        device.runAutojs(script("a.js"));
+        QTRY_COMPARE(AdbWorkPool::instance()->runningCount(), 1);
+        device.autojs()->cancelRun();
+        QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 3000);
+        QCOMPARE(finished.count(), 0);
+        QVERIFY(!m_server->hasPendingConnections());
     }
 
     void repliesAreReassembledAndTheBridgeOutlivesThePhone()

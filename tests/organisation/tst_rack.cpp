@@ -130,7 +130,9 @@ private slots:
         QCOMPARE(operation->summary(), QString("3 done, 1 failed"));
         QVERIFY(operation->report().startsWith("Device 1:\n" + QString(32, '-') + "\nSuccess\n\n\n"));
 
-        // The temporary copy is gone from every phone, also where the install failed.
+        // The temporary copy is gone from every phone, also where the install failed; the clean-up
+        // runs after the verdict.
+        QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 10000);
         for (PhoneSimProcess *phone : m_good + QList<PhoneSimProcess *>{m_refusing}) {
             const QStringList left = tmpListing(phone);
             QVERIFY2(left.filter(".apk").isEmpty(), qPrintable(phone->serial() + ": " + left.join(' ')));
@@ -160,6 +162,7 @@ private slots:
         QCOMPARE(operation->summary(), QString("4 failed"));
         QVERIFY2(operation->output(0).contains("No such file or directory"), qPrintable(operation->output(0)));
         QCOMPARE(m_good[0]->journal("install").size(), installs);
+        QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 10000);
         QVERIFY(m_good[0]->journal("shell").last().value("command").toString().startsWith("rm -f /data/local/tmp/korvel-"));
     }
 
@@ -200,6 +203,7 @@ private slots:
         QVERIFY(phone->journal("reboot").isEmpty());
         for (const QJsonObject &shell : phone->journal("shell"))
             QVERIFY2(!shell.value("command").toString().contains("reboot"), qPrintable(shell.value("command").toString()));
+        QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 10000);
         QVERIFY(tmpListing(phone).filter(".apk").isEmpty());
     }
 
@@ -224,6 +228,9 @@ private slots:
         operation = group.uploadFile(path);
         QTRY_COMPARE_WITH_TIMEOUT(operation->state(0), GroupOperation::Running, 10000);
         QCOMPARE(operation->state(1), GroupOperation::Queued);
+        // Another action waits for this one instead of leaving it running out of reach.
+        QCOMPARE(group.executeADBCommand("shell true"), operation);
+        QVERIFY(operation->notice().contains("is still running"));
         QElapsedTimer clock;
         clock.start();
         operation->cancel();
@@ -238,8 +245,34 @@ private slots:
         QVERIFY(!QFile::exists(m_slow->sandboxPath("/sdcard/Download/big.bin")));
     }
 
+    void installEndedWithItsSessionStillCleansUp()
+    {
+        DeviceGroup group;
+        fill(group, {m_slow});
+        Device *device = group.devices().at(0);
+        device->startScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(device->controller() != nullptr, 20000);
+        QSignalSpy messages(device, &Device::deviceMessage);
+        const qsizetype shells = m_slow->journal("shell").size();
+        // Half a minute at the phone's 64 KiB a second; the session ends a moment into it.
+        device->installAPK(writeFile("slow.apk", apkBytes(2 * 1024 * 1024)));
+        QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->runningCount(), 1, 5000);
+        device->stopScrcpySession();
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"APK installation failed: Cancelled", "error", 100000}), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount() == 0, 20000);
+        const QList<QJsonObject> commands = m_slow->journal("shell").mid(shells);
+        QVERIFY(std::any_of(commands.cbegin(), commands.cend(), [](const QJsonObject &shell) {
+            return shell.value("command").toString().startsWith("rm -f /data/local/tmp/korvel-");
+        }));
+        QVERIFY(tmpListing(m_slow).filter(".apk").isEmpty());
+        QVERIFY(m_slow->journal("install").isEmpty());
+    }
+
     void commandsScriptsAndScreenshotsAnswerInEachPhonesRow()
     {
+        // Nothing is typed into adb: a bare shell gets the end of its input and returns.
+        QVERIFY(!AdbClient::isError(AdbClient::run({"-s", m_good[0]->serial(), "shell"})));
+
         // A bare shell gets no input and ends; blank lines are skipped; a failed line stops nothing.
         DeviceGroup group;
         fill(group, {m_good[0], m_good[1]});
@@ -249,8 +282,10 @@ private slots:
         const QString each = QString(32, '-') + "\n\n/system/bin/sh: nosuch: inaccessible or not found\nnext\n[failed]\n\n\n";
         QCOMPARE(operation->report(), "Device 1:\n" + each + "Device 2:\n" + each);
 
-        // A phone's own answer ends its row, whenever it comes.
+        // A phone's own answer ends its row, whenever it comes; other news of the phone does not.
         operation = group.runAutojs(writeFile("hello.js", "toast('hello');"));
+        emit group.devices().at(0)->deviceMessage("Back online, starting again", "info", 2000);
+        emit group.devices().at(1)->deviceMessage("Screenshot Saved", "success", 2000);
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 15000);
         for (int row = 0; row < 2; ++row) {
             QCOMPARE(operation->output(row), QString("AutoJS script started"));
