@@ -45,6 +45,12 @@ ScrcpyServer::ScrcpyServer(QObject *parent, ServerParams *params)
 ScrcpyServer::~ScrcpyServer()
 {
     stop();
+    // The killed adb process ends a moment later; deleted with the server it would be waited for here,
+    // on the GUI thread.
+    if (m_process->state() != QProcess::NotRunning) {
+        m_process->setParent(nullptr);
+        connect(m_process, &QProcess::finished, m_process, &QObject::deleteLater);
+    }
 }
 
 void ScrcpyServer::start()
