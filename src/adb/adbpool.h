@@ -16,6 +16,7 @@ public:
     AdbPool() = delete;
 
     static constexpr int DefaultThreads = 8;
+    static constexpr int ExitWaitMs = 5000;
     static QThreadPool *instance();
 
     // Runs work on the pool, then done(result) on context's thread; nothing is reported once
