@@ -62,7 +62,8 @@ void DeviceGroupManager::load()
     const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_groups", QJsonValue::Array);
     m_saveBlocked = loaded.blocked;
     m_fileMessage = loaded.message;
-    for (const StoredGroup &stored : storedGroups(loaded.object)) {
+    bool leftOut = false;
+    for (const StoredGroup &stored : storedGroups(loaded.object, &leftOut)) {
         auto *group = new DeviceGroup(this);
         group->renameTo(stored.name);
         if (stored.hasSettings)
@@ -70,22 +71,32 @@ void DeviceGroupManager::load()
         group->setMemberSerials(stored.devices);
         adopt(group);
     }
+    if (leftOut) {
+        // The next save cannot write back what was left out; the file as it was stays beside it.
+        const JsonFile::Loaded kept = JsonFile::keepCopyAside(filePath());
+        m_saveBlocked = kept.blocked;
+        m_fileMessage = kept.message;
+    }
 }
 
-QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJsonObject &file)
+QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJsonObject &file, bool *leftOut)
 {
     QList<StoredGroup> groups;
     QSet<QString> claimed;
+    bool dropped = false;
     for (const QJsonValue &value : file.value("device_groups").toArray()) {
         const QJsonObject element = value.toObject();
         StoredGroup group;
         group.name = element.value("name").toString();
+        const QJsonValue devices = element.value("devices");
+        dropped |= group.name.isEmpty() || !(devices.isArray() || devices.isUndefined());
         if (group.name.isEmpty())
             continue;
         group.hasSettings = element.contains("settings");
         group.settings = element.value("settings").toObject();
-        for (const QJsonValue &serial : element.value("devices").toArray()) {
+        for (const QJsonValue &serial : devices.toArray()) {
             const QString text = serial.toString();
+            dropped |= text.isEmpty();
             if (!text.isEmpty() && !claimed.contains(text)) {
                 claimed.insert(text);
                 group.devices.append(text);
@@ -93,6 +104,8 @@ QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJ
         }
         groups.append(group);
     }
+    if (leftOut)
+        *leftOut = dropped;
     return groups;
 }
 

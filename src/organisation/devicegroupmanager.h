@@ -53,7 +53,9 @@ public:
         QStringList devices;
     };
     // The usable groups of the file's object: named ones, each serial kept by its first group only.
-    static QList<StoredGroup> storedGroups(const QJsonObject &file);
+    // leftOut, when given, tells whether an element could not be read (a serial claimed by an earlier
+    // group is not counted: a phone belongs to one group).
+    static QList<StoredGroup> storedGroups(const QJsonObject &file, bool *leftOut = nullptr);
 
     Q_INVOKABLE void handleDeviceAdded(Device *device);
     Q_INVOKABLE void handleDeviceRemoved(Device *device);

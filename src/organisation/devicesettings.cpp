@@ -7,6 +7,8 @@
 #include <QJSEngine>
 #include <QJsonObject>
 
+#include <algorithm>
+
 DeviceSettings::DeviceSettings()
 {
     reload();
@@ -43,13 +45,22 @@ void DeviceSettings::reload()
     const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_nicknames", QJsonValue::Object);
     m_saveBlocked = loaded.blocked;
     setFileMessage(loaded.message);
-    m_nicknames = nicknamesFrom(loaded.object);
+    bool leftOut = false;
+    m_nicknames = nicknamesFrom(loaded.object, &leftOut);
+    if (leftOut) {
+        // The next save cannot write back what was left out; the file as it was stays beside it.
+        const JsonFile::Loaded kept = JsonFile::keepCopyAside(filePath());
+        m_saveBlocked = kept.blocked;
+        setFileMessage(kept.message);
+    }
 }
 
-QMap<QString, QString> DeviceSettings::nicknamesFrom(const QJsonObject &file)
+QMap<QString, QString> DeviceSettings::nicknamesFrom(const QJsonObject &file, bool *leftOut)
 {
     QMap<QString, QString> nicknames;
     const QJsonObject members = file.value("device_nicknames").toObject();
+    if (leftOut)
+        *leftOut = std::any_of(members.begin(), members.end(), [](const QJsonValue &v) { return !v.isString(); });
     for (auto it = members.begin(); it != members.end(); ++it) {
         const QString nickname = it.value().toString();
         if (it.value().isString() && !nickname.isEmpty())

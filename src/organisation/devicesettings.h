@@ -31,7 +31,8 @@ public:
 
     QString filePath() const;
     // The nicknames of the file's object: members whose value is a non-empty string.
-    static QMap<QString, QString> nicknamesFrom(const QJsonObject &file);
+    // leftOut, when given, tells whether a nickname could not be read (not a text).
+    static QMap<QString, QString> nicknamesFrom(const QJsonObject &file, bool *leftOut = nullptr);
     // What went wrong with device_nicknames.json, for the user; empty when nothing did.
     QString fileMessage() const { return m_fileMessage; }
     // Reads the file again, dropping what is in memory; the application reads it once at start.

@@ -89,9 +89,12 @@ private slots:
         const QStringList fresh{"Default Group"};
         QTest::newRow("first start") << QByteArray() << fresh << false;
         QTest::newRow("corrupt") << QByteArray("{\"device_groups\": [ {\"name\": \"Ra") << fresh << true;
-        QTest::newRow("only an empty name") << QByteArray(R"({"device_groups":[{"name":"","settings":{}}]})") << fresh << false;
+        // Elements that are left out: the file as it was is copied aside, as a save cannot write them back.
+        QTest::newRow("only an empty name") << QByteArray(R"({"device_groups":[{"name":"","settings":{}}]})") << fresh << true;
         QTest::newRow("bad elements around a good one") << QByteArray(R"({"device_groups":[42,{"name":7},{"settings":{}},)"
-                                                                      R"(null,)" + good + "]}") << QStringList{"Rack"} << false;
+                                                                      R"(null,)" + good + "]}") << QStringList{"Rack"} << true;
+        QTest::newRow("a serial that is no text") << QByteArray(R"({"device_groups":[{"name":"Rack","devices":["a",5]}]})")
+                                                  << QStringList{"Rack"} << true;
         QTest::newRow("duplicate names") << QByteArray(R"({"device_groups":[)" + good + "," + good + R"(,{"name":"B"}]})")
                                          << QStringList{"Rack", "Rack", "B"} << false;
     }

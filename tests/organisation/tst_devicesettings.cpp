@@ -77,13 +77,20 @@ private slots:
         QVERIFY(!QFile::exists(file()));
     }
 
-    void loadSkipsBadMembers()
+    // A save cannot write back what was left out, so the file as it was is copied aside first.
+    void badMembersAreLeftOutAndTheFileCopiedAside()
     {
-        QVERIFY(TestFiles::write(file(), R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})"));
+        const QByteArray content = R"({"device_nicknames": {"good": "Rack", "number": 5, "empty": "", "object": {}}})";
+        QVERIFY(TestFiles::write(file(), content));
         settings()->reload();
         QCOMPARE(settings()->getAllDeviceSerials(), QStringList{"good"});
+        const QStringList aside = TestFiles::keptAside(file());
+        QCOMPARE(aside.size(), 1);
+        QCOMPARE(TestFiles::read(aside.first()), content);
+        QVERIFY2(settings()->fileMessage().contains(aside.first()), qPrintable(settings()->fileMessage()));
         settings()->setDeviceNickname("other", "X");
         QCOMPARE(fileMembers(), (QJsonObject{{"good", "Rack"}, {"other", "X"}}));
+        QVERIFY(QFile::remove(aside.first()));
     }
 
     void unusableFilesAreKeptAside_data()
