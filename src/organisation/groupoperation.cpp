@@ -336,31 +336,16 @@ void GroupOperation::setNotice(const QString &notice)
 
 QString GroupOperation::summary() const
 {
+    // In the order the line reads: what ended first, then what is still to come.
+    static const std::pair<State, const char *> counts[] = {
+        {Done, QT_TR_N_NOOP("%n done")},         {Failed, QT_TR_N_NOOP("%n failed")},
+        {TimedOut, QT_TR_N_NOOP("%n timed out")}, {Cancelled, QT_TR_N_NOOP("%n cancelled")},
+        {Running, QT_TR_N_NOOP("%n running")},   {Queued, QT_TR_N_NOOP("%n queued")},
+    };
     QStringList parts;
-    for (State state : {Done, Failed, TimedOut, Cancelled, Running, Queued}) {
-        const int n = count(state);
-        if (n == 0)
-            continue;
-        switch (state) {
-        case Done:
-            parts << tr("%n done", nullptr, n);
-            break;
-        case Failed:
-            parts << tr("%n failed", nullptr, n);
-            break;
-        case TimedOut:
-            parts << tr("%n timed out", nullptr, n);
-            break;
-        case Cancelled:
-            parts << tr("%n cancelled", nullptr, n);
-            break;
-        case Running:
-            parts << tr("%n running", nullptr, n);
-            break;
-        case Queued:
-            parts << tr("%n queued", nullptr, n);
-            break;
-        }
+    for (const auto &[state, text] : counts) {
+        if (const int n = count(state))
+            parts << tr(text, nullptr, n);
     }
     return parts.join(tr(", ", "between the counts of the summary line"));
 }
