@@ -7,6 +7,7 @@
 // (default: 1 8; with --link-rate a second round holds every phone's link to that rate)
 
 #include "adbworkpool.h"
+#include "groupactions.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "groupoperation.h"
@@ -155,7 +156,7 @@ Run install(DeviceGroup &group, const QString &apk, int bound)
     wall.start();
     tick.start();
     probe.start();
-    GroupOperation *operation = group.installApk(apk);
+    GroupOperation *operation = group.actions()->installApk(apk);
     QEventLoop loop;
     QObject::connect(operation, &GroupOperation::finished, &loop, &QEventLoop::quit);
     if (operation->running())
@@ -191,7 +192,7 @@ std::vector<Row> measureAll(const QList<int> &counts, const QString &apk, const 
         }
         DeviceGroup group;
         for (int i = 0; i < count; ++i)
-            group.appendDevice(new Device(nullptr, &group, fixture.phones().at(i)->serial()));
+            group.appendDevice(new Device(nullptr, fixture.phones().at(i)->serial()));
         Row row;
         row.phones = count;
         row.idle = idleLateness(3000);

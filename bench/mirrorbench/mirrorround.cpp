@@ -111,7 +111,7 @@ MirrorRound::Result MirrorRound::run(int phoneCount, double seconds, int warmupM
     std::vector<Session> sessions(size_t(result.phones));
     for (size_t i = 0; i < sessions.size(); ++i) {
         Session &session = sessions[i];
-        session.device = std::make_unique<Device>(nullptr, nullptr, phones[i]->serial());
+        session.device = std::make_unique<Device>(nullptr, phones[i]->serial());
         Device *device = session.device.get();
         ServerParams *params = device->serverParamsSmallView();
         params->setMaxSize(options.maxSize);

@@ -2,6 +2,7 @@
 // gesture every second, a screenshot of the group every minute and one phone vanishing and coming
 // back every five minutes. Prints a line a minute and writes bench/results/soak.md.
 #include "adbclient.h"
+#include "groupactions.h"
 #include "appconfig.h"
 #include "controller.h"
 #include "device.h"
@@ -70,7 +71,7 @@ int main(int argc, char *argv[])
     QList<Device *> devices;
     QStringList errorLines;
     for (const auto &phone : fixture.phones()) {
-        auto *device = new Device(nullptr, &group, phone->serial());
+        auto *device = new Device(nullptr, phone->serial());
         group.appendDevice(device);
         device->videoFrames()->addWatcher();
         QObject::connect(device, &Device::deviceMessage, device,
@@ -94,7 +95,7 @@ int main(int argc, char *argv[])
     });
     gesture.start(1000);
     QTimer screenshots;
-    QObject::connect(&screenshots, &QTimer::timeout, &group, [&] { group.screenshotAllDevices(); });
+    QObject::connect(&screenshots, &QTimer::timeout, &group, [&] { group.actions()->actions()->screenshotAllDevices(); });
     screenshots.start(60000);
     int vanishing = 1;
     QTimer vanish;
@@ -155,7 +156,7 @@ int main(int argc, char *argv[])
     sample();
 
     const Sample &atFive = samples.at(std::min<size_t>(5, samples.size() - 1));
-    const double growth = atFive.rssMb > 0 ? (samples.back().rssMb - atFive.rssMb) / atFive.rssMb * 100 : 0;
+    const double growth = atFive.rssMb > 0 ? (samples.actions()->back().rssMb - atFive.rssMb) / atFive.rssMb * 100 : 0;
     const QString output = parser.isSet("output") ? parser.value("output") : QString();
     QString report;
     QTextStream md(&report);

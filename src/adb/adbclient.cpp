@@ -1,12 +1,11 @@
 #include "adbclient.h"
 
-#include "appconfig.h"
-#include "devicesettings.h"
-
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QMutex>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTcpSocket>
 
 #include <atomic>
@@ -37,10 +36,27 @@ void AdbClient::setTimeouts(int normalMs, int transferMs)
     transferTimeoutMs = transferMs;
 }
 
+QString AdbClient::defaultProgram()
+{
+    static const QString path = [] {
+        const QString appDir = QCoreApplication::applicationDirPath();
+#ifdef Q_OS_WIN
+        return appDir + "/third_party/adb/win/adb.exe";
+#else
+        const QString bundled = appDir + "/third_party/adb/linux/adb";
+        if (QFileInfo(bundled).isExecutable())
+            return bundled;
+        const QString onPath = QStandardPaths::findExecutable("adb");
+        return onPath.isEmpty() ? QStringLiteral("adb") : onPath;
+#endif
+    }();
+    return path;
+}
+
 QString AdbClient::program()
 {
     QMutexLocker lock(&programMutex);
-    return programOverride.isEmpty() ? AppConfig::adbPath() : programOverride;
+    return programOverride.isEmpty() ? defaultProgram() : programOverride;
 }
 
 void AdbClient::setProgram(const QString &path)
@@ -183,7 +199,6 @@ QList<ADBDeviceInfo> AdbClient::parseDevices(const QString &text)
 
         ADBDeviceInfo info;
         info.adb_serial = words.first();
-        info.nickname = DeviceSettings::instance()->getDeviceNickname(info.adb_serial);
         info.is_usb_connection = !(info.adb_serial.contains(':') && info.adb_serial.contains('.'));
         for (const QString &word : words.mid(2)) {
             if (word.startsWith("usb:")) {

@@ -57,8 +57,11 @@ public:
     // The two time-outs, in milliseconds. Tests shorten them; the reported text always names the
     // nominal 30 or 300 seconds of the time-out class that ran out.
     static void setTimeouts(int normalMs, int transferMs);
-    // The adb program; defaults to AppConfig::adbPath().
+    // The adb program: the one set, else defaultProgram().
     static QString program();
+    // The adb bundled beside the executable when there is one, else the one on the PATH; looked
+    // up once.
+    static QString defaultProgram();
     static void setProgram(const QString &program);
 
 private:

@@ -3,13 +3,11 @@
 #include <QList>
 #include <QMetaType>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // One line of `adb devices -l`.
 struct ADBDeviceInfo
 {
     Q_GADGET
-    QML_VALUE_TYPE(adbDeviceInfo)
     Q_PROPERTY(QString adb_serial MEMBER adb_serial)
     Q_PROPERTY(QString model MEMBER model)
     Q_PROPERTY(QString product MEMBER product)
@@ -23,6 +21,7 @@ public:
     QString product;
     bool is_usb_connection = false;
     qint32 transport_id = -1;
+    // Joined from the nickname store above this layer; adb knows no nicknames.
     QString nickname;
 
     bool operator==(const ADBDeviceInfo &other) const

@@ -1,7 +1,6 @@
 #include "adbworkpool.h"
 
 #include "adbtask.h"
-#include "appconfig.h"
 
 #include <QCoreApplication>
 #include <QtAlgorithms>
@@ -17,13 +16,6 @@ AdbWorkPool *AdbWorkPool::instance()
         auto *created = new AdbWorkPool;
         // Ends with the application, before Qt's own objects go.
         QObject::connect(qApp, &QObject::destroyed, [created] { delete created; });
-        // The user's bound, from the application settings; changes apply to work not yet started.
-        AppConfig *config = AppConfig::instance();
-        created->setMaxRunning(config->getAppSetting(settingKey, QString::number(defaultMaxRunning)).toInt());
-        QObject::connect(config, &AppConfig::appSettingChanged, created, [created](const QString &key, const QString &value) {
-            if (key == settingKey)
-                created->setMaxRunning(value.toInt());
-        });
         return created;
     }();
     return pool;

@@ -16,14 +16,15 @@ class AdbWorkPool : public QObject
     Q_OBJECT
 public:
     static constexpr int defaultMaxRunning = 8;
-    // The application setting that holds the bound.
+    // The application setting that holds the user's bound.
     static constexpr const char *settingKey = "adbMaxProcesses";
 
     static AdbWorkPool *instance();
     ~AdbWorkPool() override;
 
     int maxRunning() const { return m_maxRunning; }
-    // Zero or less restores the default.
+    // Zero or less restores the default. Start-up sets the user's bound; a change applies to work
+    // not started yet.
     void setMaxRunning(int count);
     // Tasks handed over and not finished yet, queued or running.
     int activeCount() const { return m_active; }

@@ -4,13 +4,11 @@
 #include <QMetaType>
 #include <QSize>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // A phone's properties, read with getprop and "wm size".
 struct DeviceInfo
 {
     Q_GADGET
-    QML_VALUE_TYPE(deviceInfo)
     Q_PROPERTY(QString manufacturer MEMBER manufacturer)
     Q_PROPERTY(QString model MEMBER model)
     Q_PROPERTY(QString ddr_size MEMBER ddr_size)

@@ -1,10 +1,7 @@
 #include "appconfig.h"
 
-#include <QCoreApplication>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QJSEngine>
 #include <QLocale>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -31,12 +28,6 @@ AppConfig *AppConfig::instance()
     return config;
 }
 
-AppConfig *AppConfig::create(QQmlEngine *, QJSEngine *)
-{
-    AppConfig *config = instance();
-    QJSEngine::setObjectOwnership(config, QJSEngine::CppOwnership);
-    return config;
-}
 
 QString AppConfig::getAppSetting(const QString &key, const QString &defaultValue) const
 {
@@ -136,28 +127,4 @@ void AppConfig::reset()
 {
     m_settings->remove(kGroup);
     m_settings->sync();
-}
-
-QString AppConfig::adbPath()
-{
-    static const QString path = [] {
-        const QString appDir = QCoreApplication::applicationDirPath();
-#ifdef Q_OS_WIN
-        return appDir + "/third_party/adb/win/adb.exe";
-#else
-        const QString bundled = appDir + "/third_party/adb/linux/adb";
-        if (QFileInfo(bundled).isExecutable())
-            return bundled;
-        const QString onPath = QStandardPaths::findExecutable("adb");
-        return onPath.isEmpty() ? QStringLiteral("adb") : onPath;
-#endif
-    }();
-    return path;
-}
-
-QString AppConfig::serverPath()
-{
-    // KORVEL_SCRCPY_SERVER points at another copy of the same server file (tests, simulated phones).
-    const QString chosen = qEnvironmentVariable("KORVEL_SCRCPY_SERVER");
-    return chosen.isEmpty() ? QCoreApplication::applicationDirPath() + "/third_party/scrcpy-server" : chosen;
 }

@@ -4,11 +4,8 @@
 
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
-class QJSEngine;
 class QNetworkAccessManager;
-class QQmlEngine;
 class QSettings;
 
 // The user's application settings (group "app_settings" of the platform's settings store) and
@@ -16,14 +13,11 @@ class QSettings;
 class AppConfig : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(AppInfo appInfo READ appInfo NOTIFY appInfoChanged)
     Q_PROPERTY(QString currentVersion READ currentVersion CONSTANT)
 
 public:
     static AppConfig *instance();
-    static AppConfig *create(QQmlEngine *, QJSEngine *);
 
     AppInfo appInfo() const { return m_appInfo; }
     QString currentVersion() const { return m_appInfo.appVersion; }
@@ -47,8 +41,6 @@ public:
     Q_INVOKABLE void getAppInfoFromServer();
     Q_INVOKABLE void sync();
 
-    static QString adbPath();
-    static QString serverPath();
     void reset();
 
     // Where getAppInfoFromServer asks; empty means "no update service configured" and the call

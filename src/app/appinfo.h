@@ -2,13 +2,11 @@
 
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // What the application knows about itself, and what the update service last reported.
 struct AppInfo
 {
     Q_GADGET
-    QML_VALUE_TYPE(appInfo)
     Q_PROPERTY(QString appName MEMBER appName)
     Q_PROPERTY(QString appVersion MEMBER appVersion)
     Q_PROPERTY(QString latestVersion MEMBER latestVersion)

@@ -1,7 +1,10 @@
 #include "appstartup.h"
 
 #include "adbclient.h"
+#include "adbworkpool.h"
 #include "appconfig.h"
+#include "device.h"
+#include "screenshotwriter.h"
 #include "devicetracker.h"
 #include "commonphrase.h"
 #include "phrasecategory.h"
@@ -61,7 +64,21 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     qRegisterMetaType<QList<DeviceInfo>>("QList<DeviceInfo>");
     qRegisterMetaType<QList<CommonPhrase *>>("QList<CommonPhrase*>");
     qRegisterMetaType<QList<PhraseCategory *>>("QList<PhraseCategory*>");
-    installTranslation(AppConfig::instance()->getLocale());
+    AppConfig *config = AppConfig::instance();
+    installTranslation(config->getLocale());
+    // The layers below get the user's settings as values: folders that apply from the next start,
+    // and the bound on adb processes, which applies to work not started yet.
+    ScreenshotWriter::setFolder(config->getScreenshotSavePath());
+    Device::setRecordingFolder(config->getVideoSavePath());
+    const auto applyAdbBound = [config] {
+        AdbWorkPool::instance()->setMaxRunning(
+            config->getAppSetting(AdbWorkPool::settingKey, QString::number(AdbWorkPool::defaultMaxRunning)).toInt());
+    };
+    applyAdbBound();
+    QObject::connect(config, &AppConfig::appSettingChanged, qApp, [applyAdbBound](const QString &key) {
+        if (key == AdbWorkPool::settingKey)
+            applyAdbBound();
+    });
 
     QObject::connect(
         &engine, &QQmlApplicationEngine::objectCreationFailed, qApp,

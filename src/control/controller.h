@@ -1,33 +1,35 @@
 #pragma once
 
-#include "adbtask.h"
 #include "controlmsg.h"
 
 #include <QObject>
 #include <QPointer>
-#include <QList>
-#include <QPointF>
-#include <QSet>
 #include <QSize>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
-#include <functional>
-
-class Device;
+class KeyMapPlayer;
+class KeyMappingProfile;
 class QIODevice;
 
-// Turns user actions on one phone into control messages, writes them on the session's control
-// socket, and announces each message written so that group control can replay it.
+// Turns user input on one phone into control messages, writes them on the session's control
+// socket at once, and announces each message written so that group control can replay it.
+// Positions arrive in the view's coordinates (the show size) and leave in the picture's (the frame
+// size); the session keeps both sizes current.
 class Controller : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
 
 public:
-    // The parent is normally the session's Device; the socket belongs to the session.
+    // The socket belongs to the session.
     explicit Controller(QObject *parent = nullptr, QIODevice *socket = nullptr);
     ~Controller() override;
+
+    void setShowSize(QSize size) { m_showSize = size; }
+    void setFrameSize(QSize size) { m_frameSize = size; }
+    QSize showSize() const { return m_showSize; }
+    QSize frameSize() const { return m_frameSize; }
+    // Not owned; null turns key mapping off.
+    void setKeyMappingProfile(const KeyMappingProfile *profile);
 
     int clickDelayMilliSeconds() const { return m_clickDelayMilliSeconds; }
 
@@ -45,8 +47,6 @@ public slots:
     void actionSwipeDown();
     void actionSwipeLeft();
     void actionSwipeRight();
-    void actionReboot();
-    void actionShutdown();
     void actionSleep();
     void actionWakeUp();
     void actionVolumeUp();
@@ -55,13 +55,10 @@ public slots:
     void actionPaste();
     void actionCut();
     void actionRotateScreen();
-    void installApk(const QString &apkPath);
-    void uploadFile(const QString &filePath);
     void actionInputText(const QString &text);
     void handleMouseEvent(int eventType, double x, double y, int button, int buttons);
     void processMouseEvent(qint64 pointerId, int eventType, double x, double y, int button, int buttons);
     void handleKeyEvent(int eventType, int key, int modifiers, const QString &text);
-    bool handleKeyMapping(int eventType, int key, int modifiers);
     // Lifts every finger that a held mapped key keeps down; the view calls it when it loses focus,
     // because the key's release will then go elsewhere.
     void releaseKeyMappings();
@@ -70,40 +67,19 @@ public slots:
     // Text that an input method committed; key codes cannot carry it, so it is pasted.
     void handleInputMethodText(const QString &text);
     void send(const ControlMsg &msg);
+    // A message replayed from the group's host, after this phone's own delay.
     void groupSend(const ControlMsg &msg);
     void setClickDelayMilliSeconds(int milliSeconds);
-    void setWallpaper(const QString &nickname, int width, int height);
     void resetVideo();
 
 private:
-    // A mapped key whose finger is down until the key goes up.
-    struct HeldMapping
-    {
-        int keyCode = 0;
-        int modifiers = 0;
-        qint64 pointerId = 0;
-        // Where the finger is lifted, as a fraction of the view.
-        QPointF releaseAt;
-    };
-
     void sendKeyPress(qint32 keycode);
-    qint64 takeMappingPointerId();
-    void mappedTouch(qint64 pointerId, int eventType, const QPointF &fraction);
-    int heldMappingIndex(int keyCode, int modifiers) const;
     void swipe(const QPointF &end, int steps);
-    QSize showSize() const;
-    QSize frameSize() const;
-    void runInBackground(const QList<AdbTask::Step> &steps, const QString &successText,
-                         const QString &failureText, int failureTimeout);
-    void report(const QString &message, const QString &type, int timeout);
+    ControlPosition position(double x, double y) const;
 
     QPointer<QIODevice> m_socket;
+    QSize m_showSize{-1, -1};
+    QSize m_frameSize{-1, -1};
     int m_clickDelayMilliSeconds = 0;
-    QPointer<Device> m_device;
-    QList<HeldMapping> m_heldMappings;
-    // Fingers of repeated taps still playing: as busy as a held key's.
-    QSet<qint64> m_tappingPointerIds;
-    int m_nextMappingPointerId = 0;
-    // Installs and uploads under way, by task id.
-    QSet<quint64> m_tasks;
+    KeyMapPlayer *m_keyMap;
 };

@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QHash>
-#include <QJSEngine>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,12 +21,6 @@ KeyMapping *KeyMapping::instance()
     return mapping;
 }
 
-KeyMapping *KeyMapping::create(QQmlEngine *, QJSEngine *)
-{
-    KeyMapping *mapping = instance();
-    QJSEngine::setObjectOwnership(mapping, QJSEngine::CppOwnership);
-    return mapping;
-}
 
 QString KeyMapping::getConfigFilePath() const
 {

@@ -7,17 +7,12 @@
 #include <QPointer>
 #include <QStringList>
 #include <QVariantList>
-#include <QtQml/qqmlregistration.h>
 
-class QJSEngine;
-class QQmlEngine;
 
 // The application's key-mapping profiles, kept in keymappings.json.
 class KeyMapping : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(QStringList profileNames READ profileNames NOTIFY profilesChanged)
     Q_PROPERTY(KeyMappingProfile *currentProfile READ currentProfile WRITE setCurrentProfile
                    NOTIFY currentProfileChanged)
@@ -27,7 +22,6 @@ class KeyMapping : public QObject
 
 public:
     static KeyMapping *instance();
-    static KeyMapping *create(QQmlEngine *, QJSEngine *);
 
     QStringList profileNames() const;
     KeyMappingProfile *currentProfile() const { return m_current; }

@@ -6,7 +6,6 @@
 #include <QString>
 #include <QVariantList>
 #include <QVariantMap>
-#include <QtQml/qqmlregistration.h>
 
 // One PC key (with its modifiers) bound to a touch on the phone. Points are fractions of the view,
 // so one entry serves phones of any resolution.
@@ -42,8 +41,6 @@ struct KeyMappingEntry
 class KeyMappingProfile : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("Profiles are made by KeyMapping")
     Q_PROPERTY(QString name READ name NOTIFY nameChanged)
     Q_PROPERTY(int mappingCount READ getMappingCount NOTIFY mappingsChanged)
     Q_PROPERTY(QVariantList mappings READ getMappings NOTIFY mappingsChanged)

@@ -2,13 +2,9 @@
 
 #include "adbclient.h"
 #include "adbpool.h"
-#include "appconfig.h"
-#include "autojs.h"
 #include "controller.h"
-#include "devicegroup.h"
-#include "devicesettings.h"
+#include "deviceactions.h"
 #include "framehandoff.h"
-#include "groupoperation.h"
 #include "mediapipeline.h"
 #include "offlinewatch.h"
 #include "keymappingprofile.h"
@@ -19,7 +15,7 @@
 
 #include <QFileInfo>
 #include <QFutureWatcher>
-#include <QQmlEngine>
+#include <QMutex>
 #include <QTcpSocket>
 #include <QTimer>
 #include <QtConcurrent>
@@ -30,7 +26,8 @@ extern "C" {
 
 namespace {
 int stepDelayMs = 1000;
-constexpr quint16 kWifiAdbPort = 5555;
+QMutex recordingFolderMutex;
+QString recordingFolder;
 }
 
 void Device::setStepDelay(int milliseconds)
@@ -38,10 +35,15 @@ void Device::setStepDelay(int milliseconds)
     stepDelayMs = milliseconds;
 }
 
-Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConnectionSerial)
+void Device::setRecordingFolder(const QString &folder)
+{
+    QMutexLocker lock(&recordingFolderMutex);
+    recordingFolder = folder;
+}
+
+Device::Device(QObject *parent, const QString &adbConnectionSerial)
     : QObject(parent)
     , m_adbConnectionSerial(adbConnectionSerial)
-    , m_deviceGroup(deviceGroup)
     , m_smallViewParams(new ServerParams(this))
     , m_bigViewParams(new ServerParams(this))
     , m_frames(new FrameHandoff(this))
@@ -51,13 +53,7 @@ Device::Device(QObject *parent, DeviceGroup *deviceGroup, const QString &adbConn
     m_bigViewParams->setMaxSize(720);
     m_bigViewParams->setMaxFps(30);
     m_bigViewParams->setBitRate(4000000);
-    m_autojs = new Autojs(this);
-    connect(m_autojs, &Autojs::runningStatusChanged, this, &Device::isRunningAutojsChanged);
-    connect(DeviceSettings::instance(), &DeviceSettings::deviceNicknameChanged, this,
-            [this](const QString &serial) {
-                if (serial == m_adbConnectionSerial)
-                    emit nickNameChanged();
-            });
+    m_actions = new DeviceActions(this);
     connect(m_frames, &FrameHandoff::frameAvailable, this, &Device::handleFrameAvailable);
     connect(m_frames, &FrameHandoff::watchedChanged, this, &Device::applyDecodingDemand);
     connect(m_offlineWatch, &OfflineWatch::listed, this, &Device::handleBackOnline);
@@ -78,9 +74,12 @@ Device::~Device()
     m_recorder->finishAndDelete();
 }
 
-int Device::indexInGroup() const
+void Device::setIndexInGroup(int index)
 {
-    return m_deviceGroup ? m_deviceGroup->indexOf(const_cast<Device *>(this)) : -1;
+    if (m_indexInGroup == index)
+        return;
+    m_indexInGroup = index;
+    emit indexInGroupChanged();
 }
 
 void Device::setConnectionType(ConnectionType type)
@@ -91,12 +90,7 @@ void Device::setConnectionType(ConnectionType type)
     emit connectionTypeChanged();
 }
 
-DeviceGroup *Device::deviceGroup() const
-{
-    return m_deviceGroup;
-}
-
-void Device::setDeviceGroup(DeviceGroup *group)
+void Device::setDeviceGroup(QObject *group)
 {
     if (m_deviceGroup == group)
         return;
@@ -117,23 +111,26 @@ bool Device::isAudioEnabled() const
     return (m_isBigView ? m_bigViewParams : m_smallViewParams)->audio();
 }
 
-QString Device::nickName() const
+void Device::updateNickName(const QString &nickname)
 {
-    return DeviceSettings::instance()->getDeviceNickname(m_adbConnectionSerial);
+    if (m_nickName == nickname)
+        return;
+    m_nickName = nickname;
+    emit nickNameChanged();
 }
 
 void Device::setNickName(const QString &nickname)
 {
-    DeviceSettings::instance()->setDeviceNickname(m_adbConnectionSerial, nickname);
-    // The picture is as large as the phone's screen, as far as its video has shown it.
-    if (m_controller)
-        m_controller->setWallpaper(nickname, m_frameSize.width(), m_frameSize.height());
-    emit nickNameChanged();
+    updateNickName(nickname);
+    m_actions->setWallpaper(nickname);
+    emit nickNameEdited(m_adbConnectionSerial, nickname);
 }
 
 void Device::setShowSize(QSize size)
 {
     m_showSize = size;
+    if (m_controller)
+        m_controller->setShowSize(size);
 }
 
 void Device::startScrcpySession()
@@ -142,7 +139,7 @@ void Device::startScrcpySession()
         return;
 
     // Without the server file nothing can start; say where it belongs instead of dropping the phone.
-    const QString serverFile = AppConfig::serverPath();
+    const QString serverFile = ScrcpyServer::serverFile();
     if (!QFileInfo(serverFile).isFile()) {
         const QString error = tr("scrcpy-server %1 is missing at %2").arg(ServerParams::ServerVersion, serverFile);
         emit scrcpyError(error);
@@ -214,6 +211,7 @@ void Device::deleteController()
 {
     if (!m_controller)
         return;
+    m_actions->cancelSessionWork();
     delete m_controller;
     m_controller = nullptr;
     emit controllerChanged();
@@ -225,16 +223,11 @@ void Device::stopScrcpySession()
     teardownSession();
 }
 
-void Device::leaveGroup()
-{
-    if (!m_switchingConnection && m_deviceGroup)
-        m_deviceGroup->removeDevice(this);
-}
-
 void Device::removeFromDeviceGroup()
 {
     teardownSession();
-    leaveGroup();
+    if (!m_switchingConnection)
+        emit leaveGroupRequested();
 }
 
 void Device::handleServerStopped(int, QProcess::ExitStatus)
@@ -350,7 +343,12 @@ void Device::startRecord()
         emitError(tr("Not Connected"), 2000);
         return;
     }
-    m_recorder->setOutput(AppConfig::instance()->getVideoSavePath(), nickName(), m_adbConnectionSerial);
+    QString folder;
+    {
+        QMutexLocker lock(&recordingFolderMutex);
+        folder = recordingFolder;
+    }
+    m_recorder->setOutput(folder, nickName(), m_adbConnectionSerial);
     m_recorder->start();
 }
 
@@ -365,7 +363,9 @@ void Device::handleControlSocketConnected()
         return;
     deleteController();
     m_controller = new Controller(this, m_server->controlSocket());
-    connect(m_controller, &Controller::messageSent, this, &Device::handleMessageSent);
+    m_controller->setShowSize(m_showSize);
+    m_controller->setFrameSize(m_frameSize);
+    m_controller->setKeyMappingProfile(m_keyMappingProfile);
     emit controllerChanged();
 }
 
@@ -376,6 +376,8 @@ void Device::handleFrameAvailable()
     if (!frame)
         return;
     m_frameSize = QSize(frame->width, frame->height);
+    if (m_controller)
+        m_controller->setFrameSize(m_frameSize);
     setStarting(false);
     if (!m_hasPicture) {
         // Decoding runs until the first picture, so that size and screenshot are known even for
@@ -424,56 +426,6 @@ void Device::setEnableAudio(bool enableAudio)
     emit deviceMessage(enableAudio ? tr("Audio Enabled, Need Reconnect") : tr("Audio Disabled, Need Reconnect"),
                        "info", 3000);
     emit isAudioEnabledChanged();
-}
-
-void Device::setWiFiConnection()
-{
-    m_switchingConnection = true;
-    const QString serial = m_adbConnectionSerial;
-    AdbPool::run(
-        this, [serial] { return AdbClient::tcpip(serial, kWifiAdbPort); },
-        [this, serial](bool switched) {
-            if (!switched) {
-                emitError(tr("Failed to tcpip"), 3000);
-                m_switchingConnection = false;
-                return;
-            }
-            QTimer::singleShot(stepDelayMs, this, [this, serial, address = m_ipAddress] {
-                AdbPool::run(
-                    this, [serial, address] { return AdbClient::connect(serial, address, kWifiAdbPort); },
-                    [this](bool connected) {
-                        if (connected)
-                            emit deviceMessage(tr("WiFi connection enabled"), "success", 3000);
-                        else
-                            emitError(tr("Failed to enable \r WiFi connection"), 3000);
-                        m_switchingConnection = false;
-                    });
-            });
-        });
-}
-
-void Device::disconnectWiFi()
-{
-    const QString serial = m_adbConnectionSerial;
-    AdbPool::run(this, [serial] { return AdbClient::disconnect(serial); }, [this](bool disconnected) {
-        if (!disconnected) {
-            emitError(tr("Failed to disconnect WiFi"), 3000);
-            return;
-        }
-        teardownSession();
-        leaveGroup();
-    });
-}
-
-void Device::setUSBConnection()
-{
-    const QString serial = m_adbConnectionSerial;
-    AdbPool::run(this, [serial] { return AdbClient::usb(serial); }, [this](bool switched) {
-        if (switched)
-            emitSuccess(tr("USB connection enabled"));
-        else
-            emitError(tr("Failed to switch to USB"), 3000);
-    });
 }
 
 void Device::takeScreenshot()
@@ -528,67 +480,6 @@ void Device::handleScreenshotFinished(bool saved)
     emit screenshotFinished(saved, message);
 }
 
-void Device::handleMessageSent(const ControlMsg &msg)
-{
-    if (m_isHostDevice && m_deviceGroup && m_deviceGroup->groupControlMode())
-        m_deviceGroup->replayHostMessage(msg);
-}
-
-void Device::installAPK(const QString &filePath)
-{
-    if (!m_controller) {
-        emitError(tr("Not Connected"), 2000);
-        return;
-    }
-    m_controller->installApk(filePath);
-}
-
-void Device::runAutojs(const QString &autojsPath)
-{
-    m_autojs->run(autojsPath);
-}
-
-void Device::stopAutojs()
-{
-    m_autojs->stop();
-}
-
-void Device::uploadFile(const QString &filePath)
-{
-    if (!m_controller) {
-        emitError(tr("Not Connected"), 5000);
-        return;
-    }
-    emit deviceMessage(tr("Uploading File"), "info", 100000);
-    m_controller->uploadFile(filePath);
-}
-
-// The user interface's buttons; without a control channel they do nothing.
-void Device::shutdown() { if (m_controller) m_controller->actionShutdown(); }
-void Device::reboot() { if (m_controller) m_controller->actionReboot(); }
-void Device::sleep() { if (m_controller) m_controller->actionSleep(); }
-void Device::wakeUp() { if (m_controller) m_controller->actionWakeUp(); }
-void Device::volumeUp() { if (m_controller) m_controller->actionVolumeUp(); }
-void Device::volumeDown() { if (m_controller) m_controller->actionVolumeDown(); }
-void Device::rotateScreen() { if (m_controller) m_controller->actionRotateScreen(); }
-void Device::swipeUp() { if (m_controller) m_controller->actionSwipeUp(); }
-void Device::swipeDown() { if (m_controller) m_controller->actionSwipeDown(); }
-void Device::swipeLeft() { if (m_controller) m_controller->actionSwipeLeft(); }
-void Device::swipeRight() { if (m_controller) m_controller->actionSwipeRight(); }
-void Device::back() { if (m_controller) m_controller->actionBack(); }
-void Device::showTaskList() { if (m_controller) m_controller->actionShowTaskList(); }
-void Device::home() { if (m_controller) m_controller->actionHome(); }
-
-GroupOperation *Device::executeADBCommand(const QString &input)
-{
-    if (!m_commands) {
-        m_commands = new GroupOperation(this);
-        QQmlEngine::setObjectOwnership(m_commands, QQmlEngine::CppOwnership);
-    }
-    m_commands->runCommand({QVariant::fromValue(this)}, input);
-    return m_commands;
-}
-
 KeyMappingProfile *Device::currentKeyMappingProfile() const
 {
     return m_keyMappingProfile;
@@ -601,6 +492,8 @@ void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
     if (m_keyMappingProfile)
         disconnect(m_keyMappingProfile, &QObject::destroyed, this, nullptr);
     m_keyMappingProfile = profile;
+    if (m_controller)
+        m_controller->setKeyMappingProfile(profile);
     // A profile deleted in the editor turns this phone's mapping off, visibly.
     if (profile)
         connect(profile, &QObject::destroyed, this, [this] {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "controlmsg.h"
 #include "deviceinfo.h"
 
 #include <QDateTime>
@@ -9,16 +8,13 @@
 #include <QPointer>
 #include <QProcess>
 #include <QSize>
-#include <QtQml/qqmlregistration.h>
 
 #include <memory>
 
 class AudioDecoder;
-class Autojs;
 class Controller;
-class DeviceGroup;
+class DeviceActions;
 class FrameHandoff;
-class GroupOperation;
 class MediaPipeline;
 class OfflineWatch;
 class KeyMappingProfile;
@@ -28,21 +24,20 @@ class ScrcpyServer;
 class ScreenshotWriter;
 class ServerParams;
 
-// One phone in one group: runs its mirroring session, passes decoded frames to the views,
-// carries the per-phone commands of the user interface, and reports status messages.
+// One phone in one group: runs its mirroring session and wires its pipeline (server, media,
+// recorder, controller), passes decoded frames to the views and reports status messages. What the
+// user does to the phone besides mirroring lives in its actions; the group it belongs to is above
+// this layer and only known as an object.
 class Device : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    Q_MOC_INCLUDE("devicegroup.h")
     Q_MOC_INCLUDE("serverparams.h")
     Q_MOC_INCLUDE("controller.h")
-    Q_MOC_INCLUDE("autojs.h")
-    Q_MOC_INCLUDE("groupoperation.h")
+    Q_MOC_INCLUDE("deviceactions.h")
     Q_MOC_INCLUDE("framehandoff.h")
     Q_MOC_INCLUDE("mediarecorder.h")
     Q_MOC_INCLUDE("keymappingprofile.h")
-    Q_PROPERTY(Autojs *autojs READ autojs CONSTANT)
+    Q_PROPERTY(DeviceActions *actions READ actions CONSTANT)
     Q_PROPERTY(DeviceInfo deviceInfo READ deviceInfo NOTIFY deviceInfoChanged)
     Q_PROPERTY(int indexInGroup READ indexInGroup NOTIFY indexInGroupChanged)
     Q_PROPERTY(ConnectionType connectionType READ connectionType WRITE setConnectionType NOTIFY connectionTypeChanged)
@@ -50,7 +45,7 @@ class Device : public QObject
     Q_PROPERTY(bool isBigView READ isBigView WRITE setIsBigView NOTIFY isBigViewChanged)
     Q_PROPERTY(QString adbConnectionSerial READ adbConnectionSerial CONSTANT)
     Q_PROPERTY(Controller *controller READ controller NOTIFY controllerChanged)
-    Q_PROPERTY(DeviceGroup *deviceGroup READ deviceGroup NOTIFY deviceGroupChanged)
+    Q_PROPERTY(QObject *deviceGroup READ deviceGroup NOTIFY deviceGroupChanged)
     Q_PROPERTY(bool isHostDevice READ isHostDevice WRITE setIsHostDevice NOTIFY isHostDeviceChanged)
     Q_PROPERTY(ServerParams *serverParamsSmallView READ serverParamsSmallView CONSTANT)
     Q_PROPERTY(ServerParams *serverParamsBigView READ serverParamsBigView CONSTANT)
@@ -61,7 +56,7 @@ class Device : public QObject
     Q_PROPERTY(QDateTime offlineSince READ offlineSince NOTIFY offlineChanged)
     Q_PROPERTY(FrameHandoff *videoFrames READ videoFrames CONSTANT)
     Q_PROPERTY(bool isAudioEnabled READ isAudioEnabled NOTIFY isAudioEnabledChanged)
-    Q_PROPERTY(QString nickName READ nickName WRITE setNickName NOTIFY nickNameChanged)
+    Q_PROPERTY(QString nickName READ nickName NOTIFY nickNameChanged)
     Q_PROPERTY(MediaRecorder *videoRecorder READ videoRecorder CONSTANT)
     Q_PROPERTY(KeyMappingProfile *currentKeyMappingProfile READ currentKeyMappingProfile
                    WRITE setCurrentKeyMappingProfile NOTIFY currentKeyMappingProfileChanged)
@@ -70,21 +65,21 @@ public:
     enum ConnectionType { WiFi = 0, USB = 1 };
     Q_ENUM(ConnectionType)
 
-    explicit Device(QObject *parent = nullptr, DeviceGroup *deviceGroup = nullptr,
-                    const QString &adbConnectionSerial = QString());
+    explicit Device(QObject *parent = nullptr, const QString &adbConnectionSerial = QString());
     ~Device() override;
 
-    Autojs *autojs() const { return m_autojs; }
+    DeviceActions *actions() const { return m_actions; }
     DeviceInfo deviceInfo() const { return m_deviceInfo; }
-    int indexInGroup() const;
+    int indexInGroup() const { return m_indexInGroup; }
+    void setIndexInGroup(int index);
     ConnectionType connectionType() const { return m_connectionType; }
     void setConnectionType(ConnectionType type);
     QString ipAddress() const { return m_ipAddress; }
     bool isBigView() const { return m_isBigView; }
     QString adbConnectionSerial() const { return m_adbConnectionSerial; }
     Controller *controller() const { return m_controller; }
-    DeviceGroup *deviceGroup() const;
-    void setDeviceGroup(DeviceGroup *group);
+    QObject *deviceGroup() const { return m_deviceGroup; }
+    void setDeviceGroup(QObject *group);
     bool isHostDevice() const { return m_isHostDevice; }
     void setIsHostDevice(bool host);
     ServerParams *serverParamsSmallView() const { return m_smallViewParams; }
@@ -99,7 +94,9 @@ public:
     // The session's pictures, for views and screenshots; the same object for the device's life.
     FrameHandoff *videoFrames() const { return m_frames; }
     bool isAudioEnabled() const;
-    QString nickName() const;
+    QString nickName() const { return m_nickName; }
+    // The stored nickname, as the nickname store has it now.
+    void updateNickName(const QString &nickname);
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
     KeyMappingProfile *currentKeyMappingProfile() const;
@@ -117,8 +114,13 @@ public:
     // `deviceInfoChanged` follow on this object's thread.
     void refreshAddressAndDetails();
 
-    // How long view switches and the Wi-Fi switch wait between adb steps. Tests shorten it.
+    // How long view switches wait between tearing a session down and starting it again. Tests
+    // shorten it.
     static void setStepDelay(int milliseconds);
+    // Where recordings go; start-up sets the user's folder.
+    static void setRecordingFolder(const QString &folder);
+    // While a Wi-Fi switch runs the phone may vanish for a moment; it must not leave its group.
+    void setSwitchingConnection(bool switching) { m_switchingConnection = switching; }
 
 signals:
     void runningChanged();
@@ -130,7 +132,6 @@ signals:
     void isScreenShottingChanged();
     void videoStreamStarted();
     void videoStreamStopped();
-    void isRunningAutojsChanged();
     void nickNameChanged();
     void indexInGroupChanged();
     void deviceGroupChanged();
@@ -141,12 +142,15 @@ signals:
     void currentKeyMappingProfileChanged();
     void connectionTypeChanged();
     void deviceMessage(const QString &message, const QString &type, int timeout);
+    // The user renamed the phone; the nickname store keeps it.
+    void nickNameEdited(const QString &serial, const QString &nickname);
+    // The user took the phone out of its group (or its Wi-Fi link was dropped).
+    void leaveGroupRequested();
     // The end of a takeScreenshot(), also of one already under way when it was asked for again.
     void screenshotFinished(bool saved, const QString &message);
 
 public slots:
     void handleServerStopped(int exitCode, QProcess::ExitStatus st);
-    void handleMessageSent(const ControlMsg &msg);
     void handleFrameAvailable();
     void handleVideoSocketConnected();
     void handleAudioSocketConnected();
@@ -158,35 +162,11 @@ public:
     Q_INVOKABLE void startScrcpySession();
     Q_INVOKABLE void stopScrcpySession();
     Q_INVOKABLE void removeFromDeviceGroup();
-    Q_INVOKABLE void setWiFiConnection();
-    Q_INVOKABLE void disconnectWiFi();
-    Q_INVOKABLE void setUSBConnection();
     Q_INVOKABLE void setNickName(const QString &nickname);
     Q_INVOKABLE void setIsBigView(bool isBigView);
     Q_INVOKABLE void takeScreenshot();
     Q_INVOKABLE void startRecord();
     Q_INVOKABLE void stopRecord();
-    Q_INVOKABLE void installAPK(const QString &filePath);
-    Q_INVOKABLE void runAutojs(const QString &autojsPath);
-    Q_INVOKABLE void stopAutojs();
-    Q_INVOKABLE void uploadFile(const QString &filePath);
-    Q_INVOKABLE void shutdown();
-    Q_INVOKABLE void reboot();
-    Q_INVOKABLE void sleep();
-    Q_INVOKABLE void wakeUp();
-    Q_INVOKABLE void volumeUp();
-    Q_INVOKABLE void volumeDown();
-    Q_INVOKABLE void rotateScreen();
-    Q_INVOKABLE void swipeUp();
-    Q_INVOKABLE void swipeDown();
-    Q_INVOKABLE void swipeLeft();
-    Q_INVOKABLE void swipeRight();
-    Q_INVOKABLE void back();
-    Q_INVOKABLE void showTaskList();
-    Q_INVOKABLE void home();
-    // Raw adb command lines on this phone, on the adb work pool; the answer streams into the
-    // returned table's one row. A new call replaces (and cancels) the one before.
-    Q_INVOKABLE GroupOperation *executeADBCommand(const QString &input);
     Q_INVOKABLE void setCurrentKeyMappingProfile(KeyMappingProfile *profile);
 
     // Tears the session down and starts it again after the step delay.
@@ -197,7 +177,6 @@ private:
     void emitError(const QString &message, int timeout = 5000) { emit deviceMessage(message, "error", timeout); }
     void teardownSession();
     void deleteController();
-    void leaveGroup();
     void setStarting(bool starting);
     void setOffline(bool offline);
     void handleBackOnline();
@@ -207,15 +186,16 @@ private:
     void saveScreenshot();
     void handleScreenshotFinished(bool saved);
 
-    Autojs *m_autojs = nullptr;
-    GroupOperation *m_commands = nullptr;
+    DeviceActions *m_actions;
     DeviceInfo m_deviceInfo;
+    int m_indexInGroup = -1;
+    QString m_nickName;
     ConnectionType m_connectionType = USB;
     QString m_ipAddress;
     bool m_isBigView = false;
     QString m_adbConnectionSerial;
     Controller *m_controller = nullptr;
-    QPointer<DeviceGroup> m_deviceGroup;
+    QPointer<QObject> m_deviceGroup;
     bool m_isHostDevice = false;
     QSize m_showSize{-1, -1};
     QSize m_frameSize{-1, -1};

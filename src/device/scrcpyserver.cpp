@@ -2,10 +2,10 @@
 
 #include "adbclient.h"
 #include "adbpool.h"
-#include "appconfig.h"
 #include "devicemessagereceiver.h"
 #include "serverparams.h"
 
+#include <QCoreApplication>
 #include <QHostAddress>
 #include <QMutex>
 #include <QMutexLocker>
@@ -53,6 +53,12 @@ ScrcpyServer::~ScrcpyServer()
     }
 }
 
+QString ScrcpyServer::serverFile()
+{
+    const QString chosen = qEnvironmentVariable("KORVEL_SCRCPY_SERVER");
+    return chosen.isEmpty() ? QCoreApplication::applicationDirPath() + "/third_party/scrcpy-server" : chosen;
+}
+
 void ScrcpyServer::start()
 {
     m_tunnel->serial = m_params->deviceSerial();
@@ -68,7 +74,7 @@ void ScrcpyServer::start()
     m_params->setPort(m_listener->serverPort());
 
     const quint16 port = m_params->port();
-    const QString serverFile = AppConfig::serverPath();
+    const QString serverFile = ScrcpyServer::serverFile();
     AdbPool::run(
         this,
         [tunnel = m_tunnel, port, serverFile]() -> QString {

@@ -26,6 +26,10 @@ public:
     ScrcpyServer(QObject *parent, ServerParams *params);
     ~ScrcpyServer() override;
 
+    // The server file pushed to each phone: KORVEL_SCRCPY_SERVER when set (tests, simulated phones),
+    // else third_party/scrcpy-server beside the executable.
+    static QString serverFile();
+
     // Starts the launch; launched() or stopped(-1) with startFailed(error) follow.
     void start();
     // Ends the session now; killing this session's server and removing its tunnel happen in the

@@ -2,14 +2,12 @@
 
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // The launch parameters of one mirroring session. A device keeps one for the grid and one for
 // the enlarged view.
 class ServerParams : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_PROPERTY(int maxSize READ maxSize WRITE setMaxSize NOTIFY maxSizeChanged)
     Q_PROPERTY(int maxFps READ maxFps WRITE setMaxFps NOTIFY maxFpsChanged)
     Q_PROPERTY(int bitRate READ bitRate WRITE setBitRate NOTIFY bitRateChanged)

@@ -1,6 +1,5 @@
 #include "screenshotwriter.h"
 
-#include "appconfig.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -33,10 +32,21 @@ QThreadPool *ScreenshotWriter::workers()
     return pool;
 }
 
+namespace {
+QMutex folderMutex;
+QString screenshotFolder;
+}
+
 QString ScreenshotWriter::folder()
 {
-    static const QString path = AppConfig::instance()->getScreenshotSavePath() + QLatin1Char('/');
-    return path;
+    QMutexLocker lock(&folderMutex);
+    return screenshotFolder;
+}
+
+void ScreenshotWriter::setFolder(const QString &folder)
+{
+    QMutexLocker lock(&folderMutex);
+    screenshotFolder = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
 }
 
 QString ScreenshotWriter::fileName(const QString &serial)

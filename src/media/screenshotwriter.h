@@ -23,10 +23,10 @@ public:
     ScreenshotWriter(const ScreenshotWriter &) = delete;
     ScreenshotWriter &operator=(const ScreenshotWriter &) = delete;
 
-    // The screenshot folder with a trailing "/". Read from AppConfig on the first call and kept
-    // for the rest of the process: a changed setting takes effect after a restart. Call it on
-    // the main thread, where AppConfig lives.
+    // The screenshot folder with a trailing "/", as start-up set it; a changed setting takes effect
+    // after a restart.
     static QString folder();
+    static void setFolder(const QString &folder);
     // "<serial>_<yyyyMMdd_hhmmss>_<random 1000..9998>.jpg", the serial taken verbatim.
     static QString fileName(const QString &serial);
     // Pictures wider than MaxWidth are scaled down to it; the height is truncated.

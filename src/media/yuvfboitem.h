@@ -4,7 +4,6 @@
 
 #include <QPointer>
 #include <QQuickFramebufferObject>
-#include <QtQml/qqmlregistration.h>
 
 #include <atomic>
 #include <memory>
@@ -16,7 +15,6 @@
 class YuvFboItem : public QQuickFramebufferObject
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_PROPERTY(FrameHandoff *source READ source WRITE setSource NOTIFY sourceChanged)
     // Set by a scrolling container: false while the item is scrolled out of sight.
     Q_PROPERTY(bool inViewport READ inViewport WRITE setInViewport NOTIFY inViewportChanged)

@@ -1,6 +1,5 @@
 #include "colormanager.h"
 
-#include <QJSEngine>
 
 ColorManager *ColorManager::instance()
 {
@@ -8,9 +7,3 @@ ColorManager *ColorManager::instance()
     return manager;
 }
 
-ColorManager *ColorManager::create(QQmlEngine *, QJSEngine *)
-{
-    ColorManager *manager = instance();
-    QJSEngine::setObjectOwnership(manager, QJSEngine::CppOwnership);
-    return manager;
-}

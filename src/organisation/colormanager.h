@@ -2,17 +2,12 @@
 
 #include <QColor>
 #include <QObject>
-#include <QtQml/qqmlregistration.h>
 
-class QJSEngine;
-class QQmlEngine;
 
 // The one dark theme with green accents that every screen binds to. Constant: nothing to switch or save.
 class ColorManager : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(QColor primaryGreen READ primaryGreen CONSTANT)
     Q_PROPERTY(QColor primaryLightGreen READ primaryLightGreen CONSTANT)
     Q_PROPERTY(QColor primaryDarkGreen READ primaryDarkGreen CONSTANT)
@@ -39,7 +34,6 @@ class ColorManager : public QObject
 
 public:
     static ColorManager *instance();
-    static ColorManager *create(QQmlEngine *, QJSEngine *);
 
     QColor primaryGreen() const { return m_primaryGreen; }
     QColor primaryLightGreen() const { return m_primaryLightGreen; }

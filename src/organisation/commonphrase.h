@@ -3,13 +3,11 @@
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // A stored text that the user pastes into phones, filed under a category by the category's id.
 class CommonPhrase : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_PROPERTY(QString id READ id WRITE setId NOTIFY idChanged)
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(QString category READ category WRITE setCategory NOTIFY categoryChanged)

@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QJSEngine>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -34,12 +33,6 @@ CommonPhraseManager *CommonPhraseManager::instance()
     return manager;
 }
 
-CommonPhraseManager *CommonPhraseManager::create(QQmlEngine *, QJSEngine *)
-{
-    CommonPhraseManager *manager = instance();
-    QJSEngine::setObjectOwnership(manager, QJSEngine::CppOwnership);
-    return manager;
-}
 
 QString CommonPhraseManager::filePath() const
 {

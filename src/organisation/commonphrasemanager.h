@@ -7,17 +7,12 @@
 #include <QObject>
 #include <QQmlListProperty>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
-class QJSEngine;
-class QQmlEngine;
 
 // The user's library of phrases in categories, kept in common_phrases.json.
 class CommonPhraseManager : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(QQmlListProperty<CommonPhrase> phrases READ phrases NOTIFY phrasesChanged)
     Q_PROPERTY(QQmlListProperty<PhraseCategory> categories READ categories NOTIFY categoriesChanged)
     Q_PROPERTY(QString currentCategoryId READ currentCategoryId WRITE setCurrentCategoryId
@@ -27,7 +22,6 @@ class CommonPhraseManager : public QObject
 
 public:
     static CommonPhraseManager *instance();
-    static CommonPhraseManager *create(QQmlEngine *, QJSEngine *);
 
     QQmlListProperty<CommonPhrase> phrases();
     QQmlListProperty<PhraseCategory> categories();

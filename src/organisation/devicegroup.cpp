@@ -1,16 +1,14 @@
 #include "devicegroup.h"
 
-#include "adbtask.h"
-#include "autojs.h"
 #include "controller.h"
 #include "device.h"
-#include "groupoperation.h"
-#include "groupreplay.h"
+#include "devicesettings.h"
+#include "groupactions.h"
+#include "groupcontrol.h"
 #include "serverparams.h"
 
 #include <QFutureWatcher>
 #include <QPointer>
-#include <QQmlEngine>
 #include <QRandomGenerator>
 #include <QTimer>
 #include <QtConcurrent>
@@ -33,17 +31,43 @@ DeviceGroup::StaggerIntervals DeviceGroup::staggerIntervals()
 
 DeviceGroup::DeviceGroup(QObject *parent)
     : QAbstractListModel(parent)
+    , m_control(new GroupControl([this] { return m_devices; }, this))
+    , m_actions(new GroupActions([this] { return m_devices; }, this))
 {
+    connect(m_control, &GroupControl::hostChanged, this, [this] {
+        emit hostDeviceChanged();
+        emit groupControlModeChanged();
+    });
 }
 
 DeviceGroup::~DeviceGroup()
 {
     // Staggered removals would be dropped with this object anyway; the devices go at once.
-    if (m_hostDevice)
-        m_hostDevice->setIsHostDevice(false);
-    m_hostDevice = nullptr;
+    disconnect(m_control, nullptr, this, nullptr);
+    m_control->setHost(nullptr);
     const QList<Device *> devices = std::exchange(m_devices, {});
     qDeleteAll(devices);
+}
+
+bool DeviceGroup::groupControlMode() const
+{
+    return m_control->active();
+}
+
+Device *DeviceGroup::hostDevice() const
+{
+    return m_control->host();
+}
+
+void DeviceGroup::followNickname(Device *device)
+{
+    DeviceSettings *nicknames = DeviceSettings::instance();
+    device->updateNickName(nicknames->getDeviceNickname(device->adbConnectionSerial()));
+    connect(nicknames, &DeviceSettings::deviceNicknameChanged, device, [device, nicknames](const QString &serial) {
+        if (serial == device->adbConnectionSerial())
+            device->updateNickName(nicknames->getDeviceNickname(serial));
+    });
+    connect(device, &Device::nickNameEdited, nicknames, &DeviceSettings::setDeviceNickname);
 }
 
 int DeviceGroup::rowCount(const QModelIndex &parent) const
@@ -80,8 +104,9 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
         const ADBDeviceInfo &info = deviceInfos.at(i);
         remember(info.adb_serial);
         // A child of the group from the start, so a group that ends before the insertion takes it along.
-        auto *device = new Device(this, this, info.adb_serial);
+        auto *device = new Device(this, info.adb_serial);
         device->setConnectionType(info.is_usb_connection ? Device::USB : Device::WiFi);
+        followNickname(device);
         m_arriving.append(device);
         QTimer::singleShot(i * stagger.addMs, this, [this, guard = QPointer<Device>(device)] {
             m_arriving.removeAll(guard);
@@ -107,10 +132,10 @@ void DeviceGroup::placeRow(Device *device)
     beginInsertRows(QModelIndex(), row, row);
     device->setParent(this);
     device->setDeviceGroup(this);
+    connect(device, &Device::leaveGroupRequested, this, [this, device] { removeDevice(device); });
     m_devices.insert(row, device);
     endInsertRows();
-    if (row < m_devices.size() - 1)
-        announceIndexes();
+    announceIndexes();
 }
 
 void DeviceGroup::insertDevice(Device *device)
@@ -127,6 +152,7 @@ void DeviceGroup::appendDevice(Device *device)
     if (!device || m_devices.contains(device))
         return;
     remember(device->adbConnectionSerial());
+    followNickname(device);
     placeRow(device);
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
@@ -160,18 +186,13 @@ bool DeviceGroup::holdsSerial(const QString &serial) const
 
 void DeviceGroup::dropHost()
 {
-    if (!m_hostDevice)
-        return;
-    m_hostDevice->setIsHostDevice(false);
-    m_hostDevice = nullptr;
-    emit hostDeviceChanged();
-    emit groupControlModeChanged();
+    m_control->setHost(nullptr);
 }
 
 void DeviceGroup::announceIndexes()
 {
-    for (Device *device : std::as_const(m_devices))
-        emit device->indexInGroupChanged();
+    for (int i = 0; i < m_devices.size(); ++i)
+        m_devices.at(i)->setIndexInGroup(i);
 }
 
 void DeviceGroup::takeRow(Device *device)
@@ -180,13 +201,15 @@ void DeviceGroup::takeRow(Device *device)
     beginRemoveRows(QModelIndex(), row, row);
     m_devices.removeAt(row);
     endRemoveRows();
+    disconnect(device, &Device::leaveGroupRequested, this, nullptr);
+    device->setIndexInGroup(-1);
 }
 
 void DeviceGroup::removeDevice(Device *device)
 {
     if (!m_devices.contains(device))
         return;
-    if (device == m_hostDevice)
+    if (device == hostDevice())
         dropHost();
     takeRow(device);
     forgetMember(device->adbConnectionSerial());
@@ -223,7 +246,7 @@ void DeviceGroup::moveDevicesToGroup(const QStringList &serials, DeviceGroup *ta
 
     for (Device *device : std::as_const(moving)) {
         // The host drives only its own group; leaving it ends group control here.
-        if (device == m_hostDevice)
+        if (device == hostDevice())
             dropHost();
         device->setDeviceGroup(targetGroup);
         takeRow(device);
@@ -253,30 +276,14 @@ void DeviceGroup::renameTo(const QString &newName)
 
 void DeviceGroup::startGroupControl()
 {
-    if (m_hostDevice || m_devices.isEmpty())
+    if (m_control->active() || m_devices.isEmpty())
         return;
-    m_hostDevice = m_devices.first();
-    m_hostDevice->setIsHostDevice(true);
-    emit hostDeviceChanged();
-    emit groupControlModeChanged();
+    m_control->setHost(m_devices.first());
 }
 
 void DeviceGroup::stopGroupControl()
 {
     dropHost();
-}
-
-void DeviceGroup::replayHostMessage(const ControlMsg &msg)
-{
-    if (!m_hostDevice)
-        return;
-    QList<GroupReplay::Target> targets;
-    targets.reserve(m_devices.size());
-    for (Device *device : std::as_const(m_devices)) {
-        if (device != m_hostDevice)
-            targets.append({device->controller(), device->frameSize()});
-    }
-    GroupReplay::replay(msg, m_hostDevice->frameSize(), targets);
 }
 
 void DeviceGroup::startAllDevices()
@@ -299,91 +306,6 @@ void DeviceGroup::stopAllDevices()
     }
 }
 
-GroupOperation *DeviceGroup::beginOperation(const QString &title)
-{
-    // One group action at a time: the one under way stays on display, cancellable, and says why
-    // the new one did not start.
-    if (m_operation && m_operation->running()) {
-        m_operation->setNotice(tr("\"%1\" did not start: \"%2\" is still running. Cancel it or wait for it to end.")
-                                   .arg(title, m_operation->title()));
-        return nullptr;
-    }
-    if (m_operation)
-        m_operation->deleteLater();
-    m_operation = new GroupOperation(this);
-    // Handed to QML as a return value: the group keeps it, not the script's garbage collector.
-    QQmlEngine::setObjectOwnership(m_operation, QQmlEngine::CppOwnership);
-    emit operationChanged();
-    return m_operation;
-}
-
-GroupOperation *DeviceGroup::screenshotAllDevices()
-{
-    const QString title = tr("Screenshot");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startDeviceCalls(title, m_devices, {[](Device *device, QObject *context, const GroupOperation::Reply &reply) {
-            QObject::connect(device, &Device::screenshotFinished, context, reply);
-            device->takeScreenshot();
-        }, nullptr});
-    }
-    return m_operation;
-}
-
-GroupOperation *DeviceGroup::installApk(const QString &apkPath)
-{
-    const QString title = tr("Install APK");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startAdb(title, m_devices,
-                            [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
-    }
-    return m_operation;
-}
-
-GroupOperation *DeviceGroup::uploadFile(const QString &filePath)
-{
-    const QString title = tr("Upload File");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startAdb(title, m_devices,
-                            [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
-    }
-    return m_operation;
-}
-
-GroupOperation *DeviceGroup::runAutojs(const QString &autojsPath)
-{
-    const QString title = tr("Run AutoJS");
-    GroupOperation *operation = beginOperation(title);
-    if (!operation)
-        return m_operation;
-    // Read once for every phone, and not on the user interface's thread.
-    const QFuture<Autojs::Script> script = Autojs::load(autojsPath);
-    operation->startDeviceCalls(title, m_devices, {
-        [autojsPath, script](Device *device, QObject *context, const GroupOperation::Reply &reply) {
-            QObject::connect(device->autojs(), &Autojs::runFinished, context, reply);
-            device->autojs()->run(autojsPath, script);
-        },
-        [](Device *device) { device->autojs()->cancelRun(); }});
-    return operation;
-}
-
-void DeviceGroup::stopAllAutojs()
-{
-    for (Device *device : std::as_const(m_devices)) {
-        if (device->autojs())
-            device->autojs()->stop();
-    }
-}
-
-GroupOperation *DeviceGroup::executeADBCommand(const QString &input)
-{
-    const QString title = tr("ADB Command");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startAdb(title, m_devices,
-                            [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
-    }
-    return m_operation;
-}
-
 void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const
 {
     ServerParams *small = device->serverParamsSmallView();
@@ -398,7 +320,7 @@ void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const
     big->setAudio(m_enableAudio);
 
     // Below one second the controller keeps the delay it already had, on purpose.
-    if (device == m_hostDevice || !device->controller() || m_clickDelaySeconds < 1)
+    if (device == hostDevice() || !device->controller() || m_clickDelaySeconds < 1)
         return;
     const quint64 bound = quint64(m_clickDelaySeconds) * 1000u;
     const quint64 delay = random % bound;

@@ -9,21 +9,19 @@
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
-#include <QtQml/qqmlregistration.h>
 
 class Device;
-class GroupOperation;
-struct ControlMsg;
+class GroupActions;
+class GroupControl;
 
 // A named, ordered collection of phone sessions with the stream and layout settings they share.
-// The device grid uses it as its model; it also drives operations on every phone and keeps the
-// group-control host.
+// The device grid uses it as its model. Group control and the actions on every phone are objects
+// of their own that it owns.
 class DeviceGroup : public QAbstractListModel
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_MOC_INCLUDE("device.h")
-    Q_MOC_INCLUDE("groupoperation.h")
+    Q_MOC_INCLUDE("groupactions.h")
     Q_PROPERTY(QString name READ name NOTIFY nameChanged)
     Q_PROPERTY(int deviceCount READ deviceCount NOTIFY deviceCountChanged)
     Q_PROPERTY(QVariantList devicesForRepeater READ getDevicesForRepeater NOTIFY deviceCountChanged)
@@ -41,7 +39,7 @@ class DeviceGroup : public QAbstractListModel
     Q_PROPERTY(bool enableAudio READ enableAudio WRITE setEnableAudio NOTIFY enableAudioChanged)
     Q_PROPERTY(Orientation orientation READ orientation WRITE setOrientation NOTIFY orientationChanged)
     Q_PROPERTY(int bigViewWidth READ bigViewWidth WRITE setBigViewWidth NOTIFY bigViewWidthChanged)
-    Q_PROPERTY(GroupOperation *operation READ operation NOTIFY operationChanged)
+    Q_PROPERTY(GroupActions *actions READ actions CONSTANT)
 
 public:
     enum Orientation { Portrait = 0, Landscape = 1 };
@@ -70,10 +68,9 @@ public:
     int deviceCount() const { return m_devices.size(); }
     const QList<Device *> &devices() const { return m_devices; }
     int indexOf(Device *device) const { return m_devices.indexOf(device); }
-    bool groupControlMode() const { return m_hostDevice != nullptr; }
-    Device *hostDevice() const { return m_hostDevice; }
-    // The latest operation started on the whole group.
-    GroupOperation *operation() const { return m_operation; }
+    bool groupControlMode() const;
+    Device *hostDevice() const;
+    GroupActions *actions() const { return m_actions; }
 
     bool showControlButtons() const { return m_showControlButtons; }
     int maxSize() const { return m_maxSize; }
@@ -107,10 +104,6 @@ public:
     void loadSettings(const QJsonObject &settings);
     QJsonObject settingsToJson() const;
 
-    // Replays a message written by the host's controller on every other phone, rescaled to each
-    // phone's frame and after each phone's own delay.
-    void replayHostMessage(const ControlMsg &msg);
-
     Q_INVOKABLE bool addDevices(const QList<ADBDeviceInfo> &deviceInfos);
     Q_INVOKABLE void moveDevicesToGroup(const QStringList &serials, DeviceGroup *targetGroup);
     Q_INVOKABLE void clearDevices();
@@ -119,14 +112,6 @@ public:
     Q_INVOKABLE void stopGroupControl();
     Q_INVOKABLE void startAllDevices();
     Q_INVOKABLE void stopAllDevices();
-    // Each starts a GroupOperation on every phone at once and returns it (also as `operation`).
-    // While one still runs no other starts: that one is returned, with a notice saying so.
-    Q_INVOKABLE GroupOperation *screenshotAllDevices();
-    Q_INVOKABLE GroupOperation *installApk(const QString &apkPath);
-    Q_INVOKABLE GroupOperation *uploadFile(const QString &filePath);
-    Q_INVOKABLE GroupOperation *runAutojs(const QString &autojsPath);
-    Q_INVOKABLE GroupOperation *executeADBCommand(const QString &input);
-    Q_INVOKABLE void stopAllAutojs();
     Q_INVOKABLE void setShowControlButtons(bool showControlButtons);
     Q_INVOKABLE void setMaxSize(int maxSize);
     Q_INVOKABLE void setMaxFPS(int maxFPS);
@@ -143,7 +128,6 @@ public:
     Q_INVOKABLE QVariantList getDevicesForRepeater() const;
 
 signals:
-    void operationChanged();
     void nameChanged();
     void deviceCountChanged();
     void deviceAddedIntoGroup(Device *device);
@@ -169,8 +153,6 @@ private:
     // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
     // `random` (ignored when the delay setting is below one second).
     void applySettingsToDevice(Device *device, quint32 random) const;
-    // The new operation, or null while the current one still runs.
-    GroupOperation *beginOperation(const QString &title);
     // Inserts the row at the device's remembered position, or last.
     void placeRow(Device *device);
     void remember(const QString &serial);
@@ -178,12 +160,14 @@ private:
     void takeRow(Device *device);
     void dropHost();
     void announceIndexes();
+    // Nicknames come from the nickname store and a rename goes back to it.
+    static void followNickname(Device *device);
     // Stores a changed setting and, for a named group, applies and announces it.
     template<typename T>
     void changeSetting(T &field, T value, void (DeviceGroup::*changed)());
 
-    Device *m_hostDevice = nullptr;
-    GroupOperation *m_operation = nullptr;
+    GroupControl *m_control;
+    GroupActions *m_actions;
     QString m_name;
     QList<Device *> m_devices;
     QStringList m_memberSerials;

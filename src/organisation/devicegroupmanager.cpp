@@ -5,6 +5,7 @@
 #include "appconfig.h"
 #include "device.h"
 #include "devicegroup.h"
+#include "devicesettings.h"
 #include "devicetracker.h"
 #include "jsonfile.h"
 
@@ -274,9 +275,12 @@ void DeviceGroupManager::refreshAvailableDevices(const QList<ADBDeviceInfo> &lis
             grouped.insert(serial);
     }
     QList<ADBDeviceInfo> available;
-    for (const ADBDeviceInfo &info : listed) {
-        if (!grouped.contains(info.adb_serial))
-            available.append(info);
+    for (ADBDeviceInfo info : listed) {
+        if (grouped.contains(info.adb_serial))
+            continue;
+        // Joined here, on the thread that renames: listings are read on worker threads.
+        info.nickname = DeviceSettings::instance()->getDeviceNickname(info.adb_serial);
+        available.append(info);
     }
     m_availableDeviceInfos = available;
     emit availableDeviceInfosChanged();

@@ -8,7 +8,6 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
-#include <QtQml/qqmlregistration.h>
 
 class Device;
 class DeviceGroup;
@@ -18,7 +17,6 @@ class DeviceGroup;
 class DeviceGroupManager : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_MOC_INCLUDE("device.h")
     Q_MOC_INCLUDE("devicegroup.h")
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)

@@ -4,7 +4,6 @@
 #include "jsonfile.h"
 
 #include <QCoreApplication>
-#include <QJSEngine>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -27,12 +26,6 @@ DeviceSettings *DeviceSettings::instance()
     return settings;
 }
 
-DeviceSettings *DeviceSettings::create(QQmlEngine *, QJSEngine *)
-{
-    DeviceSettings *settings = instance();
-    QJSEngine::setObjectOwnership(settings, QJSEngine::CppOwnership);
-    return settings;
-}
 
 QString DeviceSettings::filePath() const
 {

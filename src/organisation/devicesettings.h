@@ -5,22 +5,16 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
-#include <QtQml/qqmlregistration.h>
 
-class QJSEngine;
-class QQmlEngine;
 
 // The nickname the user gave each phone, keyed by adb serial, kept in device_nicknames.json.
 class DeviceSettings : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     static DeviceSettings *instance();
-    static DeviceSettings *create(QQmlEngine *, QJSEngine *);
 
     Q_INVOKABLE QString getDeviceNickname(const QString &serial) const;
     Q_INVOKABLE void setDeviceNickname(const QString &serial, const QString &nickname);

@@ -3,13 +3,11 @@
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 // A named folder of common phrases.
 class PhraseCategory : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_PROPERTY(QString id READ id WRITE setId NOTIFY idChanged)
     Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
     Q_PROPERTY(QString description READ description WRITE setDescription NOTIFY descriptionChanged)

@@ -16,9 +16,6 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/groupreplay.h ${CMAKE_CURRENT_LIST_DIR}/groupreplay.cpp
 )
 list(APPEND KORVEL_SOURCES
-    ${CMAKE_CURRENT_LIST_DIR}/autojsprotocol.h ${CMAKE_CURRENT_LIST_DIR}/autojsprotocol.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/autojs.h ${CMAKE_CURRENT_LIST_DIR}/autojs.cpp
-)
-list(APPEND KORVEL_SOURCES
-    ${CMAKE_CURRENT_LIST_DIR}/groupoperation.h ${CMAKE_CURRENT_LIST_DIR}/groupoperation.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/groupcontrol.h ${CMAKE_CURRENT_LIST_DIR}/groupcontrol.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/groupactions.h ${CMAKE_CURRENT_LIST_DIR}/groupactions.cpp
 )

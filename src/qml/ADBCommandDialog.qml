@@ -24,9 +24,9 @@ Dialog {
         if (input.trim().length === 0)
             return
         if (deviceGroup)
-            operation = deviceGroup.executeADBCommand(input)
+            operation = deviceGroup.actions.executeADBCommand(input)
         else if (device)
-            operation = device.executeADBCommand(input)
+            operation = device.actions.executeADBCommand(input)
     }
 
     background: Rectangle {

@@ -15,7 +15,7 @@ Flickable {
 
     readonly property bool recording: device !== null && device.videoRecorder !== undefined
                                       && device.videoRecorder !== null && device.videoRecorder.isRecording === true
-    readonly property bool autojsRunning: device !== null && device.autojs !== null && device.autojs.isRunning
+    readonly property bool autojsRunning: device !== null && device.actions.autojs !== null && device.actions.autojs.isRunning
     readonly property var keyMappingProfile: device !== null && device.currentKeyMappingProfile !== undefined
                                              ? device.currentKeyMappingProfile : null
 
@@ -79,14 +79,14 @@ Flickable {
         x: 2
         spacing: 2
 
-        ControlButton { objectName: "homeButton"; tip: qsTr("Home"); iconName: "home"; onClicked: root.device.home() }
-        ControlButton { tip: qsTr("Task List"); iconName: "tasks"; onClicked: root.device.showTaskList() }
-        ControlButton { tip: qsTr("Back"); iconName: "back"; onClicked: root.device.back() }
-        ControlButton { tip: qsTr("Swipe Up"); iconName: "up"; onClicked: root.device.swipeUp() }
-        ControlButton { tip: qsTr("Swipe Down"); iconName: "down"; onClicked: root.device.swipeDown() }
-        ControlButton { tip: qsTr("Swipe Left"); iconName: "left"; onClicked: root.device.swipeLeft() }
-        ControlButton { tip: qsTr("Swipe Right"); iconName: "right"; onClicked: root.device.swipeRight() }
-        ControlButton { tip: qsTr("Rotate Screen"); iconName: "rotate"; onClicked: root.device.rotateScreen() }
+        ControlButton { objectName: "homeButton"; tip: qsTr("Home"); iconName: "home"; onClicked: root.device.actions.home() }
+        ControlButton { tip: qsTr("Task List"); iconName: "tasks"; onClicked: root.device.actions.showTaskList() }
+        ControlButton { tip: qsTr("Back"); iconName: "back"; onClicked: root.device.actions.back() }
+        ControlButton { tip: qsTr("Swipe Up"); iconName: "up"; onClicked: root.device.actions.swipeUp() }
+        ControlButton { tip: qsTr("Swipe Down"); iconName: "down"; onClicked: root.device.actions.swipeDown() }
+        ControlButton { tip: qsTr("Swipe Left"); iconName: "left"; onClicked: root.device.actions.swipeLeft() }
+        ControlButton { tip: qsTr("Swipe Right"); iconName: "right"; onClicked: root.device.actions.swipeRight() }
+        ControlButton { tip: qsTr("Rotate Screen"); iconName: "rotate"; onClicked: root.device.actions.rotateScreen() }
         ControlButton {
             tip: qsTr("Screenshot")
             iconName: root.device && root.device.isScreenShotting ? "hourglass" : "camera"
@@ -106,8 +106,8 @@ Flickable {
             enabled: root.device !== null && root.phraseSelectionAvailable
             onClicked: root.openPhraseSelectionDialog()
         }
-        ControlButton { tip: qsTr("Volume Up"); iconName: "volumeUp"; onClicked: root.device.volumeUp() }
-        ControlButton { tip: qsTr("Volume Down"); iconName: "volumeDown"; onClicked: root.device.volumeDown() }
+        ControlButton { tip: qsTr("Volume Up"); iconName: "volumeUp"; onClicked: root.device.actions.volumeUp() }
+        ControlButton { tip: qsTr("Volume Down"); iconName: "volumeDown"; onClicked: root.device.actions.volumeDown() }
         ControlButton {
             tip: qsTr("Upload File")
             iconName: "upload"
@@ -115,7 +115,7 @@ Flickable {
                 const device = root.device
                 picker.pick(qsTr("Select File"), [qsTr("All files (*.*)")], path => {
                     if (device)
-                        device.uploadFile(path)
+                        device.actions.uploadFile(path)
                 })
             }
         }
@@ -138,7 +138,7 @@ Flickable {
                 const device = root.device
                 picker.pick(qsTr("Select APK File"), [qsTr("APK files (*.apk)")], path => {
                     if (device)
-                        device.installAPK(path)
+                        device.actions.installAPK(path)
                 })
             }
         }
@@ -149,12 +149,12 @@ Flickable {
             onClicked: {
                 const device = root.device
                 if (root.autojsRunning) {
-                    device.stopAutojs()
+                    device.actions.stopAutojs()
                     return
                 }
                 picker.pick(qsTr("Select AutoJS Script"), [qsTr("autojs files (*.js)")], path => {
                     if (device)
-                        device.runAutojs(path)
+                        device.actions.runAutojs(path)
                 })
             }
         }
@@ -163,19 +163,19 @@ Flickable {
             label: qsTr("ADB")
             onClicked: adbDialogLoader.active = true
         }
-        ControlButton { tip: qsTr("Screen On"); iconName: "sun"; onClicked: root.device.wakeUp() }
-        ControlButton { tip: qsTr("Screen Off"); iconName: "moon"; onClicked: root.device.sleep() }
+        ControlButton { tip: qsTr("Screen On"); iconName: "sun"; onClicked: root.device.actions.wakeUp() }
+        ControlButton { tip: qsTr("Screen Off"); iconName: "moon"; onClicked: root.device.actions.sleep() }
         ControlButton {
             tip: root.device && root.device.isAudioEnabled ? qsTr("Audio Enabled") : qsTr("Audio Disabled")
             iconName: root.device && root.device.isAudioEnabled ? "soundOn" : "soundOff"
             onClicked: root.device.setEnableAudio(!root.device.isAudioEnabled)
         }
-        ControlButton { tip: qsTr("Reboot"); iconName: "reboot"; onClicked: root.device.reboot() }
+        ControlButton { tip: qsTr("Reboot"); iconName: "reboot"; onClicked: root.device.actions.reboot() }
         ControlButton {
             tip: qsTr("Shutdown")
             iconName: "power"
             tint: ColorManager.textRed
-            onClicked: root.device.shutdown()
+            onClicked: root.device.actions.shutdown()
         }
     }
 

@@ -22,12 +22,12 @@ Menu {
     MenuItem {
         text: qsTr("Enable WiFi Connection")
         enabled: root.device !== null && root.device.connectionType === Device.USB
-        onTriggered: root.device.setWiFiConnection()
+        onTriggered: root.device.actions.setWiFiConnection()
     }
     MenuItem {
         text: qsTr("Disconnect WiFi")
         enabled: root.device !== null && root.device.connectionType === Device.WiFi
-        onTriggered: root.device.disconnectWiFi()
+        onTriggered: root.device.actions.disconnectWiFi()
     }
     MenuItem {
         text: qsTr("Device Information")

@@ -109,29 +109,29 @@ Item {
                 id: moreMenu
                 objectName: "moreGroupActionsMenu"
                 y: moreButton.height
-                MenuItem { text: qsTr("Screenshot"); onTriggered: root.showOperation(root.group.screenshotAllDevices()) }
+                MenuItem { text: qsTr("Screenshot"); onTriggered: root.showOperation(root.group.actions.screenshotAllDevices()) }
                 MenuItem {
                     text: qsTr("Install APK")
                     onTriggered: {
                         const group = root.group
-                        picker.pick(qsTr("Select APK File"), [qsTr("APK files (*.apk)")], path => root.showOperation(group.installApk(path)))
+                        picker.pick(qsTr("Select APK File"), [qsTr("APK files (*.apk)")], path => root.showOperation(group.actions.installApk(path)))
                     }
                 }
                 MenuItem {
                     text: qsTr("Upload File")
                     onTriggered: {
                         const group = root.group
-                        picker.pick(qsTr("Select File"), [qsTr("All files (*.*)")], path => root.showOperation(group.uploadFile(path)))
+                        picker.pick(qsTr("Select File"), [qsTr("All files (*.*)")], path => root.showOperation(group.actions.uploadFile(path)))
                     }
                 }
                 MenuItem {
                     text: qsTr("Run AutoJS")
                     onTriggered: {
                         const group = root.group
-                        picker.pick(qsTr("Select autojs Script"), [qsTr("autojs files (*.js)")], path => root.showOperation(group.runAutojs(path)))
+                        picker.pick(qsTr("Select autojs Script"), [qsTr("autojs files (*.js)")], path => root.showOperation(group.actions.runAutojs(path)))
                     }
                 }
-                MenuItem { text: qsTr("Stop AutoJS"); onTriggered: root.group.stopAllAutojs() }
+                MenuItem { text: qsTr("Stop AutoJS"); onTriggered: root.group.actions.stopAllAutojs() }
                 MenuItem { text: qsTr("ADB Commands"); onTriggered: adbCommandDialog.open() }
                 MenuItem { text: qsTr("Settings"); onTriggered: groupSettingsDialog.open() }
             }

@@ -41,3 +41,4 @@ list(APPEND KORVEL_QML_FILES
     src/qml/KeyMappingDialog.qml
     src/qml/KeyMapProfilePicker.qml
 )
+list(APPEND KORVEL_SOURCES src/qml/korveltypes.h)

@@ -1,5 +1,5 @@
 #include "adbclient.h"
-#include "devicesettings.h"
+#include "testfiles.h"
 #include "fakeadb.h"
 
 #include <QTcpServer>
@@ -170,36 +170,44 @@ private slots:
         qunsetenv("ANDROID_ADB_SERVER_PORT");
     }
 
+    void defaultProgramPrefersBundledAdbAndIsCached()
+    {
+        const QString bundled = QCoreApplication::applicationDirPath() + "/third_party/adb/linux/adb";
+        QVERIFY(TestFiles::write(bundled, "#!/bin/sh\nexit 0\n"));
+        QVERIFY(QFile::setPermissions(bundled, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QCOMPARE(AdbClient::defaultProgram(), bundled);
+        QVERIFY(QFile::remove(bundled));
+        QCOMPARE(AdbClient::defaultProgram(), bundled);
+    }
+
     void parseDevices_data()
     {
         QTest::addColumn<QString>("text");
-        // "serial usb|wifi product model transport nickname" per phone.
+        // "serial usb|wifi product model transport" per phone.
         QTest::addColumn<QStringList>("devices");
         QTest::newRow("empty") << "List of devices attached\n" << QStringList{};
         QTest::newRow("network") << "List of devices attached\r\n192.168.1.5:5555 device product:x model:Y transport_id:7\r\n"
-                                 << QStringList{"192.168.1.5:5555 wifi x Y 7 Rack 3"};
+                                 << QStringList{"192.168.1.5:5555 wifi x Y 7"};
         QTest::newRow("usb word") << "ABC123 device usb:1-1 product:p model:m transport_id:3"
-                                  << QStringList{"ABC123 usb p m 3 "};
+                                  << QStringList{"ABC123 usb p m 3"};
         QTest::newRow("unauthorized and offline skipped")
-            << "ABC123 unauthorized usb:1-1 transport_id:3\nDEF offline\nGHI device\nJKL" << QStringList{"GHI usb   -1 "};
+            << "ABC123 unauthorized usb:1-1 transport_id:3\nDEF offline\nGHI device\nJKL" << QStringList{"GHI usb   -1"};
         QTest::newRow("network serial with usb path word")
-            << "127.0.0.1:5555 device 1-1.2 model:m" << QStringList{"127.0.0.1:5555 usb  m -1 "};
+            << "127.0.0.1:5555 device 1-1.2 model:m" << QStringList{"127.0.0.1:5555 usb  m -1"};
         QTest::newRow("mdns-like serial stays usb")
-            << "adb-XYZ._adb-tls-connect._tcp device" << QStringList{"adb-XYZ._adb-tls-connect._tcp usb   -1 "};
-        QTest::newRow("transport id out of range") << "Z device transport_id:99999999999" << QStringList{"Z usb   -1 "};
+            << "adb-XYZ._adb-tls-connect._tcp device" << QStringList{"adb-XYZ._adb-tls-connect._tcp usb   -1"};
+        QTest::newRow("transport id out of range") << "Z device transport_id:99999999999" << QStringList{"Z usb   -1"};
     }
 
     void parseDevices()
     {
         QFETCH(QString, text);
-        DeviceSettings::instance()->setDeviceNickname("192.168.1.5:5555", "Rack 3");
         QStringList parsed;
         for (const ADBDeviceInfo &info : AdbClient::parseDevices(text)) {
-            parsed << QString("%1 %2 %3 %4 %5 %6").arg(info.adb_serial, info.is_usb_connection ? "usb" : "wifi",
-                                                       info.product, info.model)
-                          .arg(info.transport_id).arg(info.nickname);
+            parsed << QString("%1 %2 %3 %4 %5").arg(info.adb_serial, info.is_usb_connection ? "usb" : "wifi",
+                                                    info.product, info.model)
+                          .arg(info.transport_id);
         }
-        DeviceSettings::instance()->removeDeviceNickname("192.168.1.5:5555");
         QTEST(parsed, "devices");
     }
 

@@ -62,16 +62,6 @@ private slots:
         QCOMPARE(config->appInfo().latestVersion, QString());
     }
 
-    void adbPathPrefersBundledAdbAndIsCached()
-    {
-        const QString bundled = QCoreApplication::applicationDirPath() + "/third_party/adb/linux/adb";
-        QVERIFY(TestFiles::write(bundled, "#!/bin/sh\nexit 0\n"));
-        QVERIFY(QFile::setPermissions(bundled, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-        QCOMPARE(AppConfig::adbPath(), bundled);
-        QVERIFY(QFile::remove(bundled));
-        QCOMPARE(AppConfig::adbPath(), bundled);
-    }
-
     void localeChoosesTranslation_data()
     {
         QTest::addColumn<QString>("locale");

@@ -1,3 +1,4 @@
+#include "adbclient.h"
 #include "appconfig.h"
 #include "appstartup.h"
 #include "fakeadb.h"
@@ -60,7 +61,7 @@ private slots:
     void mainWindowLoadsWithoutWarnings()
     {
         // The adb found on the PATH is the one Korvel runs, and the phones' pictures need OpenGL.
-        QCOMPARE(AppConfig::adbPath(), m_adb.program());
+        QCOMPARE(AdbClient::program(), m_adb.program());
         QCOMPARE(QQuickWindow::graphicsApi(), QSGRendererInterface::OpenGL);
         QVERIFY(!QGuiApplication::windowIcon().isNull());
         QVERIFY(window());

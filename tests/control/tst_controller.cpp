@@ -1,20 +1,13 @@
-// The controller's slots as bytes on its socket, adb calls and status messages of its session.
+// The controller's slots as bytes on its socket.
 // What it wrote is read back with phonesim's own decoder.
-#include "adbclient.h"
 #include "controldescription.h"
 #include "controller.h"
 #include "controlmessagedecoder.h"
-#include "device.h"
-#include "fakeadb.h"
-#include "framehandoff.h"
 #include "keymappingprofile.h"
 
 #include <QBuffer>
 #include <QtTest>
 
-extern "C" {
-#include <libavutil/frame.h>
-}
 
 namespace {
 
@@ -41,28 +34,20 @@ Action key(int type, int key, int modifiers = 0)
     return [=](Controller *c) { c->handleKeyEvent(type, key, modifiers, QStringLiteral("ignored")); };
 }
 
-// A session as the controller sees it: its Device (sizes, serial, messages) and a socket stand-in.
+// A session as the controller sees it: the view's and the picture's sizes, and a socket stand-in.
 struct Session
 {
     Session(QSize show = {540, 1200}, QSize frame = {1080, 2400})
-        : device(nullptr, nullptr, "S1")
+        : controller(new Controller(nullptr, &wire))
     {
         wire.open(QIODevice::WriteOnly);
-        device.setShowSize(show);
-        AVFrame *decoded = av_frame_alloc();
-        decoded->width = frame.width();
-        decoded->height = frame.height();
-        decoded->format = AV_PIX_FMT_YUV420P;
-        av_frame_get_buffer(decoded, 0);
-        device.videoFrames()->publish(decoded);
-        av_frame_free(&decoded);
-        QCoreApplication::sendPostedEvents(device.videoFrames());
-        controller = new Controller(&device, &wire);
+        controller->setShowSize(show);
+        controller->setFrameSize(frame);
     }
+    ~Session() { delete controller; }
 
     QList<QJsonObject> sent() const { return ControlMessageDecoder().feed(wire.data()); }
 
-    Device device;
     QBuffer wire;
     Controller *controller;
 };
@@ -78,17 +63,8 @@ class TestController : public QObject
 public:
     static void initMain() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
 
-private:
-    FakeAdb m_adb;
-
 private slots:
-    void initTestCase() { AdbClient::setProgram(m_adb.program()); }
-
-    void init()
-    {
-        m_adb.clear();
-        Controller::setSwipeInterval(10);
-    }
+    void init() { Controller::setSwipeInterval(10); }
 
     void slotsWriteMessages_data()
     {
@@ -249,11 +225,8 @@ private slots:
         Session session;
         KeyMappingProfile profile("Game");
         QVERIFY(profile.addMapping(Qt::Key_A, 0, "A", 0.5, 0.5, 1));
-        QSignalSpy messages(&session.device, &Device::deviceMessage);
-        session.device.setCurrentKeyMappingProfile(&profile);
-        QCOMPARE(messages.value(0), (QVariantList{"KeyMapping Profile: Game", "info", 2000}));
-
         Controller *controller = session.controller;
+        controller->setKeyMappingProfile(&profile);
         // Auto-repeat of a held mapped key adds nothing.
         controller->handleKeyEvent(6, key, modifiers, QString());
         controller->handleKeyEvent(6, key, modifiers, QString());
@@ -261,12 +234,14 @@ private slots:
         controller->handleKeyEvent(7, key, modifiers, QString());
         QCOMPARE(describeControl(session.sent()), sent);
 
-        // A profile deleted in the editor turns the phone's mapping off.
+        // A profile deleted in the editor turns the phone's mapping off: the key is typed again.
         auto *deleted = new KeyMappingProfile("Gone");
-        session.device.setCurrentKeyMappingProfile(deleted);
+        QVERIFY(deleted->addMapping(Qt::Key_B, 0, "B", 0.5, 0.5, 1));
+        controller->setKeyMappingProfile(deleted);
         delete deleted;
-        QCOMPARE(session.device.currentKeyMappingProfile(), nullptr);
-        QCOMPARE(messages.last(), (QVariantList{"KeyMapping Disabled", "info", 2000}));
+        const int before = int(session.sent().size());
+        controller->handleKeyEvent(6, Qt::Key_B, 0, QString());
+        QCOMPARE(describeControl(session.sent().mid(before)), QStringList{"key 0 30"});
     }
 
     void tappingFingerIsNotTakenByAnotherKey()
@@ -275,7 +250,7 @@ private slots:
         KeyMappingProfile profile("Game");
         QVERIFY(profile.addMapping(Qt::Key_T, 0, "T", 0.1, 0.9, 3));
         QVERIFY(profile.addMapping(Qt::Key_A, 0, "A", 0.5, 0.5, 1));
-        session.device.setCurrentKeyMappingProfile(&profile);
+        session.controller->setKeyMappingProfile(&profile);
         // The ten mapping pointers come round to the taps' own while the taps still play.
         session.controller->handleKeyEvent(6, Qt::Key_T, 0, QString());
         const qint64 tapping = session.sent().first().value("pointerId").toInteger();
@@ -310,37 +285,13 @@ private slots:
         Session session;
         session.controller->setClickDelayMilliSeconds(30);
         session.controller->groupSend(ControlMsg::setClipboard(0, "dropped", true));
-        delete session.controller;
+        delete std::exchange(session.controller, nullptr);
         // A message sent later with the same delay arrives; the dropped one would have come first.
-        Controller later(&session.device, &session.wire);
+        Controller later(nullptr, &session.wire);
         later.setClickDelayMilliSeconds(30);
         later.groupSend(ControlMsg::ofType(ControlMsgType::RotateDevice));
         QTRY_VERIFY(!session.wire.data().isEmpty());
         QCOMPARE(describeControl(session.sent()), QStringList{"RotateDevice"});
-    }
-
-    void failedUploadIsReported()
-    {
-        QTemporaryFile file;
-        QVERIFY(file.open());
-        m_adb.addRule("-s S1 push*", 1, {}, "remote couldn't create file\\n");
-        Session session;
-        QSignalSpy messages(&session.device, &Device::deviceMessage);
-        session.controller->uploadFile(file.fileName());
-        QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 10000);
-        QCOMPARE(messages[0], (QVariantList{"File upload failed: remote couldn't create file", "error", 5000}));
-    }
-
-    void rebootAndShutdownGoThroughAdb()
-    {
-        // What the phone does with them is proven through the real adb in tst_phonesimadb.
-        Session session;
-        session.controller->actionReboot();
-        QTRY_COMPARE(m_adb.calls().size(), 1);
-        session.controller->actionShutdown();
-        QTRY_COMPARE(m_adb.calls().size(), 3); // after asking whether it is an emulator
-        QCOMPARE(m_adb.calls().first(), (QStringList{"-s", "S1", "reboot"}));
-        QCOMPARE(m_adb.calls().last(), (QStringList{"-s", "S1", "reboot", "-p"}));
     }
 
     void withoutSessionNothingBreaks()
@@ -350,13 +301,7 @@ private slots:
         controller.actionHome();
         controller.handleMouseEvent(2, 5.0, 5.0, 1, 1);
         controller.actionSwipeLeft();
-        controller.actionReboot();
-        controller.actionShutdown();
-        controller.installApk("/nowhere.apk");
-        controller.uploadFile("/nowhere");
-        controller.setWallpaper("x", 10, 10);
         QTRY_COMPARE_WITH_TIMEOUT(announced.count(), 2 + 1 + 12, 5000);
-        QVERIFY(m_adb.calls().isEmpty());
     }
 };
 

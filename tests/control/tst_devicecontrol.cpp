@@ -5,6 +5,7 @@
 #include "controldescription.h"
 #include "controller.h"
 #include "device.h"
+#include "deviceactions.h"
 #include "devicegroup.h"
 #include "framehandoff.h"
 #include "phonefixture.h"
@@ -63,7 +64,7 @@ private slots:
         m_phone = m_fixture->addPhone({1080, 2400});
         QVERIFY2(m_phone, qPrintable(m_fixture->error()));
         m_group = std::make_unique<DeviceGroup>();
-        m_device = new Device(nullptr, m_group.get(), m_phone->serial());
+        m_device = new Device(nullptr, m_phone->serial());
         // Full-size frames, so that device points and frame points are the same.
         m_device->serverParamsSmallView()->setMaxSize(0);
         m_device->serverParamsSmallView()->setMaxFps(10);
@@ -87,14 +88,14 @@ private slots:
 
     void commandsWithoutSessionReportNotConnected()
     {
-        Device idle(nullptr, nullptr, "nowhere");
+        Device idle(nullptr, "nowhere");
         QSignalSpy messages(&idle, &Device::deviceMessage);
-        idle.installAPK("/tmp/a.apk");
-        idle.uploadFile("/tmp/a.txt");
+        idle.actions()->installAPK("/tmp/a.apk");
+        idle.actions()->uploadFile("/tmp/a.txt");
         // The buttons do nothing without a session.
-        idle.home();
-        idle.swipeUp();
-        idle.reboot();
+        idle.actions()->home();
+        idle.actions()->swipeUp();
+        idle.actions()->reboot();
         QCOMPARE(messages.count(), 2);
         QCOMPARE(messages[0], (QVariantList{"Not Connected", "error", 2000}));
         QCOMPARE(messages[1], (QVariantList{"Not Connected", "error", 5000}));
@@ -105,8 +106,8 @@ private slots:
     {
         QTest::addColumn<Input>("input");
         QTest::addColumn<QStringList>("arrived");
-        QTest::newRow("home button") << Input(&Device::home) << QStringList{"key 0 3", "key 1 3"};
-        QTest::newRow("swipe up") << Input(&Device::swipeUp)
+        QTest::newRow("home button") << Input([](Device *d) { d->actions()->home(); }) << QStringList{"key 0 3", "key 1 3"};
+        QTest::newRow("swipe up") << Input([](Device *d) { d->actions()->swipeUp(); })
                                   << QStringList{"touch 0@540,1200", "touch 2@540,1055", "touch 2@540,911", "touch 2@540,767",
                                                  "touch 2@540,623", "touch 2@540,480", "touch 1@540,480"};
         QTest::newRow("typed text, pasted") << Input([](Device *d) { d->controller()->actionInputText("你好 farm"); })
@@ -133,9 +134,9 @@ private slots:
     void rotationTurnsThePicture()
     {
         const int from = controlCount();
-        m_device->rotateScreen();
+        m_device->actions()->rotateScreen();
         QTRY_COMPARE_WITH_TIMEOUT(m_device->frameSize(), QSize(2400, 1080), 15000);
-        m_device->rotateScreen();
+        m_device->actions()->rotateScreen();
         QTRY_COMPARE_WITH_TIMEOUT(m_device->frameSize(), QSize(1080, 2400), 15000);
         QCOMPARE(controlSince(from), (QStringList{"RotateDevice", "RotateDevice"}));
     }
@@ -157,7 +158,7 @@ private slots:
         QVERIFY(!path.isEmpty());
         const int before = int(m_phone->journal("install").size());
         QSignalSpy messages(m_device.data(), &Device::deviceMessage);
-        m_device->installAPK(path);
+        m_device->actions()->installAPK(path);
         QCOMPARE(messages.value(0), (QVariantList{"Installing APK", "info", 100000}));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
         // The package manager's answer follows the message; it names the temporary file.
@@ -177,7 +178,7 @@ private slots:
         const QString path = writeFile("notes.txt", content);
         QVERIFY(!path.isEmpty());
         QSignalSpy messages(m_device.data(), &Device::deviceMessage);
-        m_device->uploadFile(path);
+        m_device->actions()->uploadFile(path);
         QCOMPARE(messages.value(0), (QVariantList{"Uploading File", "info", 100000}));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
         QCOMPARE(messages[1], (QVariantList{"File uploaded", "success", 2000}));
@@ -218,10 +219,10 @@ private slots:
         const QByteArray script = "// 收菜\nwhile (true) { click(540, 1200); sleep(1000); }\n";
         const QString path = writeFile("farm.task.js", script);
         QVERIFY(!path.isEmpty());
-        m_device->runAutojs(path);
+        m_device->actions()->runAutojs(path);
         QTRY_VERIFY_WITH_TIMEOUT(!m_phone->journal("autojs").isEmpty(), 30000);
         QCOMPARE(m_phone->journal("autojs").last().value("sha256").toString(), sha256(script));
-        m_device->stopAutojs();
+        m_device->actions()->stopAutojs();
         QTRY_COMPARE_WITH_TIMEOUT(m_phone->journal("autojs").last().value("type").toString(), QString("stopAll"), 10000);
     }
 };

@@ -1,5 +1,5 @@
 #include "adbclient.h"
-#include "appconfig.h"
+#include "deviceactions.h"
 #include "audiodecoder.h"
 #include "controller.h"
 #include "device.h"
@@ -10,6 +10,7 @@
 #include "packetsink.h"
 #include "phonefixture.h"
 #include "scrcpyserver.h"
+#include "screenshotwriter.h"
 #include "serverparams.h"
 #include "videodecoder.h"
 #include "videodemuxer.h"
@@ -112,7 +113,7 @@ class TestDeviceSession : public QObject
             qWarning("%s", qPrintable(m_fixture->error()));
             return nullptr;
         }
-        auto *device = new Device(nullptr, &group, phone->serial());
+        auto *device = new Device(nullptr, phone->serial());
         device->serverParamsSmallView()->setMaxSize(maxSize);
         device->serverParamsSmallView()->setMaxFps(30);
         group.appendDevice(device);
@@ -150,8 +151,8 @@ private slots:
         qputenv("PULSE_SERVER", ("unix:" + dir + "/runtime/native").toUtf8());
 
         m_fixture = std::make_unique<PhoneFixture>();
-        AppConfig::instance()->setScreenshotSavePath(m_screenshots.path());
-        AppConfig::instance()->setVideoSavePath(m_videos.path());
+        ScreenshotWriter::setFolder(m_screenshots.path());
+        Device::setRecordingFolder(m_videos.path());
         // View switches wait between adb steps; a tenth of the time keeps the test short.
         Device::setStepDelay(100);
     }
@@ -159,7 +160,6 @@ private slots:
     void cleanupTestCase()
     {
         m_fixture.reset();
-        AppConfig::instance()->reset();
         m_pulse.terminate();
         m_pulse.waitForFinished(5000);
     }
@@ -432,38 +432,38 @@ private slots:
         QCOMPARE(usbDevice->deviceInfo().screen_size, QSize(1080, 2340));
 
         // Commands run line by line in the phone's one row, blank lines skipped, failures in place.
-        GroupOperation *commands = usbDevice->executeADBCommand("shell echo first\n\n   shell   pwd  \nshell nosuchcommand");
+        GroupOperation *commands = usbDevice->actions()->executeADBCommand("shell echo first\n\n   shell   pwd  \nshell nosuchcommand");
         QTRY_VERIFY_WITH_TIMEOUT(!commands->running(), 15000);
         QCOMPARE(commands->state(0), GroupOperation::Failed);
         QCOMPARE(commands->output(0), QString("first\n/\n/system/bin/sh: nosuchcommand: inaccessible or not found\n"));
 
         QSignalSpy messages(usbDevice, &Device::deviceMessage);
-        usbDevice->setWiFiConnection();
+        usbDevice->actions()->setWiFiConnection();
         QTRY_COMPARE_WITH_TIMEOUT(messages.value(0), (QVariantList{"WiFi connection enabled", "success", 3000}), 20000);
         const QString wifiSerial = phone->wifiAddress() + ":5555";
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(wifiSerial), 10000);
         QCOMPARE(group.deviceCount(), 1);
 
         // Back to USB mode: the phone restarts its adb side as a real one does.
-        usbDevice->setUSBConnection();
+        usbDevice->actions()->setUSBConnection();
         QTRY_VERIFY(!phone->journal("usb").isEmpty());
 
         // The phone over Wi-Fi is a device of its own (adb reconnects it after the restart);
         // disconnecting it takes only that address out of adb and the device out of the group.
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(wifiSerial) || m_fixture->adb().listed(wifiSerial, "offline"), 10000);
-        auto *wifiDevice = new Device(nullptr, &group, wifiSerial);
+        auto *wifiDevice = new Device(nullptr, wifiSerial);
         group.appendDevice(wifiDevice);
         QSignalSpy removed(&group, &DeviceGroup::deviceRemovedFromGroup);
-        wifiDevice->disconnectWiFi();
+        wifiDevice->actions()->disconnectWiFi();
         QTRY_COMPARE_WITH_TIMEOUT(removed.count(), 1, 10000);
         QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->adb().listed(wifiSerial), 10000);
         QCOMPARE(group.deviceCount(), 1);
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(usbDevice->adbConnectionSerial()), 10000);
 
         // A phone that adb does not know cannot switch.
-        Device unknown(nullptr, &group, "127.0.0.1:1");
+        Device unknown(nullptr, "127.0.0.1:1");
         QSignalSpy failed(&unknown, &Device::deviceMessage);
-        unknown.setWiFiConnection();
+        unknown.actions()->setWiFiConnection();
         QTRY_COMPARE_WITH_TIMEOUT(failed.value(0), (QVariantList{"Failed to tcpip", "error", 3000}), 10000);
     }
     void recordingIsAPlayableFile_data()
@@ -580,7 +580,7 @@ private slots:
         QFile blocker(dir.filePath("not-a-folder"));
         QVERIFY(blocker.open(QIODevice::WriteOnly));
         blocker.close();
-        AppConfig::instance()->setVideoSavePath(blocker.fileName() + "/Videos");
+        Device::setRecordingFolder(blocker.fileName() + "/Videos");
         PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
         Device *device = startWithSound(group, phone, {"--audio", audio});
@@ -592,7 +592,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(device->controller(), 20000);
         device->startRecord();
         QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Failed", "error", 5000}), 10000);
-        AppConfig::instance()->setVideoSavePath(m_videos.path());
+        Device::setRecordingFolder(m_videos.path());
         QVERIFY(!device->videoRecorder()->isRecording());
         const int seen = frames->framesPublished();
         QTRY_VERIFY_WITH_TIMEOUT(frames->framesPublished() > seen + 3, 10000);

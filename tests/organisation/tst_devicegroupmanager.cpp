@@ -177,7 +177,7 @@ private slots:
 
         // A removed group's phones go with it; the group lives on for views that may still hold it.
         QPointer<DeviceGroup> guard(second);
-        second->appendDevice(new Device(nullptr, second, "S2"));
+        second->appendDevice(new Device(nullptr, "S2"));
         QPointer<Device> phone = second->devices().first();
         manager.removeDeviceGroup(second);
         QCOMPARE(second->deviceCount(), 0);

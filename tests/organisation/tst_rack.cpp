@@ -1,4 +1,6 @@
 #include "adbclient.h"
+#include "groupactions.h"
+#include "deviceactions.h"
 #include "adbjob.h"
 #include "adbpool.h"
 #include "adbworkpool.h"
@@ -41,7 +43,7 @@ private:
     static void fill(DeviceGroup &group, const QList<PhoneSimProcess *> &phones)
     {
         for (PhoneSimProcess *phone : phones)
-            group.appendDevice(new Device(nullptr, &group, phone->serial()));
+            group.appendDevice(new Device(nullptr, phone->serial()));
     }
 
     // adb processes started by this test that are still alive.
@@ -107,7 +109,7 @@ private slots:
 
     void cleanup()
     {
-        AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "8");
+        AdbWorkPool::instance()->setMaxRunning(8);
         AdbJob::setTimeouts(30000, 300000);
     }
 
@@ -116,7 +118,7 @@ private slots:
         const QByteArray apk = apkBytes(200000);
         DeviceGroup group;
         fill(group, m_good + QList<PhoneSimProcess *>{m_refusing});
-        GroupOperation *operation = group.installApk(writeFile("rack.apk", apk));
+        GroupOperation *operation = group.actions()->installApk(writeFile("rack.apk", apk));
         QCOMPARE(operation->rowCount(), 4);
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
 
@@ -148,7 +150,7 @@ private slots:
         QCOMPARE(m_refusing->journal("install").size(), 2);
 
         // "install" typed in the command dialog: adb streams the package, the verdict is the same.
-        operation = group.executeADBCommand("install -r " + writeFile("typed.apk", apk));
+        operation = group.actions()->executeADBCommand("install -r " + writeFile("typed.apk", apk));
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
         QCOMPARE(operation->summary(), QString("3 done, 1 failed"));
         QVERIFY2(operation->output(3).startsWith("Failure [INSTALL_FAILED_OLDER_SDK"), qPrintable(operation->output(3)));
@@ -157,7 +159,7 @@ private slots:
 
         // A package that cannot be pushed is never installed; the clean-up still runs.
         const int installs = m_good[0]->journal("install").size();
-        operation = group.installApk(m_files.filePath("never written.apk"));
+        operation = group.actions()->installApk(m_files.filePath("never written.apk"));
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 30000);
         QCOMPARE(operation->summary(), QString("4 failed"));
         QVERIFY2(operation->output(0).contains("No such file or directory"), qPrintable(operation->output(0)));
@@ -187,12 +189,12 @@ private slots:
         DeviceGroup group;
         fill(group, {phone});
 
-        GroupOperation *install = group.installApk(path);
+        GroupOperation *install = group.actions()->installApk(path);
         QTRY_VERIFY_WITH_TIMEOUT(!install->running(), 30000);
         QCOMPARE(install->state(0), GroupOperation::Done);
         QCOMPARE(phone->journal("install").last()["sha256"].toString(), TestFiles::sha256(apk));
 
-        GroupOperation *upload = group.uploadFile(path);
+        GroupOperation *upload = group.actions()->uploadFile(path);
         QTRY_VERIFY_WITH_TIMEOUT(!upload->running(), 30000);
         QCOMPARE(upload->state(0), GroupOperation::Done);
         const QJsonObject push = phone->journal("push").last();
@@ -214,7 +216,7 @@ private slots:
         AdbJob::setTimeouts(30000, 1000);
         DeviceGroup alone;
         fill(alone, {m_slow});
-        GroupOperation *operation = alone.uploadFile(path);
+        GroupOperation *operation = alone.actions()->uploadFile(path);
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
         QCOMPARE(operation->summary(), QString("1 timed out"));
         QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
@@ -222,14 +224,14 @@ private slots:
 
         // One adb process at a time, as the user can set it: the second phone waits its turn.
         QCOMPARE(AdbWorkPool::instance()->maxRunning(), 8);
-        AppConfig::instance()->setAppSetting(AdbWorkPool::settingKey, "1");
+        AdbWorkPool::instance()->setMaxRunning(1);
         DeviceGroup group;
         fill(group, {m_slow, m_good[1]});
-        operation = group.uploadFile(path);
+        operation = group.actions()->uploadFile(path);
         QTRY_COMPARE_WITH_TIMEOUT(operation->state(0), GroupOperation::Running, 10000);
         QCOMPARE(operation->state(1), GroupOperation::Queued);
         // Another action waits for this one instead of leaving it running out of reach.
-        QCOMPARE(group.executeADBCommand("shell true"), operation);
+        QCOMPARE(group.actions()->executeADBCommand("shell true"), operation);
         QVERIFY(operation->notice().contains("is still running"));
         QElapsedTimer clock;
         clock.start();
@@ -255,7 +257,7 @@ private slots:
         QSignalSpy messages(device, &Device::deviceMessage);
         const qsizetype shells = m_slow->journal("shell").size();
         // Half a minute at the phone's 64 KiB a second; the session ends a moment into it.
-        device->installAPK(writeFile("slow.apk", apkBytes(2 * 1024 * 1024)));
+        device->actions()->installAPK(writeFile("slow.apk", apkBytes(2 * 1024 * 1024)));
         QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->runningCount(), 1, 5000);
         device->stopScrcpySession();
         QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"APK installation failed: Cancelled", "error", 100000}), 5000);
@@ -276,14 +278,14 @@ private slots:
         // A bare shell gets no input and ends; blank lines are skipped; a failed line stops nothing.
         DeviceGroup group;
         fill(group, {m_good[0], m_good[1]});
-        GroupOperation *operation = group.executeADBCommand("shell\n\n  shell nosuch  \nshell echo next");
+        GroupOperation *operation = group.actions()->executeADBCommand("shell\n\n  shell nosuch  \nshell echo next");
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
         QCOMPARE(operation->summary(), QString("2 failed"));
         const QString each = QString(32, '-') + "\n\n/system/bin/sh: nosuch: inaccessible or not found\nnext\n[failed]\n\n\n";
         QCOMPARE(operation->report(), "Device 1:\n" + each + "Device 2:\n" + each);
 
         // A phone's own answer ends its row, whenever it comes; other news of the phone does not.
-        operation = group.runAutojs(writeFile("hello.js", "toast('hello');"));
+        operation = group.actions()->runAutojs(writeFile("hello.js", "toast('hello');"));
         emit group.devices().at(0)->deviceMessage("Back online, starting again", "info", 2000);
         emit group.devices().at(1)->deviceMessage("Screenshot Saved", "success", 2000);
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 15000);
@@ -292,7 +294,7 @@ private slots:
             QTRY_VERIFY_WITH_TIMEOUT(!m_good[row]->journal("autojs").isEmpty(), 5000);
         }
         // Unmirrored phones have no picture to save and say so at once (tst_devicesession saves one).
-        operation = group.screenshotAllDevices();
+        operation = group.actions()->screenshotAllDevices();
         QVERIFY(!operation->running());
         QCOMPARE(operation->summary(), QString("2 failed"));
         QCOMPARE(operation->output(1), QString("Not Connected"));
@@ -301,7 +303,7 @@ private slots:
     void logcatStreamsUntilCancelled()
     {
         // The phone's own command dialog: one row, run through the same table.
-        Device device(nullptr, nullptr, m_good[2]->serial());
+        Device device(nullptr, m_good[2]->serial());
         GroupOperation operation;
         // Silence for a third of a second would end it; the lines keep it going far longer.
         AdbJob::setTimeouts(300, 300000);

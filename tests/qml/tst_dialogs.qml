@@ -18,7 +18,7 @@ KorvelTestCase {
     Component { id: commandComponent; ADBCommandDialog { deviceGroup: testGroup } }
     Component { id: infoComponent; DeviceInfoDialog { device: testDevice } }
     Component { id: renameComponent; DeviceRenameDialog { device: testDevice } }
-    Component { id: operationComponent; GroupOperationDialog { operation: testGroup.executeADBCommand("shell true") } }
+    Component { id: operationComponent; GroupOperationDialog { operation: testGroup.actions.executeADBCommand("shell true") } }
 
     function test_dialogsOpen_data() {
         return [

@@ -1,4 +1,5 @@
 #include "appstartup.h"
+#include "groupactions.h"
 #include "commonphrasemanager.h"
 #include "controldescription.h"
 #include "device.h"
@@ -372,7 +373,7 @@ private slots:
         dialog("renameDialog")->setProperty("device", QVariant::fromValue(device));
         dialog("deviceInfoDialog")->setProperty("device", QVariant::fromValue(device));
         // With live rows.
-        GroupOperation *screenshots = group()->screenshotAllDevices();
+        GroupOperation *screenshots = group()->actions()->screenshotAllDevices();
         dialog("groupOperationDialog")->setProperty("operation", QVariant::fromValue(screenshots));
         for (const char *name : {"groupManagerDialog", "adbRestartDialog", "aboutDialog", "appSettingsDialog", "scanDialog",
                                  "commonPhrasesDialog", "keyMappingDialog", "groupOperationDialog", "groupAdbCommandDialog",

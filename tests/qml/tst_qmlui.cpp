@@ -19,7 +19,7 @@ public:
         m_replies.clear();
         QList<Device *> devices;
         for (int i = 0; i < phones; ++i)
-            devices << new Device(this, nullptr, QString("127.0.0.1:%1").arg(5555 + i));
+            devices << new Device(this, QString("127.0.0.1:%1").arg(5555 + i));
         m_operation->startDeviceCalls("Rig", devices, {[this, devices](Device *device, QObject *, const GroupOperation::Reply &reply) {
             m_replies.insert(int(devices.indexOf(device)), reply);
         }, nullptr});

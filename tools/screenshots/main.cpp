@@ -1,6 +1,7 @@
 // Takes the pictures of docs/screenshots: the main window with the phones that adb lists, live,
 // and every dialog. Run by scripts/screenshots with a private home folder and simulated phones.
 #include "adbclient.h"
+#include "groupactions.h"
 #include "appstartup.h"
 #include "commonphrasemanager.h"
 #include "device.h"
@@ -282,7 +283,7 @@ int main(int argc, char *argv[])
     });
     QObject *operationDialog = namedObject(window, "groupOperationDialog");
     if (operationDialog)
-        operationDialog->setProperty("operation", QVariant::fromValue(group->screenshotAllDevices()));
+        operationDialog->setProperty("operation", QVariant::fromValue(group->actions()->screenshotAllDevices()));
     shootDialog(window, operationDialog, "group-operation", [](QObject *dialog) { operationDone(dialog); });
     if (first) {
         QObject *rename = ofType(window, "DeviceRenameDialog");

@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 
 class Device;
 class QTcpSocket;
@@ -17,8 +16,6 @@ class QTimer;
 class Autojs : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("Each Device owns its Autojs bridge")
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY runningStatusChanged)
 
 public:

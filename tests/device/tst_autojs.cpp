@@ -1,6 +1,7 @@
 // The AutoJS bridge against a stand-in adb and AutoJS server. A simulated phone runs and stops scripts
 // in tst_devicecontrol; replies are only framed (nothing acts on them): replyFraming and the fuzzer.
 #include "adbclient.h"
+#include "deviceactions.h"
 #include "adbworkpool.h"
 #include "autojs.h"
 #include "autojsprotocol.h"
@@ -50,7 +51,7 @@ private:
     void serve(Device &device)
     {
         m_server = std::make_unique<QTcpServer>();
-        QVERIFY(m_server->listen(QHostAddress::LocalHost, device.autojs()->localPort()));
+        QVERIFY(m_server->listen(QHostAddress::LocalHost, device.actions()->autojs()->localPort()));
     }
 
     QTcpSocket *waitForPeer()
@@ -118,21 +119,21 @@ private slots:
 
     void runConnectsInTheBackgroundAndCommandsCarryThePort()
     {
-        Device device(nullptr, nullptr, "S1");
+        Device device(nullptr, "S1");
         serve(device);
         QSignalSpy messages(&device, &Device::deviceMessage);
-        device.runAutojs(script("farm.task.js"));
+        device.actions()->runAutojs(script("farm.task.js"));
         // run() returns before the forward and the connection: the outcome follows from the event loop.
         QCOMPARE(messages.count(), 0);
-        QVERIFY(!device.autojs()->isRunning());
+        QVERIFY(!device.actions()->autojs()->isRunning());
         QTcpSocket *peer = waitForPeer();
         QVERIFY(peer);
-        QTRY_VERIFY(device.autojs()->isRunning());
-        device.stopAutojs();
+        QTRY_VERIFY(device.actions()->autojs()->isRunning());
+        device.actions()->stopAutojs();
         QByteArray bytes;
         QVERIFY(QTest::qWaitFor([&] { return readCommands(bytes += peer->readAll()).size() == 2; }, 5000));
 
-        const int port = device.autojs()->localPort();
+        const int port = device.actions()->autojs()->localPort();
         QCOMPARE(m_adb.calls().value(0), (QStringList{"-s", "S1", "forward", QString("tcp:%1").arg(port), "tcp:7347"}));
         const QList<QJsonObject> commands = readCommands(bytes);
         QCOMPARE(commands[0].value("id").toInt(), port);
@@ -141,7 +142,7 @@ private slots:
         QCOMPARE(commands[1].value("data").toObject(), (QJsonObject{{"command", "stopAll"}}));
 
         // A second run forwards and connects again.
-        device.runAutojs(script("farm.task.js"));
+        device.actions()->runAutojs(script("farm.task.js"));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 5000);
         QCOMPARE(m_adb.calls().size(), 2);
     }
@@ -165,23 +166,23 @@ private slots:
         QFETCH(QString, message);
         if (forwardFails)
             m_adb.addRule("-s S1 forward *", 1, {}, "error: device offline\\n");
-        Device device(nullptr, nullptr, "S1");
+        Device device(nullptr, "S1");
         if (listening)
             serve(device);
         QSignalSpy messages(&device, &Device::deviceMessage);
-        QSignalSpy running(&device, &Device::isRunningAutojsChanged);
-        device.runAutojs(scriptExists ? script("a.js") : m_dir.filePath("missing.js"));
+        QSignalSpy running(device.actions()->autojs(), &Autojs::runningStatusChanged);
+        device.actions()->runAutojs(scriptExists ? script("a.js") : m_dir.filePath("missing.js"));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 5000);
         QCOMPARE(messages[0], (QVariantList{message, "error", 5000}));
         QCOMPARE(running.count(), 0);
-        QVERIFY(!device.autojs()->isRunning());
+        QVERIFY(!device.actions()->autojs()->isRunning());
         // Nothing is left that could report again: no connect time-out is pending.
-        QVERIFY(!device.autojs()->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly)->isActive());
+        QVERIFY(!device.actions()->autojs()->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly)->isActive());
         if (forwardFails)
             QVERIFY(!m_server->hasPendingConnections());
         // Stop still clears the flag, and asks nothing of adb.
         const int calls = m_adb.calls().size();
-        device.stopAutojs();
+        device.actions()->stopAutojs();
         QCOMPARE(running.count(), 1);
         QCOMPARE(m_adb.calls().size(), calls);
     }
@@ -190,12 +191,12 @@ private slots:
     {
         // A forward that would take ten seconds: the cancel kills it, and no answer or connection follows.
         m_adb.addRule("-s S1 forward *", 0, {}, {}, 10);
-        Device device(nullptr, nullptr, "S1");
+        Device device(nullptr, "S1");
         serve(device);
-        QSignalSpy finished(device.autojs(), &Autojs::runFinished);
-        device.runAutojs(script("a.js"));
+        QSignalSpy finished(device.actions()->autojs(), &Autojs::runFinished);
+        device.actions()->runAutojs(script("a.js"));
         QTRY_COMPARE(AdbWorkPool::instance()->runningCount(), 1);
-        device.autojs()->cancelRun();
+        device.actions()->autojs()->cancelRun();
         QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 3000);
         QCOMPARE(finished.count(), 0);
         QVERIFY(!m_server->hasPendingConnections());
@@ -203,13 +204,13 @@ private slots:
 
     void repliesAreReassembledAndTheBridgeOutlivesThePhone()
     {
-        Device device(nullptr, nullptr, "S1");
+        Device device(nullptr, "S1");
         serve(device);
-        device.runAutojs(script("c.js"));
+        device.actions()->runAutojs(script("c.js"));
         QTcpSocket *peer = waitForPeer();
         QVERIFY(peer);
-        QTRY_VERIFY(device.autojs()->isRunning());
-        QSignalSpy received(device.autojs(), &Autojs::messageReceived);
+        QTRY_VERIFY(device.actions()->autojs()->isRunning());
+        QSignalSpy received(device.actions()->autojs(), &Autojs::messageReceived);
         const auto send = [peer](const QByteArray &bytes) {
             peer->write(bytes);
             QVERIFY(peer->waitForBytesWritten(5000));
@@ -226,10 +227,10 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(received.count(), 2, 5000);
         QCOMPARE(received[1][0].toJsonObject().value("type").toString(), QString("log"));
         // The phone hanging up leaves the bridge running.
-        auto *socket = device.autojs()->findChild<QTcpSocket *>();
+        auto *socket = device.actions()->autojs()->findChild<QTcpSocket *>();
         peer->close();
         QTRY_COMPARE_WITH_TIMEOUT(socket->state(), QAbstractSocket::UnconnectedState, 5000);
-        QVERIFY(device.autojs()->isRunning());
+        QVERIFY(device.actions()->autojs()->isRunning());
     }
 };
 

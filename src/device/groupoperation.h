@@ -9,7 +9,6 @@
 #include <QPointer>
 #include <QTimer>
 #include <QVariantList>
-#include <QtQml/qqmlregistration.h>
 
 #include <array>
 #include <functional>
@@ -23,7 +22,6 @@ class Device;
 class GroupOperation : public QAbstractListModel
 {
     Q_OBJECT
-    QML_ELEMENT
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
     Q_PROPERTY(QString summary READ summary NOTIFY progressChanged)
     Q_PROPERTY(bool running READ running NOTIFY progressChanged)
