@@ -1,8 +1,5 @@
 #include "devicesettings.h"
 
-#include "appconfig.h"
-#include "jsonfile.h"
-
 #include <QCoreApplication>
 #include <QJSEngine>
 #include <QJsonObject>
@@ -10,8 +7,8 @@
 #include <algorithm>
 
 DeviceSettings::DeviceSettings()
+    : JsonStore("device_nicknames.json", "device_nicknames", QJsonValue::Object)
 {
-    reload();
 }
 
 DeviceSettings *DeviceSettings::instance()
@@ -34,25 +31,13 @@ DeviceSettings *DeviceSettings::create(QQmlEngine *, QJSEngine *)
     return settings;
 }
 
-QString DeviceSettings::filePath() const
-{
-    return AppConfig::instance()->getDeviceNicknameSavePath() + "/device_nicknames.json";
-}
-
 void DeviceSettings::reload()
 {
-    m_nicknames.clear();
-    const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_nicknames", QJsonValue::Object);
-    m_saveBlocked = loaded.blocked;
-    setFileMessage(loaded.message);
     bool leftOut = false;
-    m_nicknames = nicknamesFrom(loaded.object, &leftOut);
-    if (leftOut) {
-        // The next save cannot write back what was left out; the file as it was stays beside it.
-        const JsonFile::Loaded kept = JsonFile::keepCopyAside(filePath());
-        m_saveBlocked = kept.blocked;
-        setFileMessage(kept.message);
-    }
+    m_nicknames = nicknamesFrom(readFile(), &leftOut);
+    // The next save cannot write back what was left out; the file as it was stays beside it.
+    if (leftOut)
+        keepCopyAside();
 }
 
 QMap<QString, QString> DeviceSettings::nicknamesFrom(const QJsonObject &file, bool *leftOut)
@@ -74,22 +59,7 @@ void DeviceSettings::save()
     QJsonObject members;
     for (auto it = m_nicknames.cbegin(); it != m_nicknames.cend(); ++it)
         members.insert(it.key(), it.value());
-    if (m_saveBlocked)
-        return;
-    // A failed write leaves the previous file in place and the nicknames in memory.
-    const QString notSaved = JsonFile::notSavedMessage(filePath());
-    if (!JsonFile::write(filePath(), QJsonObject{{"device_nicknames", members}}))
-        setFileMessage(notSaved);
-    else if (m_fileMessage == notSaved)
-        setFileMessage({});
-}
-
-void DeviceSettings::setFileMessage(const QString &message)
-{
-    if (message == m_fileMessage)
-        return;
-    m_fileMessage = message;
-    emit fileMessageChanged();
+    writeFile(QJsonObject{{"device_nicknames", members}});
 }
 
 void DeviceSettings::sync()

@@ -1,5 +1,6 @@
 list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/jsonfile.h ${CMAKE_CURRENT_LIST_DIR}/jsonfile.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/jsonstore.h ${CMAKE_CURRENT_LIST_DIR}/jsonstore.cpp
     ${CMAKE_CURRENT_LIST_DIR}/keymapping.h ${CMAKE_CURRENT_LIST_DIR}/keymapping.cpp
     ${CMAKE_CURRENT_LIST_DIR}/devicesettings.h ${CMAKE_CURRENT_LIST_DIR}/devicesettings.cpp
     ${CMAKE_CURRENT_LIST_DIR}/colormanager.h ${CMAKE_CURRENT_LIST_DIR}/colormanager.cpp

@@ -40,7 +40,12 @@ class TestKeyMapping : public QObject
 {
     Q_OBJECT
 
+private:
+    QTemporaryDir m_folder;
+
 private slots:
+    void initTestCase() { KeyMapping::instance()->setFolder(m_folder.path()); }
+
     void fileContents_data()
     {
         QTest::addColumn<QByteArray>("file");
