@@ -9,6 +9,7 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/commonphrasemanager.h ${CMAKE_CURRENT_LIST_DIR}/commonphrasemanager.cpp
 )
 list(APPEND KORVEL_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/groupsettings.h ${CMAKE_CURRENT_LIST_DIR}/groupsettings.cpp
     ${CMAKE_CURRENT_LIST_DIR}/devicegroup.h ${CMAKE_CURRENT_LIST_DIR}/devicegroup.cpp
 )
 list(APPEND KORVEL_SOURCES
