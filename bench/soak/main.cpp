@@ -2,14 +2,14 @@
 // gesture every second, a screenshot of the group every minute and one phone vanishing and coming
 // back every five minutes. Prints a line a minute and writes bench/results/soak.md.
 #include "adbclient.h"
-#include "groupactions.h"
-#include "appconfig.h"
 #include "controller.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "framehandoff.h"
+#include "groupactions.h"
 #include "phonefixture.h"
 #include "processstats.h"
+#include "screenshotwriter.h"
 
 #include <QCommandLineParser>
 #include <QDateTime>
@@ -55,7 +55,7 @@ int main(int argc, char *argv[])
     QTextStream out(stdout);
 
     QTemporaryDir shots;
-    AppConfig::instance()->setScreenshotSavePath(shots.path());
+    ScreenshotWriter::setFolder(shots.path());
     PhoneFixture fixture(quint16(parser.value("port").toInt()));
     const QList<QSize> sizes{{1080, 2400}, {720, 1600}, {1080, 2340}, {1440, 3200}};
     for (int i = 0; i < phones; ++i) {
@@ -95,7 +95,7 @@ int main(int argc, char *argv[])
     });
     gesture.start(1000);
     QTimer screenshots;
-    QObject::connect(&screenshots, &QTimer::timeout, &group, [&] { group.actions()->actions()->screenshotAllDevices(); });
+    QObject::connect(&screenshots, &QTimer::timeout, &group, [&] { group.actions()->screenshotAllDevices(); });
     screenshots.start(60000);
     int vanishing = 1;
     QTimer vanish;
@@ -156,7 +156,7 @@ int main(int argc, char *argv[])
     sample();
 
     const Sample &atFive = samples.at(std::min<size_t>(5, samples.size() - 1));
-    const double growth = atFive.rssMb > 0 ? (samples.actions()->back().rssMb - atFive.rssMb) / atFive.rssMb * 100 : 0;
+    const double growth = atFive.rssMb > 0 ? (samples.back().rssMb - atFive.rssMb) / atFive.rssMb * 100 : 0;
     const QString output = parser.isSet("output") ? parser.value("output") : QString();
     QString report;
     QTextStream md(&report);

@@ -5,8 +5,12 @@
 #include "appconfig.h"
 #include "device.h"
 #include "screenshotwriter.h"
-#include "devicetracker.h"
 #include "commonphrase.h"
+#include "commonphrasemanager.h"
+#include "devicegroupmanager.h"
+#include "devicesettings.h"
+#include "devicetracker.h"
+#include "keymapping.h"
 #include "phrasecategory.h"
 
 #include <QGuiApplication>
@@ -53,6 +57,25 @@ bool AppStartup::installTranslation(const QString &locale)
     return true;
 }
 
+namespace {
+
+// Each store's folder as the settings name it; the stores' files are not read here.
+void giveStoresTheirFolders(QQmlApplicationEngine &engine)
+{
+    AppConfig *config = AppConfig::instance();
+    DeviceSettings::instance()->setFolder(config->getDeviceNicknameSavePath());
+    CommonPhraseManager::instance()->setFolder(config->getCommonPhraseSavePath());
+    KeyMapping::instance()->setFolder(config->getKeyMappingSavePath());
+    DeviceGroupManager::setDefaultFolder(config->getDeviceGroupSavePath());
+    // The group manager is made by Main.qml, and Main.qml may not have been loaded yet.
+    for (QObject *root : engine.rootObjects()) {
+        for (DeviceGroupManager *manager : root->findChildren<DeviceGroupManager *>())
+            manager->setFolder(config->getDeviceGroupSavePath());
+    }
+}
+
+} // namespace
+
 void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
 {
     // Before anything of Korvel's can start an adb server.
@@ -83,6 +106,15 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     QObject::connect(
         &engine, &QQmlApplicationEngine::objectCreationFailed, qApp,
         [] { QCoreApplication::exit(-1); }, Qt::QueuedConnection);
+    // Before the adb listing can ask for a nickname, and before any view shows a store.
+    giveStoresTheirFolders(engine);
+    DeviceSettings::instance()->reload();
+    CommonPhraseManager::instance()->loadData();
+    KeyMapping::instance()->loadFromFile();
+    // A folder chosen later takes the next save; nothing is read again, as the stores hold what
+    // the user is working on.
+    QObject::connect(AppConfig::instance(), &AppConfig::appSettingChanged, &engine,
+                     [&engine] { giveStoresTheirFolders(engine); });
     // One long-lived listing of attached phones serves every group and session.
     DeviceTracker::instance()->ensureStarted();
     engine.load(QUrl("qrc:/Korvel/src/qml/Main.qml"));

@@ -1,6 +1,5 @@
 #include "colormanager.h"
 
-
 ColorManager *ColorManager::instance()
 {
     static ColorManager *manager = new ColorManager;

@@ -1,9 +1,5 @@
 #include "commonphrasemanager.h"
 
-#include "appconfig.h"
-#include "jsonfile.h"
-
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -23,8 +19,8 @@ bool isStringOrAbsent(const QJsonObject &object, std::initializer_list<const cha
 } // namespace
 
 CommonPhraseManager::CommonPhraseManager()
+    : JsonStore("common_phrases.json", "phrases", QJsonValue::Array)
 {
-    loadData();
 }
 
 CommonPhraseManager *CommonPhraseManager::instance()
@@ -33,11 +29,6 @@ CommonPhraseManager *CommonPhraseManager::instance()
     return manager;
 }
 
-
-QString CommonPhraseManager::filePath() const
-{
-    return AppConfig::instance()->getCommonPhraseSavePath() + "/common_phrases.json";
-}
 
 QQmlListProperty<CommonPhrase> CommonPhraseManager::phrases()
 {
@@ -158,22 +149,13 @@ QList<CommonPhrase *> CommonPhraseManager::getPhrasesByCategory(const QString &c
 
 void CommonPhraseManager::saveData()
 {
-    if (m_saveBlocked)
-        return;
     QJsonArray categories;
     for (const PhraseCategory *category : m_categories)
         categories.append(category->toJson());
     QJsonArray phrases;
     for (const CommonPhrase *phrase : m_phrases)
         phrases.append(phrase->toJson());
-    // A failed write leaves the previous file in place and the phrases in memory.
-    const QString notSaved = JsonFile::notSavedMessage(filePath());
-    if (!JsonFile::write(filePath(), QJsonObject{{"categories", categories},
-                                                 {"phrases", phrases},
-                                                 {"currentCategoryId", m_currentCategoryId}}))
-        setFileMessage(notSaved);
-    else if (m_fileMessage == notSaved)
-        setFileMessage({});
+    writeFile(QJsonObject{{"categories", categories}, {"phrases", phrases}, {"currentCategoryId", m_currentCategoryId}});
 }
 
 void CommonPhraseManager::clear()
@@ -184,27 +166,13 @@ void CommonPhraseManager::clear()
     m_categories.clear();
 }
 
-void CommonPhraseManager::setFileMessage(const QString &problem)
-{
-    if (problem == m_fileMessage)
-        return;
-    m_fileMessage = problem;
-    emit fileMessageChanged();
-}
-
 void CommonPhraseManager::loadData()
 {
-    const QString path = filePath();
-    if (!QFile::exists(path))
+    // A missing file changes nothing: what is in memory stays, to be saved there.
+    if (!QFile::exists(filePath()))
         return;
-    m_saveBlocked = false;
-    setFileMessage(QString());
-
     clear();
-    const JsonFile::Loaded loaded = JsonFile::load(path, "phrases", QJsonValue::Array);
-    m_saveBlocked = loaded.blocked;
-    setFileMessage(loaded.message);
-    const QJsonObject root = loaded.object;
+    const QJsonObject root = readFile();
     // What is not of the form a save writes back (a number for a name, a list that is no list) is left out.
     bool leftOut = !isStringOrAbsent(root, {"currentCategoryId"})
                    || !(root.value("categories").isArray() || root.value("categories").isUndefined());
@@ -222,10 +190,7 @@ void CommonPhraseManager::loadData()
     emit categoriesChanged();
     emit phrasesChanged();
     emit currentCategoryIdChanged();
-    if (leftOut) {
-        // The next save cannot write back what was left out; the file as it was stays beside it.
-        const JsonFile::Loaded kept = JsonFile::keepCopyAside(path);
-        m_saveBlocked = kept.blocked;
-        setFileMessage(kept.message);
-    }
+    // The next save cannot write back what was left out; the file as it was stays beside it.
+    if (leftOut)
+        keepCopyAside();
 }

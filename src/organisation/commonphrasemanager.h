@@ -1,24 +1,22 @@
 #pragma once
 
 #include "commonphrase.h"
+#include "jsonstore.h"
 #include "phrasecategory.h"
 
 #include <QList>
-#include <QObject>
 #include <QQmlListProperty>
 #include <QString>
 
 
 // The user's library of phrases in categories, kept in common_phrases.json.
-class CommonPhraseManager : public QObject
+class CommonPhraseManager : public JsonStore
 {
     Q_OBJECT
     Q_PROPERTY(QQmlListProperty<CommonPhrase> phrases READ phrases NOTIFY phrasesChanged)
     Q_PROPERTY(QQmlListProperty<PhraseCategory> categories READ categories NOTIFY categoriesChanged)
     Q_PROPERTY(QString currentCategoryId READ currentCategoryId WRITE setCurrentCategoryId
                    NOTIFY currentCategoryIdChanged)
-    // What went wrong reading the file, for the user; empty when it was read or absent.
-    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     static CommonPhraseManager *instance();
@@ -27,8 +25,6 @@ public:
     QQmlListProperty<PhraseCategory> categories();
     QString currentCategoryId() const { return m_currentCategoryId; }
     void setCurrentCategoryId(const QString &id);
-    QString fileMessage() const { return m_fileMessage; }
-    QString filePath() const;
 
     Q_INVOKABLE void addCategory(const QString &name, const QString &description = QString());
     Q_INVOKABLE void removeCategory(const QString &categoryId);
@@ -53,17 +49,12 @@ signals:
     void phrasesChanged();
     void categoriesChanged();
     void currentCategoryIdChanged();
-    void fileMessageChanged();
 
 private:
     CommonPhraseManager();
     void clear();
-    void setFileMessage(const QString &problem);
 
     QList<PhraseCategory *> m_categories;
     QList<CommonPhrase *> m_phrases;
     QString m_currentCategoryId;
-    QString m_fileMessage;
-    // Set when a damaged file could not be moved aside: it is never written over.
-    bool m_saveBlocked = false;
 };

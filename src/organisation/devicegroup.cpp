@@ -8,6 +8,7 @@
 #include "serverparams.h"
 
 #include <QFutureWatcher>
+#include <QMetaProperty>
 #include <QPointer>
 #include <QRandomGenerator>
 #include <QTimer>
@@ -309,20 +310,20 @@ void DeviceGroup::stopAllDevices()
 void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const
 {
     ServerParams *small = device->serverParamsSmallView();
-    small->setMaxSize(m_maxSize);
-    small->setMaxFps(m_maxFPS);
-    small->setBitRate(m_bitRate);
-    small->setAudio(m_enableAudio);
+    small->setMaxSize(maxSize());
+    small->setMaxFps(maxFPS());
+    small->setBitRate(bitRate());
+    small->setAudio(enableAudio());
     ServerParams *big = device->serverParamsBigView();
-    big->setMaxSize(m_maxSizeBigView);
-    big->setMaxFps(m_maxFPSBigView);
-    big->setBitRate(m_bitRateBigView);
-    big->setAudio(m_enableAudio);
+    big->setMaxSize(maxSizeBigView());
+    big->setMaxFps(maxFPSBigView());
+    big->setBitRate(bitRateBigView());
+    big->setAudio(enableAudio());
 
     // Below one second the controller keeps the delay it already had, on purpose.
-    if (device == hostDevice() || !device->controller() || m_clickDelaySeconds < 1)
+    if (device == hostDevice() || !device->controller() || clickDelaySeconds() < 1)
         return;
-    const quint64 bound = quint64(m_clickDelaySeconds) * 1000u;
+    const quint64 bound = quint64(clickDelaySeconds()) * 1000u;
     const quint64 delay = random % bound;
     device->controller()->setClickDelayMilliSeconds(int(qMin<quint64>(delay, std::numeric_limits<int>::max())));
 }
@@ -352,12 +353,10 @@ void DeviceGroup::applySettingsToAllDevices()
     }));
 }
 
-template<typename T>
-void DeviceGroup::changeSetting(T &field, T value, void (DeviceGroup::*changed)())
+void DeviceGroup::changeSetting(GroupSettings::Key key, int value, void (DeviceGroup::*changed)())
 {
-    if (field == value)
+    if (!m_settings.set(key, value))
         return;
-    field = value;
     if (!m_name.isEmpty()) {
         applySettingsToAllDevices();
         emit settingsChanged();
@@ -367,47 +366,47 @@ void DeviceGroup::changeSetting(T &field, T value, void (DeviceGroup::*changed)(
 
 void DeviceGroup::setShowControlButtons(bool value)
 {
-    changeSetting(m_showControlButtons, value, &DeviceGroup::showControlButtonsChanged);
+    changeSetting(GroupSettings::ShowControlButtons, value, &DeviceGroup::showControlButtonsChanged);
 }
 
 void DeviceGroup::setMaxSize(int value)
 {
-    changeSetting(m_maxSize, value, &DeviceGroup::maxSizeChanged);
+    changeSetting(GroupSettings::MaxSize, value, &DeviceGroup::maxSizeChanged);
 }
 
 void DeviceGroup::setMaxFPS(int value)
 {
-    changeSetting(m_maxFPS, value, &DeviceGroup::maxFPSChanged);
+    changeSetting(GroupSettings::MaxFPS, value, &DeviceGroup::maxFPSChanged);
 }
 
 void DeviceGroup::setBitRate(int value)
 {
-    changeSetting(m_bitRate, value, &DeviceGroup::bitRateChanged);
+    changeSetting(GroupSettings::BitRate, value, &DeviceGroup::bitRateChanged);
 }
 
 void DeviceGroup::setMaxSizeBigView(int value)
 {
-    changeSetting(m_maxSizeBigView, value, &DeviceGroup::maxSizeBigViewChanged);
+    changeSetting(GroupSettings::MaxSizeBigView, value, &DeviceGroup::maxSizeBigViewChanged);
 }
 
 void DeviceGroup::setMaxFPSBigView(int value)
 {
-    changeSetting(m_maxFPSBigView, value, &DeviceGroup::maxFPSBigViewChanged);
+    changeSetting(GroupSettings::MaxFPSBigView, value, &DeviceGroup::maxFPSBigViewChanged);
 }
 
 void DeviceGroup::setBitRateBigView(int value)
 {
-    changeSetting(m_bitRateBigView, value, &DeviceGroup::bitRateBigViewChanged);
+    changeSetting(GroupSettings::BitRateBigView, value, &DeviceGroup::bitRateBigViewChanged);
 }
 
 void DeviceGroup::setClickDelaySeconds(int value)
 {
-    changeSetting(m_clickDelaySeconds, value, &DeviceGroup::clickDelaySecondsChanged);
+    changeSetting(GroupSettings::ClickDelaySeconds, value, &DeviceGroup::clickDelaySecondsChanged);
 }
 
 void DeviceGroup::setCellWidth(int value)
 {
-    changeSetting(m_cellWidth, value, &DeviceGroup::cellWidthChanged);
+    changeSetting(GroupSettings::CellWidth, value, &DeviceGroup::cellWidthChanged);
 }
 
 void DeviceGroup::setEnableAudio(bool value)
@@ -415,76 +414,39 @@ void DeviceGroup::setEnableAudio(bool value)
     // Every phone hears about it, even when the group's value stays the same.
     for (Device *device : std::as_const(m_devices))
         device->setEnableAudio(value);
-    changeSetting(m_enableAudio, value, &DeviceGroup::enableAudioChanged);
+    changeSetting(GroupSettings::EnableAudio, value, &DeviceGroup::enableAudioChanged);
 }
 
 void DeviceGroup::setOrientation(Orientation value)
 {
-    changeSetting(m_orientation, value, &DeviceGroup::orientationChanged);
+    changeSetting(GroupSettings::Orientation, value, &DeviceGroup::orientationChanged);
 }
 
 void DeviceGroup::setBigViewWidth(int value)
 {
-    changeSetting(m_bigViewWidth, value, &DeviceGroup::bigViewWidthChanged);
-}
-
-namespace {
-int intSetting(const QJsonObject &settings, const char *key, int fallback)
-{
-    const QJsonValue value = settings.value(QLatin1String(key));
-    return value.isDouble() ? value.toInt(fallback) : fallback;
-}
-
-bool boolSetting(const QJsonObject &settings, const char *key, bool fallback)
-{
-    const QJsonValue value = settings.value(QLatin1String(key));
-    return value.isBool() ? value.toBool() : fallback;
-}
+    changeSetting(GroupSettings::BigViewWidth, value, &DeviceGroup::bigViewWidthChanged);
 }
 
 void DeviceGroup::loadSettings(const QJsonObject &settings)
 {
-    m_maxSize = intSetting(settings, "maxSize", 720);
-    m_maxFPS = intSetting(settings, "maxFPS", 30);
-    m_bitRate = intSetting(settings, "bitRate", 4000000);
-    m_maxSizeBigView = intSetting(settings, "maxSizeBigView", 720);
-    m_maxFPSBigView = intSetting(settings, "maxFPSBigView", 30);
-    m_bitRateBigView = intSetting(settings, "bitRateBigView", 4000000);
-    m_clickDelaySeconds = intSetting(settings, "clickDelaySeconds", 0);
-    m_cellWidth = intSetting(settings, "cellWidth", 220);
-    m_showControlButtons = boolSetting(settings, "showControlButtons", true);
-    m_enableAudio = boolSetting(settings, "enableAudio", false);
-    m_orientation = intSetting(settings, "orientation", Portrait) == Landscape ? Landscape : Portrait;
-    // A file written before the big view had its own width gets the wide panel.
-    m_bigViewWidth = intSetting(settings, "bigViewWidth", 960);
-    emit maxSizeChanged();
-    emit maxFPSChanged();
-    emit bitRateChanged();
-    emit maxSizeBigViewChanged();
-    emit maxFPSBigViewChanged();
-    emit bitRateBigViewChanged();
-    emit clickDelaySecondsChanged();
-    emit cellWidthChanged();
-    emit showControlButtonsChanged();
-    emit enableAudioChanged();
-    emit orientationChanged();
-    emit bigViewWidthChanged();
+    m_settings.load(settings);
+    // Each setting is announced through its property, which bears the setting's key.
+    for (const GroupSettings::Field &field : GroupSettings::fields()) {
+        const QMetaProperty property = metaObject()->property(metaObject()->indexOfProperty(field.key));
+        property.notifySignal().invoke(this);
+    }
 }
 
 QJsonObject DeviceGroup::settingsToJson() const
 {
-    return {
-        {"maxSize", m_maxSize},
-        {"maxFPS", m_maxFPS},
-        {"bitRate", m_bitRate},
-        {"maxSizeBigView", m_maxSizeBigView},
-        {"maxFPSBigView", m_maxFPSBigView},
-        {"bitRateBigView", m_bitRateBigView},
-        {"clickDelaySeconds", m_clickDelaySeconds},
-        {"cellWidth", m_cellWidth},
-        {"showControlButtons", m_showControlButtons},
-        {"enableAudio", m_enableAudio},
-        {"orientation", int(m_orientation)},
-        {"bigViewWidth", m_bigViewWidth},
-    };
+    return m_settings.toJson();
+}
+
+QVariantMap DeviceGroup::settingRange(const QString &key) const
+{
+    const int index = GroupSettings::indexOf(key);
+    if (index < 0)
+        return {};
+    const GroupSettings::Field &field = GroupSettings::fields()[index];
+    return {{"from", field.min}, {"to", field.max}};
 }

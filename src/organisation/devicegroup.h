@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adbdeviceinfo.h"
+#include "groupsettings.h"
 
 #include <QAbstractListModel>
 #include <QJsonObject>
@@ -9,6 +10,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
+#include <QVariantMap>
 
 class Device;
 class GroupActions;
@@ -72,18 +74,18 @@ public:
     Device *hostDevice() const;
     GroupActions *actions() const { return m_actions; }
 
-    bool showControlButtons() const { return m_showControlButtons; }
-    int maxSize() const { return m_maxSize; }
-    int maxFPS() const { return m_maxFPS; }
-    int bitRate() const { return m_bitRate; }
-    int maxSizeBigView() const { return m_maxSizeBigView; }
-    int maxFPSBigView() const { return m_maxFPSBigView; }
-    int bitRateBigView() const { return m_bitRateBigView; }
-    int clickDelaySeconds() const { return m_clickDelaySeconds; }
-    int cellWidth() const { return m_cellWidth; }
-    bool enableAudio() const { return m_enableAudio; }
-    Orientation orientation() const { return m_orientation; }
-    int bigViewWidth() const { return m_bigViewWidth; }
+    bool showControlButtons() const { return m_settings.value(GroupSettings::ShowControlButtons); }
+    int maxSize() const { return m_settings.value(GroupSettings::MaxSize); }
+    int maxFPS() const { return m_settings.value(GroupSettings::MaxFPS); }
+    int bitRate() const { return m_settings.value(GroupSettings::BitRate); }
+    int maxSizeBigView() const { return m_settings.value(GroupSettings::MaxSizeBigView); }
+    int maxFPSBigView() const { return m_settings.value(GroupSettings::MaxFPSBigView); }
+    int bitRateBigView() const { return m_settings.value(GroupSettings::BitRateBigView); }
+    int clickDelaySeconds() const { return m_settings.value(GroupSettings::ClickDelaySeconds); }
+    int cellWidth() const { return m_settings.value(GroupSettings::CellWidth); }
+    bool enableAudio() const { return m_settings.value(GroupSettings::EnableAudio); }
+    Orientation orientation() const { return Orientation(m_settings.value(GroupSettings::Orientation)); }
+    int bigViewWidth() const { return m_settings.value(GroupSettings::BigViewWidth); }
 
     // Takes ownership and appends the device as the last row at once, leaving its parameters as
     // they are (addDevices is the way with the group's settings).
@@ -103,6 +105,9 @@ public:
     // applying them; a missing key or one of the wrong type takes its default.
     void loadSettings(const QJsonObject &settings);
     QJsonObject settingsToJson() const;
+    // What the settings dialog offers for a setting, by its property name: {"from": …, "to": …};
+    // empty for no setting.
+    Q_INVOKABLE QVariantMap settingRange(const QString &key) const;
 
     Q_INVOKABLE bool addDevices(const QList<ADBDeviceInfo> &deviceInfos);
     Q_INVOKABLE void moveDevicesToGroup(const QStringList &serials, DeviceGroup *targetGroup);
@@ -163,8 +168,7 @@ private:
     // Nicknames come from the nickname store and a rename goes back to it.
     static void followNickname(Device *device);
     // Stores a changed setting and, for a named group, applies and announces it.
-    template<typename T>
-    void changeSetting(T &field, T value, void (DeviceGroup::*changed)());
+    void changeSetting(GroupSettings::Key key, int value, void (DeviceGroup::*changed)());
 
     GroupControl *m_control;
     GroupActions *m_actions;
@@ -173,16 +177,5 @@ private:
     QStringList m_memberSerials;
     // Devices made by addDevices and waiting for their staggered insertion.
     QList<QPointer<Device>> m_arriving;
-    bool m_showControlButtons = true;
-    int m_maxSize = 720;
-    int m_maxFPS = 30;
-    int m_bitRate = 4000000;
-    int m_maxSizeBigView = 720;
-    int m_maxFPSBigView = 30;
-    int m_bitRateBigView = 4000000;
-    int m_clickDelaySeconds = 0;
-    int m_cellWidth = 220;
-    bool m_enableAudio = false;
-    Orientation m_orientation = Portrait;
-    int m_bigViewWidth = 400;
+    GroupSettings m_settings;
 };

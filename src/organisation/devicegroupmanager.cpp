@@ -2,22 +2,34 @@
 
 #include "adbclient.h"
 #include "adbpool.h"
-#include "appconfig.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "devicesettings.h"
 #include "devicetracker.h"
-#include "jsonfile.h"
 
-#include <QDir>
 #include <QJsonArray>
 #include <QSet>
 #include <QtConcurrent>
 
+namespace {
+QString folderForNewManagers;
+}
+
+void DeviceGroupManager::setDefaultFolder(const QString &folder)
+{
+    folderForNewManagers = folder;
+}
+
+QString DeviceGroupManager::defaultFolder()
+{
+    return folderForNewManagers;
+}
+
 DeviceGroupManager::DeviceGroupManager(QObject *parent)
-    : QObject(parent)
+    : JsonStore("device_groups.json", "device_groups", QJsonValue::Array, parent)
     , m_scanWatcher(new QFutureWatcher<ScanResult>(this))
 {
+    setFolder(folderForNewManagers);
     load();
     if (m_deviceGroups.isEmpty()) {
         auto *group = new DeviceGroup(this);
@@ -45,11 +57,6 @@ DeviceGroupManager::~DeviceGroupManager()
         group->disconnect(this);
 }
 
-QString DeviceGroupManager::filePath()
-{
-    return QDir(AppConfig::instance()->getDeviceGroupSavePath()).filePath("device_groups.json");
-}
-
 int DeviceGroupManager::totalDeviceCount() const
 {
     int total = 0;
@@ -60,11 +67,8 @@ int DeviceGroupManager::totalDeviceCount() const
 
 void DeviceGroupManager::load()
 {
-    const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_groups", QJsonValue::Array);
-    m_saveBlocked = loaded.blocked;
-    m_fileMessage = loaded.message;
     bool leftOut = false;
-    for (const StoredGroup &stored : storedGroups(loaded.object, &leftOut)) {
+    for (const StoredGroup &stored : storedGroups(readFile(), &leftOut)) {
         auto *group = new DeviceGroup(this);
         group->renameTo(stored.name);
         if (stored.hasSettings)
@@ -72,12 +76,9 @@ void DeviceGroupManager::load()
         group->setMemberSerials(stored.devices);
         adopt(group);
     }
-    if (leftOut) {
-        // The next save cannot write back what was left out; the file as it was stays beside it.
-        const JsonFile::Loaded kept = JsonFile::keepCopyAside(filePath());
-        m_saveBlocked = kept.blocked;
-        m_fileMessage = kept.message;
-    }
+    // The next save cannot write back what was left out; the file as it was stays beside it.
+    if (leftOut)
+        keepCopyAside();
 }
 
 QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJsonObject &file, bool *leftOut)
@@ -112,28 +113,13 @@ QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJ
 
 void DeviceGroupManager::save()
 {
-    if (m_saveBlocked)
-        return;
     QJsonArray groups;
     for (const DeviceGroup *group : std::as_const(m_deviceGroups)) {
         groups.append(QJsonObject{{"name", group->name()},
                                   {"settings", group->settingsToJson()},
                                   {"devices", QJsonArray::fromStringList(group->memberSerials())}});
     }
-    // A failed write leaves the previous file in place and the groups in memory.
-    const QString notSaved = JsonFile::notSavedMessage(filePath());
-    if (!JsonFile::write(filePath(), QJsonObject{{"device_groups", groups}}))
-        setFileMessage(notSaved);
-    else if (m_fileMessage == notSaved)
-        setFileMessage({});
-}
-
-void DeviceGroupManager::setFileMessage(const QString &message)
-{
-    if (message == m_fileMessage)
-        return;
-    m_fileMessage = message;
-    emit fileMessageChanged();
+    writeFile(QJsonObject{{"device_groups", groups}});
 }
 
 void DeviceGroupManager::claimMembers(DeviceGroup *owner)

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "adbdeviceinfo.h"
+#include "jsonstore.h"
 
 #include <QFutureWatcher>
 #include <QJsonObject>
 #include <QList>
-#include <QObject>
 #include <QString>
 #include <QStringList>
 
@@ -14,7 +14,7 @@ class DeviceGroup;
 
 // Owns every device group, offers the attached phones that are in no group, scans for phones in
 // the background and keeps the groups with their settings in device_groups.json.
-class DeviceGroupManager : public QObject
+class DeviceGroupManager : public JsonStore
 {
     Q_OBJECT
     Q_MOC_INCLUDE("device.h")
@@ -25,7 +25,6 @@ class DeviceGroupManager : public QObject
     Q_PROPERTY(DeviceGroup *currentSelectedGroup READ currentSelectedGroup WRITE setCurrentSelectedGroup
                    NOTIFY currentSelectedGroupChanged)
     Q_PROPERTY(int totalDeviceCount READ totalDeviceCount)
-    Q_PROPERTY(QString fileMessage READ fileMessage NOTIFY fileMessageChanged)
 
 public:
     explicit DeviceGroupManager(QObject *parent = nullptr);
@@ -36,11 +35,11 @@ public:
     QList<DeviceGroup *> deviceGroups() const { return m_deviceGroups; }
     DeviceGroup *currentSelectedGroup() const { return m_currentSelectedGroup; }
     int totalDeviceCount() const;
-    // What went wrong with device_groups.json, for the user; empty when nothing did.
-    QString fileMessage() const { return m_fileMessage; }
 
-    // The full path of device_groups.json in the folder chosen in the settings.
-    static QString filePath();
+    // The folder a manager made from now on reads device_groups.json from at once, QML making it;
+    // a manager that lives on follows a new folder through setFolder().
+    static void setDefaultFolder(const QString &folder);
+    static QString defaultFolder();
 
     // One group as device_groups.json holds it.
     struct StoredGroup
@@ -75,7 +74,6 @@ signals:
     void deviceGroupsChanged();
     void scanError(const QString &message);
     void adbServerRestarted(bool restarted);
-    void fileMessageChanged();
 
 private:
     struct ScanResult
@@ -87,7 +85,6 @@ private:
 
     void load();
     void save();
-    void setFileMessage(const QString &message);
     void adopt(DeviceGroup *group);
     // A serial belongs to one group: the one that took it last.
     void claimMembers(DeviceGroup *owner);
@@ -100,7 +97,4 @@ private:
     bool m_isScanning = false;
     QList<ADBDeviceInfo> m_availableDeviceInfos;
     QFutureWatcher<ScanResult> *m_scanWatcher;
-    QString m_fileMessage;
-    // The file could be neither read nor moved aside: it is never replaced.
-    bool m_saveBlocked = false;
 };

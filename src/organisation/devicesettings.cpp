@@ -1,16 +1,13 @@
 #include "devicesettings.h"
 
-#include "appconfig.h"
-#include "jsonfile.h"
-
 #include <QCoreApplication>
 #include <QJsonObject>
 
 #include <algorithm>
 
 DeviceSettings::DeviceSettings()
+    : JsonStore("device_nicknames.json", "device_nicknames", QJsonValue::Object)
 {
-    reload();
 }
 
 DeviceSettings *DeviceSettings::instance()
@@ -27,25 +24,13 @@ DeviceSettings *DeviceSettings::instance()
 }
 
 
-QString DeviceSettings::filePath() const
-{
-    return AppConfig::instance()->getDeviceNicknameSavePath() + "/device_nicknames.json";
-}
-
 void DeviceSettings::reload()
 {
-    m_nicknames.clear();
-    const JsonFile::Loaded loaded = JsonFile::load(filePath(), "device_nicknames", QJsonValue::Object);
-    m_saveBlocked = loaded.blocked;
-    setFileMessage(loaded.message);
     bool leftOut = false;
-    m_nicknames = nicknamesFrom(loaded.object, &leftOut);
-    if (leftOut) {
-        // The next save cannot write back what was left out; the file as it was stays beside it.
-        const JsonFile::Loaded kept = JsonFile::keepCopyAside(filePath());
-        m_saveBlocked = kept.blocked;
-        setFileMessage(kept.message);
-    }
+    m_nicknames = nicknamesFrom(readFile(), &leftOut);
+    // The next save cannot write back what was left out; the file as it was stays beside it.
+    if (leftOut)
+        keepCopyAside();
 }
 
 QMap<QString, QString> DeviceSettings::nicknamesFrom(const QJsonObject &file, bool *leftOut)
@@ -67,22 +52,7 @@ void DeviceSettings::save()
     QJsonObject members;
     for (auto it = m_nicknames.cbegin(); it != m_nicknames.cend(); ++it)
         members.insert(it.key(), it.value());
-    if (m_saveBlocked)
-        return;
-    // A failed write leaves the previous file in place and the nicknames in memory.
-    const QString notSaved = JsonFile::notSavedMessage(filePath());
-    if (!JsonFile::write(filePath(), QJsonObject{{"device_nicknames", members}}))
-        setFileMessage(notSaved);
-    else if (m_fileMessage == notSaved)
-        setFileMessage({});
-}
-
-void DeviceSettings::setFileMessage(const QString &message)
-{
-    if (message == m_fileMessage)
-        return;
-    m_fileMessage = message;
-    emit fileMessageChanged();
+    writeFile(QJsonObject{{"device_nicknames", members}});
 }
 
 void DeviceSettings::sync()

@@ -37,16 +37,18 @@ Dialog {
         Layout.topMargin: 8
     }
 
+    // A setting of the group, by its property name; the group gives its range. The slider counts
+    // in units of the setting (a megabit of bits per second).
     component SliderRow: RowLayout {
         id: row
         property string label
         property string suffix
         property string note
-        property real value: 0
-        property alias from: slider.from
-        property alias to: slider.to
+        property string key
+        property real unit: 1
+        readonly property var range: dialog.group ? dialog.group.settingRange(key) : ({ from: 0, to: 0 })
+        readonly property real value: dialog.group ? dialog.group[key] / unit : 0
         property alias stepSize: slider.stepSize
-        signal edited(real value)
 
         Layout.fillWidth: true
         spacing: 8
@@ -62,11 +64,13 @@ Dialog {
             Accessible.name: row.label
             Layout.fillWidth: true
             snapMode: Slider.SnapAlways
+            from: row.range.from / row.unit
+            to: row.range.to / row.unit
             value: row.value
             // Only the user's own moves are written back, never a clamp of a stored value.
             onMoved: {
                 if (value !== row.value)
-                    row.edited(value)
+                    dialog.group[row.key] = value * row.unit
             }
         }
         Text {
@@ -90,8 +94,8 @@ Dialog {
         id: switchRow
         property string label
         property string note
-        property bool checked: false
-        signal edited(bool checked)
+        property string key
+        readonly property bool checked: dialog.group ? dialog.group[key] : false
 
         Layout.fillWidth: true
         spacing: 8
@@ -107,7 +111,7 @@ Dialog {
             checked: switchRow.checked
             onToggled: {
                 if (checked !== switchRow.checked)
-                    switchRow.edited(checked)
+                    dialog.group[switchRow.key] = checked
             }
         }
         Text {
@@ -139,89 +143,69 @@ Dialog {
                 SliderRow {
                     objectName: "clickDelaySlider"
                     label: qsTr("Group Control Delay:")
-                    from: 0; to: 20; stepSize: 1
+                    key: "clickDelaySeconds"; stepSize: 1
                     suffix: qsTr(" s")
-                    value: dialog.group ? dialog.group.clickDelaySeconds : 0
-                    onEdited: value => dialog.group.clickDelaySeconds = value
                 }
                 SwitchRow {
                     label: qsTr("Show Control Buttons:")
-                    checked: dialog.group ? dialog.group.showControlButtons : true
-                    onEdited: checked => dialog.group.showControlButtons = checked
+                    key: "showControlButtons"
                 }
                 SwitchRow {
                     label: qsTr("Enable Sound Output:")
                     note: qsTr("Android 11 or later") + ", " + qsTr("Need Reconnect")
-                    checked: dialog.group ? dialog.group.enableAudio : false
-                    onEdited: checked => dialog.group.enableAudio = checked
+                    key: "enableAudio"
                 }
 
                 SectionTitle { text: qsTr("Small Window Settings") }
                 SliderRow {
                     objectName: "cellWidthSlider"
                     label: qsTr("Width:")
-                    from: 220; to: 720; stepSize: 10
+                    key: "cellWidth"; stepSize: 10
                     suffix: qsTr(" px")
-                    value: dialog.group ? dialog.group.cellWidth : 220
-                    onEdited: value => dialog.group.cellWidth = value
                 }
                 SliderRow {
                     label: qsTr("Resolution:")
                     note: qsTr("Need Reconnect")
-                    from: 220; to: 2400; stepSize: 10
+                    key: "maxSize"; stepSize: 10
                     suffix: qsTr(" px")
-                    value: dialog.group ? dialog.group.maxSize : 720
-                    onEdited: value => dialog.group.maxSize = value
                 }
                 SliderRow {
                     label: qsTr("Frame Rate:")
                     note: qsTr("Need Reconnect")
-                    from: 5; to: 100; stepSize: 1
+                    key: "maxFPS"; stepSize: 1
                     suffix: qsTr(" fps")
-                    value: dialog.group ? dialog.group.maxFPS : 30
-                    onEdited: value => dialog.group.maxFPS = value
                 }
                 SliderRow {
                     objectName: "bitRateSlider"
                     label: qsTr("Bit Rate:")
                     note: qsTr("Need Reconnect")
-                    from: 2; to: 8; stepSize: 1
+                    key: "bitRate"; unit: 1000000; stepSize: 1
                     suffix: qsTr(" Mbps")
-                    value: dialog.group ? dialog.group.bitRate / 1000000 : 4
-                    onEdited: value => dialog.group.bitRate = value * 1000000
                 }
 
                 SectionTitle { text: qsTr("Big Window Settings") }
                 SliderRow {
                     label: qsTr("Big View Width:")
-                    from: 400; to: 1280; stepSize: 10
+                    key: "bigViewWidth"; stepSize: 10
                     suffix: qsTr(" px")
-                    value: dialog.group ? dialog.group.bigViewWidth : 960
-                    onEdited: value => dialog.group.bigViewWidth = value
                 }
                 SliderRow {
                     label: qsTr("Resolution:")
                     note: qsTr("Need Reconnect")
-                    from: 220; to: 2400; stepSize: 10
+                    key: "maxSizeBigView"; stepSize: 10
                     suffix: qsTr(" px")
-                    value: dialog.group ? dialog.group.maxSizeBigView : 720
-                    onEdited: value => dialog.group.maxSizeBigView = value
                 }
                 SliderRow {
                     label: qsTr("Frame Rate:")
                     note: qsTr("Need Reconnect")
-                    from: 5; to: 100; stepSize: 1
+                    key: "maxFPSBigView"; stepSize: 1
                     suffix: qsTr(" fps")
-                    value: dialog.group ? dialog.group.maxFPSBigView : 30
-                    onEdited: value => dialog.group.maxFPSBigView = value
                 }
                 SliderRow {
                     label: qsTr("Bit Rate:")
                     note: qsTr("Need Reconnect")
-                    from: 2; to: 8; stepSize: 1
+                    key: "bitRateBigView"; unit: 1000000; stepSize: 1
                     suffix: qsTr(" Mbps")
-                    value: dialog.group ? dialog.group.bitRateBigView / 1000000 : 4
-                    onEdited: value => dialog.group.bitRateBigView = value * 1000000
                 }
             }
         }

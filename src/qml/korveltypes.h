@@ -19,6 +19,7 @@
 #include "devicesettings.h"
 #include "groupactions.h"
 #include "groupoperation.h"
+#include "jsonstore.h"
 #include "keymapping.h"
 #include "keymappingprofile.h"
 #include "phrasecategory.h"
@@ -203,4 +204,12 @@ struct GroupActionsForeign
     QML_FOREIGN(GroupActions)
     QML_NAMED_ELEMENT(GroupActions)
     QML_UNCREATABLE("Each DeviceGroup owns its actions")
+};
+
+// The stores' shared base: its properties (the file's message) are seen through each store.
+struct JsonStoreForeign
+{
+    Q_GADGET
+    QML_FOREIGN(JsonStore)
+    QML_ANONYMOUS
 };

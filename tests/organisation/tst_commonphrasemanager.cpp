@@ -26,7 +26,12 @@ class TestCommonPhraseManager : public QObject
 {
     Q_OBJECT
 
+private:
+    QTemporaryDir m_folder;
+
 private slots:
+    void initTestCase() { CommonPhraseManager::instance()->setFolder(m_folder.path()); }
+
     void fileContents_data()
     {
         QTest::addColumn<QByteArray>("file");

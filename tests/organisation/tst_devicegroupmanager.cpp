@@ -1,5 +1,4 @@
 #include "adbclient.h"
-#include "appconfig.h"
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
@@ -75,7 +74,7 @@ private slots:
     {
         // A fresh folder that does not exist yet: saving has to create it.
         m_folder = m_root.filePath(QString("case%1/groups").arg(++m_case));
-        AppConfig::instance()->setDeviceGroupSavePath(m_folder);
+        DeviceGroupManager::setDefaultFolder(m_folder);
         m_adb.clear();
     }
 
@@ -192,7 +191,7 @@ private slots:
         // The save folder lies below a plain file, so it can never be made.
         const QString blocker = m_root.filePath("blocker");
         QVERIFY(TestFiles::write(blocker, {}));
-        AppConfig::instance()->setDeviceGroupSavePath(blocker + "/groups");
+        DeviceGroupManager::setDefaultFolder(blocker + "/groups");
         DeviceGroupManager manager;
         manager.createDeviceGroup("X");
         const QString message = manager.fileMessage();

@@ -1,4 +1,3 @@
-#include "appconfig.h"
 #include "devicesettings.h"
 #include "testfiles.h"
 
@@ -25,7 +24,7 @@ private slots:
     void initTestCase()
     {
         // The folder does not exist yet: saving must create it.
-        AppConfig::instance()->setDeviceNicknameSavePath(m_folder.filePath("nicknames"));
+        settings()->setFolder(m_folder.filePath("nicknames"));
     }
 
     void init()

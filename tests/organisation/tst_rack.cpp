@@ -4,7 +4,6 @@
 #include "adbjob.h"
 #include "adbpool.h"
 #include "adbworkpool.h"
-#include "appconfig.h"
 #include "controller.h"
 #include "devicegroupmanager.h"
 #include "groupoperation.h"
@@ -95,7 +94,7 @@ private slots:
         }
         m_slow = m_good.takeLast();
         m_refusing = m_good.takeLast();
-        AppConfig::instance()->setDeviceGroupSavePath(m_files.filePath("groups"));
+        DeviceGroupManager::setDefaultFolder(m_files.filePath("groups"));
         DeviceGroup::setStaggerIntervals({0, 0, 0});
     }
 
@@ -104,7 +103,7 @@ private slots:
     void init()
     {
         // No phones remembered by another test come back by themselves.
-        QFile::remove(DeviceGroupManager::filePath());
+        QFile::remove(m_files.filePath("groups/device_groups.json"));
     }
 
     void cleanup()
@@ -427,7 +426,7 @@ private slots:
             QTRY_COMPARE(first.totalDeviceCount(), 3);
             QCOMPARE(serialsOf(first.deviceGroups().at(1)), rack);
         }
-        const QJsonDocument saved = QJsonDocument::fromJson(TestFiles::read(DeviceGroupManager::filePath()));
+        const QJsonDocument saved = QJsonDocument::fromJson(TestFiles::read(m_files.filePath("groups/device_groups.json")));
         QCOMPARE(saved["device_groups"][1]["devices"].toArray(), QJsonArray::fromStringList(rack));
 
         DeviceGroupManager again;

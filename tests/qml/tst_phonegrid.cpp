@@ -1,3 +1,4 @@
+#include "appconfig.h"
 #include "appstartup.h"
 #include "groupactions.h"
 #include "commonphrasemanager.h"
@@ -95,7 +96,7 @@ private slots:
             m_serials << p->serial();
         }
         // Start from the one default group, as on a first run.
-        QFile::remove(DeviceGroupManager::filePath());
+        QFile::remove(AppConfig::instance()->getDeviceGroupSavePath() + "/device_groups.json");
         DeviceGroup::setStaggerIntervals({20, 30, 50});
         Device::setStepDelay(100);
 

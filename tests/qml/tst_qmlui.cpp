@@ -1,8 +1,13 @@
+#include "commonphrasemanager.h"
 #include "device.h"
+#include "devicegroupmanager.h"
+#include "devicesettings.h"
 #include "groupoperation.h"
+#include "keymapping.h"
 
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QTemporaryDir>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest>
 
@@ -42,7 +47,15 @@ public slots:
     {
         engine->addImportPath(QStringLiteral("qrc:/"));
         engine->rootContext()->setContextProperty("operationRig", new OperationRig);
+        // The stores keep the dialogs' work in files of this run's own.
+        DeviceSettings::instance()->setFolder(m_files.path());
+        CommonPhraseManager::instance()->setFolder(m_files.path());
+        KeyMapping::instance()->setFolder(m_files.path());
+        DeviceGroupManager::setDefaultFolder(m_files.path());
     }
+
+private:
+    QTemporaryDir m_files;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(tst_qmlui, QmlUiSetup)

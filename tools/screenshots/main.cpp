@@ -227,9 +227,10 @@ int main(int argc, char *argv[])
     QDir().mkpath(outputFolder);
 
     AppStartup::configureApplication();
-    seedUserData();
     QQmlApplicationEngine engine;
     AppStartup::loadUserInterface(engine);
+    // After start-up has read the user's files, as if the user had typed it in.
+    seedUserData();
     auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
     if (!window || !waitFor([window] { return window->isExposed(); }, 10000)) {
         std::fprintf(stderr, "screenshots: the main window did not appear\n");

@@ -1,8 +1,5 @@
 #include "keymapping.h"
 
-#include "appconfig.h"
-#include "jsonfile.h"
-
 #include <QDir>
 #include <QFile>
 #include <QHash>
@@ -11,8 +8,8 @@
 #include <QJsonObject>
 
 KeyMapping::KeyMapping()
+    : JsonStore("keymappings.json", "profiles", QJsonValue::Object)
 {
-    loadFromFile();
 }
 
 KeyMapping *KeyMapping::instance()
@@ -24,9 +21,9 @@ KeyMapping *KeyMapping::instance()
 
 QString KeyMapping::getConfigFilePath() const
 {
-    const QString folder = AppConfig::instance()->getKeyMappingSavePath();
-    QDir().mkpath(folder);
-    return folder + "/keymappings.json";
+    if (!folder().isEmpty())
+        QDir().mkpath(folder());
+    return filePath();
 }
 
 QStringList KeyMapping::profileNames() const
@@ -111,8 +108,6 @@ bool KeyMapping::hasProfile(const QString &profileName) const
 
 bool KeyMapping::saveToFile()
 {
-    if (m_saveBlocked)
-        return false;
     QJsonObject profiles;
     for (const KeyMappingProfile *profile : m_profiles) {
         QJsonArray entries;
@@ -123,14 +118,7 @@ bool KeyMapping::saveToFile()
     const QJsonObject root{{"version", "1.0"},
                            {"currentProfile", m_current ? m_current->name() : QString()},
                            {"profiles", profiles}};
-    // A failed write leaves the previous file in place and the profiles in memory.
-    const QString notSaved = JsonFile::notSavedMessage(getConfigFilePath());
-    const bool saved = JsonFile::write(getConfigFilePath(), root);
-    if (!saved)
-        setFileMessage(notSaved);
-    else if (m_fileMessage == notSaved)
-        setFileMessage({});
-    return saved;
+    return writeFile(root);
 }
 
 void KeyMapping::clearProfiles()
@@ -145,35 +133,18 @@ void KeyMapping::clearProfiles()
     }
 }
 
-void KeyMapping::setFileMessage(const QString &problem)
-{
-    if (problem == m_fileMessage)
-        return;
-    m_fileMessage = problem;
-    emit fileMessageChanged();
-}
-
 bool KeyMapping::loadFromFile()
 {
-    const QString path = getConfigFilePath();
-    if (!QFile::exists(path))
+    // A missing file changes nothing: what is in memory stays, to be saved there.
+    if (!QFile::exists(getConfigFilePath()))
         return false;
-    m_saveBlocked = false;
-    setFileMessage(QString());
-
-    const JsonFile::Loaded loaded = JsonFile::load(path, "profiles", QJsonValue::Object);
-    if (!loaded.message.isEmpty()) {
-        clearProfiles();
+    const QJsonObject root = readFile();
+    clearProfiles();
+    if (!fileMessage().isEmpty()) {
         emit profilesChanged();
-        m_saveBlocked = loaded.blocked;
-        setFileMessage(loaded.message);
         return false;
     }
-    const QJsonObject root = loaded.object;
-    const QJsonValue profilesValue = root.value("profiles");
-
-    clearProfiles();
-    const QJsonObject profiles = profilesValue.toObject();
+    const QJsonObject profiles = root.value("profiles").toObject();
     // Entries that cannot be mappings (wrong types, a second entry for one key) are left out.
     bool leftOut = !root.value("currentProfile").isUndefined() && !root.value("currentProfile").isString();
     for (auto it = profiles.begin(); it != profiles.end(); ++it) {
@@ -191,12 +162,9 @@ bool KeyMapping::loadFromFile()
         emit currentProfileChanged();
         emit currentMappingsChanged();
     }
-    if (leftOut) {
-        // The next save cannot write back what was left out; the file as it was stays beside it.
-        const JsonFile::Loaded kept = JsonFile::keepCopyAside(path);
-        m_saveBlocked = kept.blocked;
-        setFileMessage(kept.message);
-    }
+    // The next save cannot write back what was left out; the file as it was stays beside it.
+    if (leftOut)
+        keepCopyAside();
     return true;
 }
 
