@@ -26,7 +26,6 @@ AdbWorkPool::AdbWorkPool()
     m_thread.setObjectName("AdbWorkPool");
     m_context = new QObject;
     m_context->moveToThread(&m_thread);
-    connect(&m_thread, &QThread::finished, m_context, &QObject::deleteLater);
     m_thread.start();
     livePool = this;
 }
@@ -46,6 +45,8 @@ AdbWorkPool::~AdbWorkPool()
         Qt::BlockingQueuedConnection);
     m_thread.quit();
     m_thread.wait();
+    // A deferred delete would never run once the thread's loop has ended.
+    delete m_context;
 }
 
 void AdbWorkPool::setMaxRunning(int count)

@@ -157,7 +157,7 @@ private slots:
     void unknownSizesStillSend()
     {
         // Before the first frame both sizes are (-1, -1); the touch goes out all the same.
-        Session session({-1, -1}, {0, 0});
+        Session session({-1, -1}, {-1, -1});
         session.controller->processMouseEvent(5, 2, 12.9, 7.0, 1, 1);
         QCOMPARE(session.wire.data().toHex(' '),
                  hex("02 00 0000000000000005 0000000C 00000007 FFFF FFFF FFFF 00000001 00000001").toHex(' '));
