@@ -213,15 +213,7 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>AudioDemuxer</name>
-    <message>
-        <source>Audio is not available on this phone (Android 11 or later)</source>
-        <translation>此手机无法提供音频（需要 Android 11 或更高版本）</translation>
-    </message>
-    <message>
-        <source>Audio capture failed on this phone</source>
-        <translation>此手机音频采集失败</translation>
-    </message>
+    <name>AudioDecoder</name>
     <message>
         <source>Sound cannot be played: %1</source>
         <translation>无法播放声音：%1</translation>
@@ -237,6 +229,17 @@ shell ps</translation>
     <message>
         <source>the Opus decoder did not open: %1 (error code: %2)</source>
         <translation>Opus 解码器无法打开：%1（错误代码：%2）</translation>
+    </message>
+</context>
+<context>
+    <name>AudioDemuxer</name>
+    <message>
+        <source>Audio is not available on this phone (Android 11 or later)</source>
+        <translation>此手机无法提供音频（需要 Android 11 或更高版本）</translation>
+    </message>
+    <message>
+        <source>Audio capture failed on this phone</source>
+        <translation>此手机音频采集失败</translation>
     </message>
 </context>
 <context>

@@ -213,15 +213,7 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>AudioDemuxer</name>
-    <message>
-        <source>Audio is not available on this phone (Android 11 or later)</source>
-        <translation>此手機無法提供音訊（需要 Android 11 或更新版本）</translation>
-    </message>
-    <message>
-        <source>Audio capture failed on this phone</source>
-        <translation>此手機音訊擷取失敗</translation>
-    </message>
+    <name>AudioDecoder</name>
     <message>
         <source>Sound cannot be played: %1</source>
         <translation>無法播放聲音：%1</translation>
@@ -237,6 +229,17 @@ shell ps</translation>
     <message>
         <source>the Opus decoder did not open: %1 (error code: %2)</source>
         <translation>Opus 解碼器無法開啟：%1（錯誤代碼：%2）</translation>
+    </message>
+</context>
+<context>
+    <name>AudioDemuxer</name>
+    <message>
+        <source>Audio is not available on this phone (Android 11 or later)</source>
+        <translation>此手機無法提供音訊（需要 Android 11 或更新版本）</translation>
+    </message>
+    <message>
+        <source>Audio capture failed on this phone</source>
+        <translation>此手機音訊擷取失敗</translation>
     </message>
 </context>
 <context>

@@ -3,16 +3,14 @@
 #include "packetsink.h"
 
 #include <QObject>
-#include <QPointer>
-
-#include <memory>
+#include <QString>
 
 struct AVCodecContext;
 struct AVFrame;
-class AudioDemuxer;
 
-// Decodes the Opus packets of one audio stream with the context its demuxer opened and
-// publishes every frame through frameDecoded, on the thread that feeds it.
+// Decodes the Opus packets of one audio stream and publishes every frame through frameDecoded,
+// on the thread that feeds it. Opens its own codec context from the stream's description when
+// the demuxer opens the stream, and frees it with itself.
 class AudioDecoder : public QObject, public PacketSink
 {
     Q_OBJECT
@@ -21,22 +19,24 @@ public:
     explicit AudioDecoder(QObject *parent = nullptr);
     ~AudioDecoder() override;
 
-    void setDemuxer(AudioDemuxer *demuxer);
     void setDecodingPaused(bool paused);
     bool isDecodingPaused() const { return m_paused; }
 
+    void openStream(const AVCodecParameters *stream) override;
     void decodePacket(const AVPacket *packet);
     void pushPacket(const AVPacket *packet) override { decodePacket(packet); }
 
 signals:
     // The working frame, valid only during the emission: copy what you need, never keep or free it.
     void frameDecoded(AVFrame *frame);
+    // The decoder could not be set up: a translated text for the user. Packets are dropped from
+    // then on; video and control go on.
+    void unavailable(const QString &message);
 
 private:
+    bool openCodec(const AVCodecParameters *stream, QString *error);
 
-    QPointer<AudioDemuxer> m_demuxer;
-    // Keeps the borrowed context alive if the demuxer goes first.
-    std::shared_ptr<AVCodecContext> m_codecContext;
+    AVCodecContext *m_context = nullptr;
     bool m_paused = false;
     AVFrame *m_frame = nullptr;
 };

@@ -10,7 +10,6 @@
 
 extern "C" {
 #include <libavutil/channel_layout.h>
-#include <libavutil/mem.h>
 }
 
 AudioDemuxer::AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder, bool deviceNameFirst)
@@ -29,6 +28,7 @@ AudioDemuxer::AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *
 AudioDemuxer::~AudioDemuxer()
 {
     av_packet_free(&m_packet);
+    avcodec_parameters_free(&m_stream);
 }
 
 void AudioDemuxer::read()
@@ -65,8 +65,6 @@ void AudioDemuxer::read()
         const qint64 pts = config ? AV_NOPTS_VALUE : qint64(entry.ptsAndFlags);
         m_packet->pts = pts;
         m_packet->dts = pts;
-        if (config)
-            keepConfiguration(entry.payload, int(entry.size));
 
         for (qsizetype i = 0; i < m_sinks.size(); ++i)
             m_sinks.at(i).push(m_packet);
@@ -98,12 +96,7 @@ bool AudioDemuxer::parseHeader()
         giveUp(tr("Audio capture failed on this phone"));
         return false;
     }
-    QString error;
-    if (!openCodec(&error)) {
-        qWarning().noquote() << "AudioDemuxer:" << error;
-        giveUp(tr("Sound cannot be played: %1").arg(error));
-        return false;
-    }
+    describeStream();
     return true;
 }
 
@@ -114,44 +107,16 @@ void AudioDemuxer::giveUp(const QString &message)
     emit audioUnavailable(message);
 }
 
-bool AudioDemuxer::openCodec(QString *error)
+void AudioDemuxer::describeStream()
 {
-    // The stream is always Opus, whatever id it names.
-    const AVCodec *codec = avcodec_find_decoder_by_name("opus");
-    if (!codec) {
-        *error = tr("no Opus decoder in this FFmpeg");
-        return false;
-    }
-    AVCodecContext *context = avcodec_alloc_context3(codec);
-    if (!context) {
-        *error = tr("out of memory for the Opus decoder");
-        return false;
-    }
-    std::shared_ptr<AVCodecContext> holder(context, [](AVCodecContext *c) { avcodec_free_context(&c); });
-    context->sample_rate = 48000;
-    av_channel_layout_uninit(&context->ch_layout);
-    av_channel_layout_default(&context->ch_layout, 2);
-    const int result = avcodec_open2(context, codec, nullptr);
-    if (result < 0) {
-        char text[64] = {};
-        av_strerror(result, text, sizeof text);
-        *error = tr("the Opus decoder did not open: %1 (error code: %2)").arg(QString::fromUtf8(text)).arg(result);
-        return false;
-    }
-    m_codecContext = std::move(holder);
-    return true;
-}
-
-void AudioDemuxer::keepConfiguration(const uchar *data, int size)
-{
-    // The Opus header is what a Matroska file needs as the track's private data.
-    AVCodecContext *context = m_codecContext.get();
-    if (!context || context->extradata)
+    m_stream = avcodec_parameters_alloc();
+    if (!m_stream)
         return;
-    auto *copy = static_cast<uint8_t *>(av_mallocz(size_t(size) + AV_INPUT_BUFFER_PADDING_SIZE));
-    if (!copy)
-        return;
-    std::memcpy(copy, data, size_t(size));
-    context->extradata = copy;
-    context->extradata_size = size;
+    // The stream is always 48 kHz stereo Opus, whatever id it names.
+    m_stream->codec_type = AVMEDIA_TYPE_AUDIO;
+    m_stream->codec_id = AV_CODEC_ID_OPUS;
+    m_stream->sample_rate = 48000;
+    av_channel_layout_default(&m_stream->ch_layout, 2);
+    for (const GuardedPacketSink &sink : std::as_const(m_sinks))
+        sink.open(m_stream);
 }

@@ -7,8 +7,6 @@
 #include <QPointer>
 #include <QString>
 
-#include <memory>
-
 extern "C" {
 #include <libavcodec/avcodec.h>
 }
@@ -17,7 +15,7 @@ extern "C" {
 
 
 // Cuts the audio socket's byte stream into FFmpeg packets and hands each one to the recorder,
-// then to the decoder. The stream opens with the 4-byte codec id; the 64-byte device name comes
+// then to the decoder, after opening both with a description of the stream. The stream opens with the 4-byte codec id; the 64-byte device name comes
 // before it only when the audio socket is the session's first one (video off). Codec ids 0 and 1
 // are the phone saying it has no sound to give: the demuxer reports that and reads nothing more.
 // Runs on whichever thread owns the socket and never blocks.
@@ -41,9 +39,8 @@ public:
     AudioDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder, bool deviceNameFirst = false);
     ~AudioDemuxer() override;
 
-    // Null until the header named a usable stream and the Opus decoder opened.
-    AVCodecContext *codecContext() const { return m_codecContext.get(); }
-    std::shared_ptr<AVCodecContext> sharedCodecContext() const { return m_codecContext; }
+    // What the sinks were opened with; null until the header named a stream with sound.
+    const AVCodecParameters *stream() const { return m_stream; }
 
     State state() const { return m_state; }
     bool isHeaderParsed() const { return m_state != State::AwaitingHeader; }
@@ -53,8 +50,7 @@ public:
 
 signals:
     void packetReady(AVPacket packet);
-    // The phone sends no sound, or the decoder could not be set up: a translated text for the user.
-    // Emitted once; video and control go on.
+    // The phone sends no sound: a translated text for the user. Emitted once; video and control go on.
     void audioUnavailable(const QString &message);
 
 public slots:
@@ -62,15 +58,14 @@ public slots:
 
 private:
     bool parseHeader();
-    bool openCodec(QString *error);
-    void keepConfiguration(const uchar *data, int size);
+    void describeStream();
     void giveUp(const QString &message);
 
     QPointer<QIODevice> m_socket;
     bool m_deviceNameFirst = false;
     State m_state = State::AwaitingHeader;
     QByteArray m_buffer;
-    std::shared_ptr<AVCodecContext> m_codecContext;
+    AVCodecParameters *m_stream = nullptr;
     QList<GuardedPacketSink> m_sinks;
     QString m_deviceName;
     quint32 m_codecId = 0;

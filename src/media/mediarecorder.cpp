@@ -1,5 +1,7 @@
 #include "mediarecorder.h"
 
+#include "h264parameters.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QThread>
@@ -90,18 +92,16 @@ void MediaRecorder::setStreams(bool video, bool audio)
     m_wakeUp.notify_all();
 }
 
-void MediaRecorder::setVideoCodecSource(ContextSource source)
+void MediaRecorder::openVideoStream(const AVCodecParameters *stream)
 {
     std::unique_lock lock(m_mutex);
-    m_videoSource = std::move(source);
-    avcodec_parameters_free(&m_videoParameters);
+    keep(m_videoParameters, stream);
 }
 
-void MediaRecorder::setAudioCodecSource(ContextSource source)
+void MediaRecorder::openAudioStream(const AVCodecParameters *stream)
 {
     std::unique_lock lock(m_mutex);
-    m_audioSource = std::move(source);
-    avcodec_parameters_free(&m_audioParameters);
+    keep(m_audioParameters, stream);
 }
 
 void MediaRecorder::setOutput(const QString &folder, const QString &nickname, const QString &serial)
@@ -123,16 +123,16 @@ QString MediaRecorder::filePath() const
     return m_filePath;
 }
 
-void MediaRecorder::snapshot(AVCodecParameters *&parameters, AVRational *frameRate, AVCodecContext *context)
+void MediaRecorder::keep(AVCodecParameters *&parameters, const AVCodecParameters *stream)
 {
-    if (!context)
+    if (!stream) {
+        avcodec_parameters_free(&parameters);
         return;
+    }
     if (!parameters)
         parameters = avcodec_parameters_alloc();
-    if (parameters && avcodec_parameters_from_context(parameters, context) < 0)
+    if (parameters && avcodec_parameters_copy(parameters, stream) < 0)
         avcodec_parameters_free(&parameters);
-    if (frameRate)
-        *frameRate = context->framerate;
 }
 
 void MediaRecorder::enqueueVideoPacket(const AVPacket *packet)
@@ -140,9 +140,6 @@ void MediaRecorder::enqueueVideoPacket(const AVPacket *packet)
     std::unique_lock lock(m_mutex);
     if (m_stopped || !packet)
         return;
-    // The producer's thread owns the context, so its description is taken here, not on the muxer's.
-    if (packet->pts == AV_NOPTS_VALUE)
-        snapshot(m_videoParameters, &m_videoFrameRate, m_videoSource ? m_videoSource() : nullptr);
     if (AVPacket *copy = av_packet_clone(packet)) {
         m_videoQueue.append(copy);
         m_wakeUp.notify_all();
@@ -152,10 +149,20 @@ void MediaRecorder::enqueueVideoPacket(const AVPacket *packet)
 void MediaRecorder::enqueueAudioPacket(const AVPacket *packet)
 {
     std::unique_lock lock(m_mutex);
-    if (m_stopped || !m_audioEnabled || !packet)
+    if (!packet)
         return;
-    if (!m_audioParameters && m_audioSource)
-        snapshot(m_audioParameters, nullptr, m_audioSource());
+    // The Opus header is what a Matroska file needs as the track's private data. It comes once,
+    // when the stream starts, so it is kept whether a recording runs or not.
+    AVCodecParameters *audio = m_audioParameters;
+    if (packet->pts == AV_NOPTS_VALUE && audio && !audio->extradata && packet->size > 0) {
+        audio->extradata = static_cast<uint8_t *>(av_mallocz(size_t(packet->size) + AV_INPUT_BUFFER_PADDING_SIZE));
+        if (audio->extradata) {
+            std::memcpy(audio->extradata, packet->data, size_t(packet->size));
+            audio->extradata_size = packet->size;
+        }
+    }
+    if (m_stopped || !m_audioEnabled)
+        return;
     if (AVPacket *copy = av_packet_clone(packet)) {
         m_audioQueue.append(copy);
         m_wakeUp.notify_all();
@@ -285,12 +292,10 @@ bool MediaRecorder::addVideoStream(const AVPacket *config)
     AVStream *stream = avformat_new_stream(m_formatContext, nullptr);
     if (!stream)
         return false;
-    AVRational rate{0, 1};
     {
         std::unique_lock lock(m_mutex);
         if (m_videoParameters)
             avcodec_parameters_copy(stream->codecpar, m_videoParameters);
-        rate = m_videoFrameRate;
     }
     stream->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
     stream->codecpar->codec_id = AV_CODEC_ID_H264;
@@ -301,6 +306,7 @@ bool MediaRecorder::addVideoStream(const AVPacket *config)
     stream->codecpar->extradata_size = stream->codecpar->extradata ? config->size : 0;
     if (stream->codecpar->extradata)
         std::memcpy(stream->codecpar->extradata, config->data, size_t(config->size));
+    AVRational rate = H264Parameters::frameRate(config->data, config->size);
     if (rate.num < 1 || rate.den < 1)
         rate = AVRational{30, 1};
     stream->avg_frame_rate = rate;

@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -23,10 +22,12 @@ struct AVStream;
 class QThread;
 
 // Writes one phone's H.264 and Opus packets to a Matroska file without re-encoding. Producers
-// (the demuxers, on any thread) hand over packets through videoSink()/audioSink(); the file is
-// muxed on a thread of the recorder's own, "VideoRecorderThread". Timestamps are regenerated from
-// zero (RecordingTimeline), and the trailer is written on every stop, the recorder's destruction
-// included, so a phone that vanishes mid-recording still leaves a playable file.
+// (the demuxers, on any thread) open videoSink()/audioSink() with each stream's description and
+// hand over packets through them; the file is muxed on a thread of the recorder's own,
+// "VideoRecorderThread". Timestamps are regenerated from zero (RecordingTimeline), and the trailer
+// is written on every stop, the recorder's destruction included, so a phone that vanishes
+// mid-recording still leaves a playable file. The track's frame rate is the one the H.264
+// configuration declares, 30 when it declares none.
 class MediaRecorder : public QObject
 {
     Q_OBJECT
@@ -42,17 +43,15 @@ public:
 
     // Which streams the session carries; the recording follows them. Set before start().
     void setStreams(bool video, bool audio);
-    // Where the decoder context that describes each stream is found (null before the stream's
-    // header). Called only on the producer's thread, from enqueueVideoPacket/enqueueAudioPacket.
-    using ContextSource = std::function<AVCodecContext *()>;
-    void setVideoCodecSource(ContextSource source);
-    void setAudioCodecSource(ContextSource source);
     // The file goes to folder as "<nickname>_<serial>_<yyyyMMdd_hhmmss_zzz>.mkv".
     void setOutput(const QString &folder, const QString &nickname, const QString &serial);
     static QString fileName(const QString &nickname, const QString &serial, const QDateTime &time);
 
     PacketSink *videoSink() { return &m_videoSink; }
     PacketSink *audioSink() { return &m_audioSink; }
+    // The stream's description, taken for the next file; a new session opens its streams again.
+    void openVideoStream(const AVCodecParameters *stream);
+    void openAudioStream(const AVCodecParameters *stream);
     void enqueueVideoPacket(const AVPacket *packet);
     void enqueueAudioPacket(const AVPacket *packet);
 
@@ -77,6 +76,10 @@ private:
     {
     public:
         Sink(MediaRecorder *recorder, bool video) : m_recorder(recorder), m_video(video) {}
+        void openStream(const AVCodecParameters *stream) override
+        {
+            m_video ? m_recorder->openVideoStream(stream) : m_recorder->openAudioStream(stream);
+        }
         void pushPacket(const AVPacket *packet) override
         {
             m_video ? m_recorder->enqueueVideoPacket(packet) : m_recorder->enqueueAudioPacket(packet);
@@ -99,7 +102,7 @@ private:
     bool chooseBase(bool stopping);
     bool writePacket(AVPacket *packet, AVStream *stream, qint64 *lastWritten);
     void finish();
-    static void snapshot(AVCodecParameters *&parameters, AVRational *frameRate, AVCodecContext *context);
+    static void keep(AVCodecParameters *&parameters, const AVCodecParameters *stream);
 
     Sink m_videoSink{this, true};
     Sink m_audioSink{this, false};
@@ -112,11 +115,8 @@ private:
     // Guarded by m_mutex.
     QList<AVPacket *> m_videoQueue;
     QList<AVPacket *> m_audioQueue;
-    ContextSource m_videoSource;
-    ContextSource m_audioSource;
     AVCodecParameters *m_videoParameters = nullptr;
     AVCodecParameters *m_audioParameters = nullptr;
-    AVRational m_videoFrameRate{0, 1};
     QString m_folder;
     QString m_nickname;
     QString m_serial;

@@ -8,7 +8,6 @@
 #include "videodecoder.h"
 #include "videodemuxer.h"
 
-#include <QPointer>
 #include <QTcpSocket>
 
 extern "C" {
@@ -43,12 +42,6 @@ void MediaWorker::startVideo(QTcpSocket *socket, const QList<PacketSink *> &prob
     const int first = recorder ? 1 : 0;
     for (int i = 0; i < probes.size(); ++i)
         m_videoDemuxer->insertPacketSink(first + i, probes.at(i));
-    m_videoDecoder->setDemuxer(m_videoDemuxer);
-    if (recorder) {
-        recorder->setVideoCodecSource([demuxer = QPointer<VideoDemuxer>(m_videoDemuxer)]() -> AVCodecContext * {
-            return demuxer ? demuxer->codecContext() : nullptr;
-        });
-    }
     connect(socket, &QTcpSocket::disconnected, this, &MediaWorker::videoEnded);
     // Bytes may have arrived before the socket moved here.
     if (socket->bytesAvailable() > 0)
@@ -65,18 +58,14 @@ void MediaWorker::startAudio(QTcpSocket *socket, AudioDecoder *decoder, bool dev
     m_audioPlayer = new SimpleAudioPlayer;
     connect(m_audioDecoder, &AudioDecoder::frameDecoded, m_audioPlayer,
             [player = m_audioPlayer](AVFrame *frame) { player->playFrame(frame); });
-    m_audioDemuxer = new AudioDemuxer(socket, recorder ? recorder->audioSink() : nullptr, m_audioDecoder,
-                                      deviceNameFirst);
-    m_audioDecoder->setDemuxer(m_audioDemuxer);
-    if (recorder) {
-        recorder->setAudioCodecSource([demuxer = QPointer<AudioDemuxer>(m_audioDemuxer)]() -> AVCodecContext * {
-            return demuxer ? demuxer->codecContext() : nullptr;
-        });
-    }
-    connect(m_audioDemuxer, &AudioDemuxer::audioUnavailable, this, [this](const QString &message) {
+    const auto silence = [this](const QString &message) {
         m_audioPlayer->stop();
         emit audioUnavailable(message);
-    });
+    };
+    connect(m_audioDecoder, &AudioDecoder::unavailable, this, silence);
+    m_audioDemuxer = new AudioDemuxer(socket, recorder ? recorder->audioSink() : nullptr, m_audioDecoder,
+                                      deviceNameFirst);
+    connect(m_audioDemuxer, &AudioDemuxer::audioUnavailable, this, silence);
     m_audioPlayer->start();
     if (socket->bytesAvailable() > 0)
         m_audioDemuxer->read();

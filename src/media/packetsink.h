@@ -3,14 +3,19 @@
 #include <QObject>
 #include <QPointer>
 
+struct AVCodecParameters;
 struct AVPacket;
 
-// A consumer of demuxed packets. Producers call pushPacket synchronously and unreference the
-// packet as soon as the call returns, so a sink copies (or clones) whatever it wants to keep.
+// A consumer of one demuxed stream. The producer calls openStream once it has read the stream's
+// header, before any packet, then pushPacket for each packet. Both calls are synchronous and the
+// producer keeps what it passes, so a sink copies (or clones) whatever it wants to keep.
 class PacketSink
 {
 public:
     virtual ~PacketSink() = default;
+    // What the stream carries (codec; for video the picture size the phone announced). A sink that
+    // only looks at packets has nothing to do here.
+    virtual void openStream(const AVCodecParameters *stream) { Q_UNUSED(stream) }
     virtual void pushPacket(const AVPacket *packet) = 0;
 };
 
@@ -26,13 +31,21 @@ public:
     {
     }
 
+    void open(const AVCodecParameters *stream) const
+    {
+        if (PacketSink *sink = alive())
+            sink->openStream(stream);
+    }
+
     void push(const AVPacket *packet) const
     {
-        if (m_sink && !(m_guarded && m_guard.isNull()))
-            m_sink->pushPacket(packet);
+        if (PacketSink *sink = alive())
+            sink->pushPacket(packet);
     }
 
 private:
+    PacketSink *alive() const { return m_guarded && m_guard.isNull() ? nullptr : m_sink; }
+
     PacketSink *m_sink;
     QPointer<QObject> m_guard;
     bool m_guarded;

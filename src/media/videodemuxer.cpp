@@ -24,8 +24,6 @@ bool startsWithStartCode(const uchar *p)
 
 } // namespace
 
-std::atomic_int VideoDemuxer::s_liveContexts{0};
-
 VideoDemuxer::VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *decoder)
     : m_socket(socket)
     , m_packet(av_packet_alloc())
@@ -39,6 +37,7 @@ VideoDemuxer::VideoDemuxer(QIODevice *socket, PacketSink *recorder, PacketSink *
 VideoDemuxer::~VideoDemuxer()
 {
     av_packet_free(&m_packet);
+    avcodec_parameters_free(&m_stream);
 }
 
 void VideoDemuxer::insertPacketSink(int position, PacketSink *sink)
@@ -48,6 +47,8 @@ void VideoDemuxer::insertPacketSink(int position, PacketSink *sink)
     if (position < 0 || position > m_sinks.size())
         position = int(m_sinks.size());
     m_sinks.insert(position, GuardedPacketSink(sink));
+    if (m_stream)
+        m_sinks.at(position).open(m_stream);
 }
 
 void VideoDemuxer::read()
@@ -121,40 +122,25 @@ bool VideoDemuxer::parseHeader()
     m_buffer.remove(0, HeaderSize);
     m_headerParsed = true;
 
-    return openCodec();
+    return describeStream();
 }
 
-bool VideoDemuxer::openCodec()
+bool VideoDemuxer::describeStream()
 {
+    // The phone names its codec the way FFmpeg does ("h264"), so the name is looked up as it is.
     const QByteArray codecName = QString::fromLatin1(m_codecId).toLatin1();
-    const AVCodec *codec = avcodec_find_decoder_by_name(codecName.constData());
-    if (!codec) {
-        qWarning() << "VideoDemuxer: no decoder named" << codecName;
+    const AVCodecDescriptor *codec = avcodec_descriptor_get_by_name(codecName.constData());
+    if (!codec)
+        qWarning() << "VideoDemuxer: unknown codec" << codecName;
+    m_stream = avcodec_parameters_alloc();
+    if (!m_stream)
         return false;
-    }
-    AVCodecContext *context = avcodec_alloc_context3(codec);
-    if (!context)
-        return false;
-    ++s_liveContexts;
-    m_codecContext.reset(context, [](AVCodecContext *c) {
-        avcodec_free_context(&c);
-        --s_liveContexts;
-    });
-
-    context->flags |= AV_CODEC_FLAG_LOW_DELAY;
-    context->width = int(m_width);
-    context->height = int(m_height);
-    if (m_codecId == "h264") {
-        context->flags |= AV_CODEC_FLAG_LOW_DELAY;
-        context->flags2 |= AV_CODEC_FLAG2_FAST | AV_CODEC_FLAG2_CHUNKS;
-    }
-
-    const int result = avcodec_open2(context, codec, nullptr);
-    if (result < 0) {
-        char text[64] = {};
-        av_strerror(result, text, sizeof text);
-        qWarning() << "VideoDemuxer: cannot open decoder" << codecName << ":" << text;
-        return false;
-    }
-    return true;
+    m_stream->codec_type = AVMEDIA_TYPE_VIDEO;
+    m_stream->codec_id = codec ? codec->id : AV_CODEC_ID_NONE;
+    m_stream->width = int(m_width);
+    m_stream->height = int(m_height);
+    for (qsizetype i = 0; i < m_sinks.size(); ++i)
+        m_sinks.at(i).open(m_stream);
+    // A stream nobody can decode ends the read that found it; its packets still follow.
+    return codec != nullptr;
 }

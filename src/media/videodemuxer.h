@@ -7,9 +7,6 @@
 #include <QPointer>
 #include <QString>
 
-#include <atomic>
-#include <memory>
-
 extern "C" {
 #include <libavcodec/avcodec.h>
 }
@@ -20,7 +17,8 @@ extern "C" {
 // Cuts the video socket's byte stream (a 76-byte stream header, then packets with a 12-byte
 // header) into FFmpeg packets and hands each one to an ordered list of sinks: the recorder first,
 // then the decoder, plus any sink inserted among them (a probe placed first sees every packet
-// before the decoder does).
+// before the decoder does). Once the header is read, every sink is opened with a description of
+// the stream; the demuxer decodes nothing itself.
 class VideoDemuxer : public QObject
 {
     Q_OBJECT
@@ -37,19 +35,15 @@ public:
     ~VideoDemuxer() override;
 
     // Adds a sink (not owned, same lifetime rule as above) at position in the list of non-null
-    // sinks; positions outside the list append. Null sinks are ignored.
+    // sinks; positions outside the list append. Null sinks are ignored. A sink added after the
+    // header is opened at once.
     void insertPacketSink(int position, PacketSink *sink);
     int packetSinkCount() const { return int(m_sinks.size()); }
 
-    // Null until the stream header has named a known decoder; never replaced afterwards.
-    AVCodecContext *codecContext() const { return m_codecContext.get(); }
-    // The same context for holders that may outlive the demuxer (the decoder borrows it); it is
-    // freed when the last holder lets go.
-    std::shared_ptr<AVCodecContext> sharedCodecContext() const { return m_codecContext; }
+    // What the sinks were opened with; null until the header is read.
+    const AVCodecParameters *stream() const { return m_stream; }
 
     bool isHeaderParsed() const { return m_headerParsed; }
-    // Codec contexts not freed yet, in the whole process, for leak checks.
-    static int liveCodecContexts() { return s_liveContexts.load(); }
     QString deviceName() const { return m_deviceName; }
     QByteArray codecId() const { return m_codecId; }
     quint32 width() const { return m_width; }
@@ -65,15 +59,14 @@ public slots:
 private:
 
     bool parseHeader();
-    bool openCodec();
+    bool describeStream();
     // Fills m_packet from size payload bytes at data; false if no packet could be allocated.
     bool fillPacket(const char *data, int size);
 
-    static std::atomic_int s_liveContexts;
     QPointer<QIODevice> m_socket;
     bool m_headerParsed = false;
     QByteArray m_buffer;
-    std::shared_ptr<AVCodecContext> m_codecContext;
+    AVCodecParameters *m_stream = nullptr;
     QList<GuardedPacketSink> m_sinks;
     QString m_deviceName;
     QByteArray m_codecId;

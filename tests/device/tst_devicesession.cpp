@@ -13,7 +13,6 @@
 #include "screenshotwriter.h"
 #include "serverparams.h"
 #include "videodecoder.h"
-#include "videodemuxer.h"
 
 #include <QImageReader>
 #include <QJsonArray>
@@ -280,14 +279,14 @@ private slots:
         Device *device = makeDevice(group, phone);
         QVERIFY(device);
         const int decoders = VideoDecoder::liveInstances();
-        const int contexts = VideoDemuxer::liveCodecContexts();
+        const int contexts = VideoDecoder::liveCodecContexts();
         for (int cycle = 0; cycle < 50; ++cycle) {
             device->startScrcpySession();
             QTRY_VERIFY_WITH_TIMEOUT(device->videoFrames()->latest() != nullptr, 15000);
             QCOMPARE(VideoDecoder::liveInstances(), decoders + 1);
             device->stopScrcpySession();
             QCOMPARE(VideoDecoder::liveInstances(), decoders);
-            QCOMPARE(VideoDemuxer::liveCodecContexts(), contexts);
+            QCOMPARE(VideoDecoder::liveCodecContexts(), contexts);
         }
     }
 

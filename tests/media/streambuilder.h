@@ -21,12 +21,24 @@ struct SeenPacket
     bool operator==(const SeenPacket &o) const { return std::tie(data, pts, dts, key) == std::tie(o.data, o.pts, o.dts, o.key); }
 };
 
+// What a sink was opened with.
+struct SeenStream
+{
+    AVCodecID codec = AV_CODEC_ID_NONE;
+    QSize size;
+    bool operator==(const SeenStream &o) const { return std::tie(codec, size) == std::tie(o.codec, o.size); }
+};
+
 // Keeps a copy of every packet and writes its name to a log shared between sinks, so a test sees
 // the order in which the sinks were called.
 class RecordingSink : public PacketSink
 {
 public:
     explicit RecordingSink(QString name = {}, QStringList *log = nullptr) : m_name(std::move(name)), m_log(log) {}
+    void openStream(const AVCodecParameters *stream) override
+    {
+        streams.append({stream->codec_id, QSize(stream->width, stream->height)});
+    }
     void pushPacket(const AVPacket *packet) override
     {
         packets.append({QByteArray(reinterpret_cast<const char *>(packet->data), packet->size), packet->pts,
@@ -34,6 +46,7 @@ public:
         if (m_log)
             m_log->append(m_name);
     }
+    QList<SeenStream> streams;
     QList<SeenPacket> packets;
 
 private:

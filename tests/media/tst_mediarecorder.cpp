@@ -1,10 +1,19 @@
+#include "audiodemuxer.h"
+#include "fakesocket.h"
 #include "mediarecorder.h"
 #include "recordingtimeline.h"
+#include "streambuilder.h"
+#include "videodemuxer.h"
 
 #include <QSignalSpy>
 #include <QtTest>
 
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
 using Times = QList<qint64>;
+using namespace StreamBuilder;
 
 // The rules a recording's timestamps and file names follow.
 class TestMediaRecorder : public QObject
@@ -99,6 +108,46 @@ private slots:
         QCOMPARE(said("Record Failed"), 1);
         recorder.stop();
         QTRY_COMPARE(said("Record Stopped"), 2);
+    }
+
+    // The tracks are described as the demuxers opened their streams; the Opus header, sent once
+    // when the sound starts, is kept from before the recording.
+    void tracksCarryTheStreamsDescriptions()
+    {
+        QTemporaryDir folder;
+        const H264Clip clip = encodeClip({64, 48}, 3);
+        QString path;
+        {
+            MediaRecorder recorder;
+            recorder.setStreams(true, true);
+            recorder.setOutput(folder.path(), "desk", "R58M");
+            FakeSocket videoSocket;
+            FakeSocket audioSocket;
+            VideoDemuxer video(&videoSocket, recorder.videoSink(), nullptr);
+            AudioDemuxer audio(&audioSocket, recorder.audioSink(), nullptr);
+            audioSocket.feed(StreamFraming::audioHeader(StreamFraming::codecOpus) + packet(ConfigFlag, "OpusHead-config"));
+            QSignalSpy reset(&recorder, &MediaRecorder::resetVideoRequested);
+            QVERIFY(recorder.start());
+            // The phone answers the recorder's request with a configuration and a key frame.
+            QTRY_COMPARE(reset.count(), 1);
+            videoSocket.feed(clip.stream(3));
+            for (int i = 0; i < 3; ++i)
+                audioSocket.feed(packet(quint64(i) * 20000, "sound"));
+            recorder.stop();
+            path = recorder.filePath();
+            // Destroying the recorder waits for its file to be finished.
+        }
+        AVFormatContext *file = nullptr;
+        QCOMPARE(avformat_open_input(&file, path.toUtf8().constData(), nullptr, nullptr), 0);
+        const auto close = qScopeGuard([&file] { avformat_close_input(&file); });
+        QCOMPARE(file->nb_streams, 2u);
+        const AVCodecParameters *picture = file->streams[0]->codecpar;
+        const AVCodecParameters *sound = file->streams[1]->codecpar;
+        QCOMPARE(picture->codec_id, AV_CODEC_ID_H264);
+        QCOMPARE(QSize(picture->width, picture->height), clip.size);
+        QCOMPARE(sound->codec_id, AV_CODEC_ID_OPUS);
+        QCOMPARE(QByteArray(reinterpret_cast<const char *>(sound->extradata), sound->extradata_size),
+                 QByteArray("OpusHead-config"));
     }
 };
 

@@ -28,7 +28,6 @@ private slots:
         FakeSocket socket;
         VideoDecoder decoder;
         VideoDemuxer demuxer(&socket, nullptr, &decoder);
-        decoder.setDemuxer(&demuxer);
         QList<qint64> shown;
         connect(&decoder, &VideoDecoder::frameDecoded, this, [&](AVFrame *frame) {
             QCOMPARE(QSize(frame->width, frame->height), clip.size);
@@ -58,44 +57,25 @@ private slots:
         QCOMPARE(shown[3], clip.pictures[key].ptsUs);
     }
 
-    void codecContextFreedAfterBoth_data()
+    void opensALowDelayDecoderOfItsOwn()
     {
-        QTest::addColumn<bool>("decoderFirst");
-        QTest::addColumn<bool>("decoderFed");
-        QTest::newRow("demuxer first") << false << true;
-        QTest::newRow("decoder first") << true << true;
-        QTest::newRow("demuxer first, nothing decoded") << false << false;
-        QTest::newRow("decoder first, nothing decoded") << true << false;
-    }
-
-    void codecContextFreedAfterBoth()
-    {
-        QFETCH(bool, decoderFirst);
-        QFETCH(bool, decoderFed);
-        const H264Clip clip = encodeClip({64, 48}, 2);
         FakeSocket socket;
+        const int contexts = VideoDecoder::liveCodecContexts();
         auto *decoder = new VideoDecoder;
-        auto *demuxer = new VideoDemuxer(&socket, nullptr, decoder);
-        decoder->setDemuxer(demuxer);
-        const QByteArray stream = clip.stream(2);
-        socket.feed(stream.left(VideoDemuxer::HeaderSize));
-        std::weak_ptr<AVCodecContext> context = demuxer->sharedCodecContext();
-        QVERIFY(!context.expired());
-        if (decoderFed) {
-            QSignalSpy decoded(decoder, &VideoDecoder::frameDecoded);
-            socket.feed(stream.mid(VideoDemuxer::HeaderSize));
-            QCOMPARE(decoded.count(), 2);
-        }
-        if (decoderFirst) {
-            delete decoder;
-            QVERIFY(!context.expired());
-            delete demuxer;
-        } else {
-            delete demuxer;
-            QCOMPARE(context.expired(), !decoderFed);
-            delete decoder;
-        }
-        QVERIFY(context.expired());
+        VideoDemuxer demuxer(&socket, nullptr, decoder);
+        QVERIFY(!decoder->codecContext());
+        socket.feed(header("phone", "h264", 1080, 1920));
+        const AVCodecContext *context = decoder->codecContext();
+        QVERIFY(context && avcodec_is_open(const_cast<AVCodecContext *>(context)));
+        QCOMPARE(QSize(context->width, context->height), QSize(1080, 1920));
+        // Pictures leave the decoder as soon as they are whole.
+        QVERIFY(context->flags & AV_CODEC_FLAG_LOW_DELAY);
+        QVERIFY(context->flags2 & AV_CODEC_FLAG2_FAST);
+        QVERIFY(context->flags2 & AV_CODEC_FLAG2_CHUNKS);
+        QCOMPARE(VideoDecoder::liveCodecContexts(), contexts + 1);
+        // The context goes with its decoder, whatever the demuxer does.
+        delete decoder;
+        QCOMPARE(VideoDecoder::liveCodecContexts(), contexts);
     }
 };
 

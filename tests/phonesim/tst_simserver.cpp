@@ -194,7 +194,6 @@ QList<QSize> decodeVideo(const QByteArray &socketBytes)
     socket.open(QIODevice::ReadOnly);
     VideoDecoder decoder;
     VideoDemuxer demuxer(&socket, nullptr, &decoder);
-    decoder.setDemuxer(&demuxer);
     QList<QSize> pictures;
     QObject::connect(&decoder, &VideoDecoder::frameDecoded,
                      [&pictures](AVFrame *frame) { pictures << QSize(frame->width, frame->height); });
