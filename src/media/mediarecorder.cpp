@@ -4,6 +4,7 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QPointer>
 #include <QThread>
 #include <QtDebug>
 
@@ -190,7 +191,10 @@ bool MediaRecorder::start()
     m_thread = new QThread;
     m_thread->setObjectName("VideoRecorderThread");
     connect(m_thread, &QThread::started, this, [this] { record(); }, Qt::DirectConnection);
-    connect(m_thread, &QThread::finished, this, [this] {
+    connect(m_thread, &QThread::finished, this, [this, thread = QPointer<QThread>(m_thread)] {
+        // A recording started after this one had ended runs on a thread of its own already.
+        if (thread != m_thread)
+            return;
         m_thread->wait();
         if (std::exchange(m_startQueued, false))
             start();
