@@ -1,6 +1,7 @@
 #include "devicetracker.h"
 
 #include "adbclient.h"
+#include "adbpool.h"
 
 #include <QProcess>
 #include <QTimer>
@@ -51,6 +52,28 @@ bool DeviceTracker::isAttached(const QString &serial) const
 {
     return std::any_of(m_devices.cbegin(), m_devices.cend(),
                        [&serial](const ADBDeviceInfo &info) { return info.adb_serial == serial; });
+}
+
+quint64 DeviceTracker::refresh()
+{
+    const quint64 ticket = ++m_refreshAsked;
+    if (!m_refreshRunning)
+        runRefresh();
+    return ticket;
+}
+
+void DeviceTracker::runRefresh()
+{
+    m_refreshRunning = m_refreshAsked;
+    AdbPool::run(this, [] { return AdbClient::devices(); }, [this](const QList<ADBDeviceInfo> &listed) {
+        m_devices = listed;
+        m_refreshAnswered = std::exchange(m_refreshRunning, 0);
+        emit devicesChanged();
+        emit refreshed(m_refreshAnswered);
+        // Asked for while this one ran: the answer must come from after the question.
+        if (m_refreshAsked > m_refreshAnswered)
+            runRefresh();
+    });
 }
 
 void DeviceTracker::start()

@@ -4,21 +4,19 @@
 #include "adbpool.h"
 #include "controller.h"
 #include "deviceactions.h"
+#include "devicescreenshot.h"
 #include "framehandoff.h"
 #include "mediapipeline.h"
 #include "offlinewatch.h"
 #include "keymappingprofile.h"
 #include "mediarecorder.h"
 #include "scrcpyserver.h"
-#include "screenshotwriter.h"
 #include "serverparams.h"
 
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QMutex>
 #include <QTcpSocket>
 #include <QTimer>
-#include <QtConcurrent>
 
 extern "C" {
 #include <libavutil/frame.h>
@@ -28,6 +26,15 @@ namespace {
 int stepDelayMs = 1000;
 QMutex recordingFolderMutex;
 QString recordingFolder;
+}
+
+template<typename T, typename V>
+void Device::change(T &field, const V &value, void (Device::*changed)())
+{
+    if (field == value)
+        return;
+    field = value;
+    emit(this->*changed)();
 }
 
 void Device::setStepDelay(int milliseconds)
@@ -48,15 +55,20 @@ Device::Device(QObject *parent, const QString &adbConnectionSerial)
     , m_bigViewParams(new ServerParams(this))
     , m_frames(new FrameHandoff(this))
     , m_offlineWatch(new OfflineWatch(adbConnectionSerial, this))
-    , m_screenshotWriter(std::make_shared<ScreenshotWriter>())
 {
     m_bigViewParams->setMaxSize(720);
     m_bigViewParams->setMaxFps(30);
     m_bigViewParams->setBitRate(4000000);
     m_actions = new DeviceActions(this);
+    m_screenshot = new DeviceScreenshot(m_frames, this);
+    connect(m_screenshot, &DeviceScreenshot::busyChanged, this, &Device::isScreenShottingChanged);
+    connect(m_screenshot, &DeviceScreenshot::finished, this, &Device::handleScreenshotFinished);
     connect(m_frames, &FrameHandoff::frameAvailable, this, &Device::handleFrameAvailable);
     connect(m_frames, &FrameHandoff::watchedChanged, this, &Device::applyDecodingDemand);
-    connect(m_offlineWatch, &OfflineWatch::listed, this, &Device::handleBackOnline);
+    connect(m_offlineWatch, &OfflineWatch::offlineChanged, this, &Device::offlineChanged);
+    connect(m_offlineWatch, &OfflineWatch::backOnline, this, &Device::handleBackOnline);
+    // The server itself ended (killed, or failed): the phone stays stopped.
+    connect(m_offlineWatch, &OfflineWatch::stillListed, this, [this] { m_resumeSession = false; });
     m_recorder = new MediaRecorder(this);
     connect(m_recorder, &MediaRecorder::message, this, &Device::deviceMessage);
     connect(m_recorder, &MediaRecorder::resetVideoRequested, this, [this] {
@@ -76,34 +88,32 @@ Device::~Device()
 
 void Device::setIndexInGroup(int index)
 {
-    if (m_indexInGroup == index)
-        return;
-    m_indexInGroup = index;
-    emit indexInGroupChanged();
+    change(m_indexInGroup, index, &Device::indexInGroupChanged);
 }
 
 void Device::setConnectionType(ConnectionType type)
 {
-    if (m_connectionType == type)
-        return;
-    m_connectionType = type;
-    emit connectionTypeChanged();
+    change(m_connectionType, type, &Device::connectionTypeChanged);
 }
 
 void Device::setDeviceGroup(QObject *group)
 {
-    if (m_deviceGroup == group)
-        return;
-    m_deviceGroup = group;
-    emit deviceGroupChanged();
+    change(m_deviceGroup, group, &Device::deviceGroupChanged);
 }
 
 void Device::setIsHostDevice(bool host)
 {
-    if (m_isHostDevice == host)
-        return;
-    m_isHostDevice = host;
-    emit isHostDeviceChanged();
+    change(m_isHostDevice, host, &Device::isHostDeviceChanged);
+}
+
+bool Device::offline() const
+{
+    return m_offlineWatch->offline();
+}
+
+QDateTime Device::offlineSince() const
+{
+    return m_offlineWatch->offlineSince();
 }
 
 bool Device::isAudioEnabled() const
@@ -113,10 +123,7 @@ bool Device::isAudioEnabled() const
 
 void Device::updateNickName(const QString &nickname)
 {
-    if (m_nickName == nickname)
-        return;
-    m_nickName = nickname;
-    emit nickNameChanged();
+    change(m_nickName, nickname, &Device::nickNameChanged);
 }
 
 void Device::setNickName(const QString &nickname)
@@ -137,6 +144,7 @@ void Device::startScrcpySession()
 {
     if (m_server)
         return;
+    m_offlineWatch->sessionStarted();
 
     // Without the server file nothing can start; say where it belongs instead of dropping the phone.
     const QString serverFile = ScrcpyServer::serverFile();
@@ -176,10 +184,7 @@ void Device::handleStartFailed(const QString &error)
 
 void Device::setStarting(bool starting)
 {
-    if (m_starting == starting)
-        return;
-    m_starting = starting;
-    emit startingChanged();
+    change(m_starting, starting, &Device::startingChanged);
 }
 
 void Device::teardownSession()
@@ -196,11 +201,7 @@ void Device::teardownSession()
     m_server->deleteLater();
     m_server = nullptr;
     m_frames->clear();
-    if (m_screenshotWaitsForPicture) {
-        m_screenshotWaitsForPicture = false;
-        m_frames->removeWatcher();
-        handleScreenshotFinished(false);
-    }
+    m_screenshot->sessionEnded();
     m_hasPicture = false;
     setStarting(false);
     emit runningChanged();
@@ -240,41 +241,11 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
         emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), 10000);
     teardownSession();
     m_resumeSession = true;
-    // adb's tracking stream does not report a Wi-Fi phone going offline, so ask once now.
-    AdbPool::run(this, [] { return AdbClient::devices(); }, [this](const QList<ADBDeviceInfo> &attached) {
-        if (m_server)
-            return;
-        const bool listed = std::any_of(attached.cbegin(), attached.cend(), [this](const ADBDeviceInfo &info) {
-            return info.adb_serial == m_adbConnectionSerial;
-        });
-        // Still listed: the server itself ended (killed, or failed), and the phone stays stopped.
-        if (listed) {
-            m_resumeSession = false;
-            return;
-        }
-        setOffline(true);
-    });
-}
-
-void Device::setOffline(bool offline)
-{
-    if (offline) {
-        m_offlineWatch->start();
-        if (m_offline)
-            return;
-        m_offlineSince = QDateTime::currentDateTime();
-    } else {
-        m_offlineWatch->stop();
-        if (!m_offline)
-            return;
-    }
-    m_offline = offline;
-    emit offlineChanged();
+    m_offlineWatch->sessionEnded();
 }
 
 void Device::handleBackOnline()
 {
-    setOffline(false);
     if (!m_resumeSession)
         return;
     m_resumeSession = false;
@@ -385,11 +356,7 @@ void Device::handleFrameAvailable()
         m_hasPicture = true;
         applyDecodingDemand();
     }
-    if (m_screenshotWaitsForPicture) {
-        m_screenshotWaitsForPicture = false;
-        m_frames->removeWatcher();
-        saveScreenshot();
-    }
+    m_screenshot->pictureArrived();
 }
 
 void Device::applyDecodingDemand()
@@ -428,44 +395,21 @@ void Device::setEnableAudio(bool enableAudio)
     emit isAudioEnabledChanged();
 }
 
+bool Device::isScreenShotting() const
+{
+    return m_screenshot->busy();
+}
+
 void Device::takeScreenshot()
 {
-    if (m_isScreenShotting)
+    if (m_screenshot->busy())
         return;
     if (!m_media || !m_server) {
         emitError(tr("Not Connected"), 2000);
         emit screenshotFinished(false, tr("Not Connected"));
         return;
     }
-    m_isScreenShotting = true;
-    emit isScreenShottingChanged();
-    if (m_frames->isWatched() && m_frames->latest()) {
-        saveScreenshot();
-        return;
-    }
-    // Nobody looks at this phone, so its picture may be old: decode again until a new one comes.
-    m_screenshotWaitsForPicture = true;
-    m_frames->addWatcher();
-}
-
-void Device::saveScreenshot()
-{
-    const FrameHandoff::Frame frame = m_frames->latest();
-    if (!frame) {
-        handleScreenshotFinished(false);
-        return;
-    }
-    const QString folder = ScreenshotWriter::folder();
-    auto *watcher = new QFutureWatcher<bool>(this);
-    connect(watcher, &QFutureWatcher<bool>::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        handleScreenshotFinished(watcher->result());
-    });
-    watcher->setFuture(QtConcurrent::run(ScreenshotWriter::workers(),
-                                         [writer = m_screenshotWriter, frame, folder, serial = m_adbConnectionSerial] {
-        QString path;
-        return writer->save(frame.get(), folder, serial, &path);
-    }));
+    m_screenshot->take(m_adbConnectionSerial);
 }
 
 void Device::handleScreenshotFinished(bool saved)
@@ -475,8 +419,6 @@ void Device::handleScreenshotFinished(bool saved)
         emitSuccess(message);
     else
         emitError(message);
-    m_isScreenShotting = false;
-    emit isScreenShottingChanged();
     emit screenshotFinished(saved, message);
 }
 

@@ -9,11 +9,11 @@
 #include <QProcess>
 #include <QSize>
 
-#include <memory>
 
 class AudioDecoder;
 class Controller;
 class DeviceActions;
+class DeviceScreenshot;
 class FrameHandoff;
 class MediaPipeline;
 class OfflineWatch;
@@ -21,7 +21,6 @@ class KeyMappingProfile;
 class MediaRecorder;
 class PacketSink;
 class ScrcpyServer;
-class ScreenshotWriter;
 class ServerParams;
 
 // One phone in one group: runs its mirroring session and wires its pipeline (server, media,
@@ -84,13 +83,13 @@ public:
     void setIsHostDevice(bool host);
     ServerParams *serverParamsSmallView() const { return m_smallViewParams; }
     ServerParams *serverParamsBigView() const { return m_bigViewParams; }
-    bool isScreenShotting() const { return m_isScreenShotting; }
+    bool isScreenShotting() const;
     bool running() const { return m_server != nullptr; }
     // Between Start and the first picture.
     bool starting() const { return m_starting; }
     // adb lost the phone; it stays in its group and its session comes back with it.
-    bool offline() const { return m_offline; }
-    QDateTime offlineSince() const { return m_offlineSince; }
+    bool offline() const;
+    QDateTime offlineSince() const;
     // The session's pictures, for views and screenshots; the same object for the device's life.
     FrameHandoff *videoFrames() const { return m_frames; }
     bool isAudioEnabled() const;
@@ -175,15 +174,16 @@ public:
 private:
     void emitSuccess(const QString &message) { emit deviceMessage(message, "success", 2000); }
     void emitError(const QString &message, int timeout = 5000) { emit deviceMessage(message, "error", timeout); }
+    // Stores a changed value and announces it.
+    template<typename T, typename V>
+    void change(T &field, const V &value, void (Device::*changed)());
     void teardownSession();
     void deleteController();
     void setStarting(bool starting);
-    void setOffline(bool offline);
     void handleBackOnline();
     void handleStartFailed(const QString &error);
     void applyDecodingDemand();
     MediaPipeline *mediaPipeline();
-    void saveScreenshot();
     void handleScreenshotFinished(bool saved);
 
     DeviceActions *m_actions;
@@ -207,17 +207,13 @@ private:
     QList<PacketSink *> m_videoPacketProbes;
     MediaRecorder *m_recorder = nullptr;
     bool m_starting = false;
-    bool m_offline = false;
-    QDateTime m_offlineSince;
     // The session ended without the user asking: it starts again when the phone is back.
     bool m_resumeSession = false;
     OfflineWatch *m_offlineWatch;
     bool m_hasPicture = false;
     bool m_decodingPaused = false;
-    bool m_isScreenShotting = false;
-    bool m_screenshotWaitsForPicture = false;
     bool m_switchingConnection = false;
-    std::shared_ptr<ScreenshotWriter> m_screenshotWriter;
+    DeviceScreenshot *m_screenshot;
     // Not owned: a profile deleted by its owner turns the mapping off.
     QPointer<KeyMappingProfile> m_keyMappingProfile;
 };

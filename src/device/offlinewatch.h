@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
-// Waits for a phone that went away to be listed by adb again, asking at growing intervals
-// (1 s, 2 s, 4 s ... 30 s). A Wi-Fi phone (an address:port serial) is reconnected on each try, since
-// a restarted adb server does not know it any more.
+// Whether a phone whose session ended on its own is still there, and when it is back. The answer
+// comes from the device tracker, which sees a USB phone return by itself; a Wi-Fi phone (an
+// address:port serial) is also asked back with `adb connect` at growing intervals (1 s, 2 s,
+// 4 s ... 30 s), since a restarted adb server does not know it any more.
 class OfflineWatch : public QObject
 {
     Q_OBJECT
@@ -17,21 +19,33 @@ public:
 
     OfflineWatch(const QString &serial, QObject *parent = nullptr);
 
-    // Starts asking, or goes on from the current interval when already waiting.
-    void start();
-    void stop();
-    bool isWatching() const { return m_watching; }
+    bool offline() const { return m_offline; }
+    QDateTime offlineSince() const { return m_offlineSince; }
     // The interval before the next try.
     int nextDelayMs() const { return m_delayMs; }
 
+    // The session ended without the user asking: adb is asked whether the phone is still listed.
+    void sessionEnded();
+    // A new session started: an answer still due about the old one no longer matters.
+    void sessionStarted();
+
 signals:
-    void listed();
+    void offlineChanged();
+    // The session's end was the server's own: the phone is still listed.
+    void stillListed();
+    // The phone went away and is listed again.
+    void backOnline();
 
 private:
-    void check();
+    void setOffline(bool offline);
+    void tryAgain();
+    void checkTracker();
 
     QString m_serial;
     QTimer m_timer;
     int m_delayMs = FirstDelayMs;
-    bool m_watching = false;
+    bool m_offline = false;
+    QDateTime m_offlineSince;
+    // Counts session ends, so that a late answer about an earlier one is dropped.
+    quint64 m_sessionEnd = 0;
 };
