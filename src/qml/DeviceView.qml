@@ -54,9 +54,6 @@ Item {
         messageStrip.visible = true
     }
 
-    Component.onCompleted: console.log("DeviceView created for device:", deviceKey)
-    Component.onDestruction: console.log("DeviceView destroyed for device:", deviceKey)
-
     Connections {
         target: root.device
         function onRunningChanged() {
@@ -179,8 +176,6 @@ Item {
             visible: root.running && !root.onBigScreen
             onWidthChanged: root.reportShowSize()
             onHeightChanged: root.reportShowSize()
-            Component.onCompleted: console.log("YuvFboItem created for device:", root.deviceKey)
-            Component.onDestruction: console.log("YuvFboItem destroyed for device:", root.deviceKey)
         }
 
         Text {
@@ -197,7 +192,6 @@ Item {
             objectName: "inputArea"
             anchors.fill: parent
             device: root.device
-            logButtons: true
             visible: root.running && !root.onBigScreen
             enabled: !coordinates.visible
         }
