@@ -21,12 +21,12 @@ MouseArea {
         keySink.forceActiveFocus()
         isDragging = true
         if (canControl)
-            device.controller.handleMouseEvent(2, mouse.x, mouse.y, mouse.button, mouse.buttons)
+            device.controller.handleMouseEvent(InputEvent.MousePress, mouse.x, mouse.y, mouse.button, mouse.buttons)
     }
     onReleased: mouse => {
         isDragging = false
         if (canControl)
-            device.controller.handleMouseEvent(3, mouse.x, mouse.y, mouse.button, mouse.buttons)
+            device.controller.handleMouseEvent(InputEvent.MouseRelease, mouse.x, mouse.y, mouse.button, mouse.buttons)
     }
     onPositionChanged: mouse => {
         if (!isDragging)
@@ -35,7 +35,7 @@ MouseArea {
         if (now - lastMoveTime > 16) {
             lastMoveTime = now
             if (canControl)
-                device.controller.handleMouseEvent(5, mouse.x, mouse.y, mouse.button, mouse.buttons)
+                device.controller.handleMouseEvent(InputEvent.MouseMove, mouse.x, mouse.y, mouse.button, mouse.buttons)
         }
     }
     onCanceled: isDragging = false
@@ -72,12 +72,12 @@ MouseArea {
 
         Keys.onPressed: event => {
             if (area.canControl)
-                area.device.controller.handleKeyEvent(6, event.key, event.modifiers, event.text)
+                area.device.controller.handleKeyEvent(InputEvent.KeyPress, event.key, event.modifiers, event.text)
             event.accepted = true
         }
         Keys.onReleased: event => {
             if (area.canControl)
-                area.device.controller.handleKeyEvent(7, event.key, event.modifiers, event.text)
+                area.device.controller.handleKeyEvent(InputEvent.KeyRelease, event.key, event.modifiers, event.text)
             event.accepted = true
         }
     }

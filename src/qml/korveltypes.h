@@ -19,6 +19,7 @@
 #include "devicesettings.h"
 #include "groupactions.h"
 #include "groupoperation.h"
+#include "inputmapping.h"
 #include "jsonstore.h"
 #include "keymapping.h"
 #include "keymappingprofile.h"
@@ -117,6 +118,12 @@ struct ControllerForeign
     QML_FOREIGN(Controller)
     QML_NAMED_ELEMENT(Controller)
 };
+
+namespace InputEventForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(InputEvent)
+QML_NAMED_ELEMENT(InputEvent)
+}
 
 struct KeyMappingProfileForeign
 {

@@ -362,8 +362,8 @@ private slots:
         for (const auto action : {ControlMsg::TouchDown, ControlMsg::TouchUp})
             host->send(ControlMsg::injectTouch(quint64(-2), action, 1, 1, {QPoint(540, 1200), QSize(1080, 2400)},
                                                action == ControlMsg::TouchDown ? 1.0f : 0.0f));
-        host->handleKeyEvent(6, Qt::Key_F, 0, "f");
-        host->handleKeyEvent(7, Qt::Key_F, 0, "f");
+        host->handleKeyEvent(InputEvent::KeyPress, Qt::Key_F, 0, "f");
+        host->handleKeyEvent(InputEvent::KeyRelease, Qt::Key_F, 0, "f");
         host->handleWheelEvent(270, 600, 0, 120, 0);
         host->actionInputText("收菜 ✓");
         host->actionHome();
