@@ -7,16 +7,21 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+// What a mapped key does on the phone; the values are those the profile files hold.
+namespace KeyMappingType {
+Q_NAMESPACE
+enum Type { Tap = 0, Swipe = 1 };
+Q_ENUM_NS(Type)
+}
+
 // One PC key (with its modifiers) bound to a touch on the phone. Points are fractions of the view,
 // so one entry serves phones of any resolution.
 struct KeyMappingEntry
 {
-    enum Type { Tap = 0, Swipe = 1 };
-
     int keyCode = 0;
     int modifiers = 0;
     QString keyDisplay;
-    int type = Tap;
+    KeyMappingType::Type type = KeyMappingType::Tap;
     double x = 0.0;
     double y = 0.0;
     // 1 holds the finger down while the key is held.
@@ -33,7 +38,7 @@ struct KeyMappingEntry
     // Reads the map form and the older form whose tap point sits beside the key, without "data".
     // False when the object cannot be a mapping (no key name, unknown type, values of the wrong type).
     static bool fromJson(const QJsonObject &object, KeyMappingEntry *entry);
-    static KeyMappingEntry fromData(int keyCode, int modifiers, const QString &keyDisplay, int type,
+    static KeyMappingEntry fromData(int keyCode, int modifiers, const QString &keyDisplay, KeyMappingType::Type type,
                                     const QVariantMap &data);
 };
 
@@ -57,7 +62,7 @@ public:
 
     Q_INVOKABLE bool addMapping(int keyCode, int modifiers, const QString &keyDisplay, double x, double y,
                                 int count = 1);
-    Q_INVOKABLE bool addMappingWithType(int keyCode, int modifiers, const QString &keyDisplay, int type,
+    Q_INVOKABLE bool addMappingWithType(int keyCode, int modifiers, const QString &keyDisplay, KeyMappingType::Type type,
                                         const QVariantMap &data);
     Q_INVOKABLE bool addSwipeMapping(int keyCode, int modifiers, const QString &keyDisplay, double startX,
                                      double startY, double endX, double endY, int duration);
@@ -66,7 +71,7 @@ public:
                                    double y, int count);
     // Replaces the entry at index by any type; false like updateMapping.
     Q_INVOKABLE bool updateMappingWithType(int index, int keyCode, int modifiers, const QString &keyDisplay,
-                                           int type, const QVariantMap &data);
+                                           KeyMappingType::Type type, const QVariantMap &data);
     Q_INVOKABLE void clearMappings();
     Q_INVOKABLE QVariantMap getMappingByKey(int keyCode, int modifiers) const;
     Q_INVOKABLE bool hasMapping(int keyCode, int modifiers) const;

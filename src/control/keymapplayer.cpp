@@ -85,11 +85,11 @@ bool KeyMapPlayer::handleKey(InputEvent::Type eventType, int key, int modifiers)
     if (heldIndex(key, modifiers) >= 0)
         return true;
     const KeyMappingEntry entry = *found;
-    if (entry.type == KeyMappingEntry::Tap && entry.count < 1)
+    if (entry.type == KeyMappingType::Tap && entry.count < 1)
         return true;
 
     const qint64 id = takePointerId();
-    if (entry.type == KeyMappingEntry::Tap) {
+    if (entry.type == KeyMappingType::Tap) {
         const QPointF point(entry.x, entry.y);
         if (entry.count == 1) {
             m_held.append({entry.keyCode, entry.modifiers, id, point});

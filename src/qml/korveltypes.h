@@ -125,6 +125,12 @@ QML_FOREIGN_NAMESPACE(InputEvent)
 QML_NAMED_ELEMENT(InputEvent)
 }
 
+namespace KeyMappingTypeForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(KeyMappingType)
+QML_NAMED_ELEMENT(KeyMappingType)
+}
+
 struct KeyMappingProfileForeign
 {
     Q_GADGET
