@@ -40,6 +40,11 @@ bool readInt(const QJsonObject &object, const QString &key, int fallback, int *o
     return true;
 }
 
+bool isFraction(double value)
+{
+    return value >= 0.0 && value <= 1.0;
+}
+
 } // namespace
 
 QVariantMap KeyMappingEntry::toMap() const
@@ -141,18 +146,42 @@ bool KeyMappingProfile::append(const KeyMappingEntry &entry)
     return true;
 }
 
+QString KeyMappingProfile::problemWith(int index, const KeyMappingEntry &entry) const
+{
+    if (entry.keyDisplay.isEmpty())
+        return tr("Press a key...");
+    bool inRange = false;
+    if (entry.type == KeyMappingType::Tap) {
+        inRange = isFraction(entry.x) && isFraction(entry.y) && entry.count >= 1 && entry.count <= 10;
+    } else if (entry.type == KeyMappingType::Swipe) {
+        inRange = isFraction(entry.startX) && isFraction(entry.startY) && isFraction(entry.endX)
+                  && isFraction(entry.endY) && entry.duration >= 50 && entry.duration <= 2000;
+    }
+    if (!inRange)
+        return tr("Values out of range.");
+    if (isTakenByOther(index, entry.keyCode, entry.modifiers))
+        return tr("This key is already mapped in this profile.");
+    return QString();
+}
+
+QString KeyMappingProfile::mappingProblem(int index, int keyCode, int modifiers, const QString &keyDisplay,
+                                          KeyMappingType::Type type, const QVariantMap &data) const
+{
+    return problemWith(index, KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, type, data));
+}
+
 bool KeyMappingProfile::add(const KeyMappingEntry &entry)
 {
-    if (!append(entry))
+    if (!problemWith(-1, entry).isEmpty())
         return false;
+    m_entries.append(entry);
     emit mappingsChanged();
     return true;
 }
 
 bool KeyMappingProfile::replace(int index, const KeyMappingEntry &entry)
 {
-    if (index < 0 || index >= m_entries.size() || entry.keyDisplay.isEmpty()
-        || isTakenByOther(index, entry.keyCode, entry.modifiers))
+    if (index < 0 || index >= m_entries.size() || !problemWith(index, entry).isEmpty())
         return false;
     m_entries[index] = entry;
     emit mappingsChanged();
@@ -169,8 +198,6 @@ bool KeyMappingProfile::addMapping(int keyCode, int modifiers, const QString &ke
 bool KeyMappingProfile::addMappingWithType(int keyCode, int modifiers, const QString &keyDisplay,
                                            KeyMappingType::Type type, const QVariantMap &data)
 {
-    if (type != KeyMappingType::Tap && type != KeyMappingType::Swipe)
-        return false;
     return add(KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, type, data));
 }
 
@@ -201,8 +228,6 @@ bool KeyMappingProfile::updateMapping(int index, int keyCode, int modifiers, con
 bool KeyMappingProfile::updateMappingWithType(int index, int keyCode, int modifiers, const QString &keyDisplay,
                                               KeyMappingType::Type type, const QVariantMap &data)
 {
-    if (type != KeyMappingType::Tap && type != KeyMappingType::Swipe)
-        return false;
     return replace(index, KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, type, data));
 }
 

@@ -57,7 +57,8 @@ public:
     const QList<KeyMappingEntry> &entries() const { return m_entries; }
     // The entry for the key, or null.
     const KeyMappingEntry *find(int keyCode, int modifiers) const;
-    // Appends without announcing; false for a duplicate or nameless key. Used while loading.
+    // Appends without announcing; false for a duplicate or nameless key. Used while loading, so
+    // values the editor would refuse are kept.
     bool append(const KeyMappingEntry &entry);
 
     Q_INVOKABLE bool addMapping(int keyCode, int modifiers, const QString &keyDisplay, double x, double y,
@@ -72,6 +73,10 @@ public:
     // Replaces the entry at index by any type; false like updateMapping.
     Q_INVOKABLE bool updateMappingWithType(int index, int keyCode, int modifiers, const QString &keyDisplay,
                                            KeyMappingType::Type type, const QVariantMap &data);
+    // Why the entry cannot take the place of the one at index (-1: be added), in words the editor
+    // shows; empty when it can. Adding and replacing refuse what this refuses.
+    Q_INVOKABLE QString mappingProblem(int index, int keyCode, int modifiers, const QString &keyDisplay,
+                                       KeyMappingType::Type type, const QVariantMap &data) const;
     Q_INVOKABLE void clearMappings();
     Q_INVOKABLE QVariantMap getMappingByKey(int keyCode, int modifiers) const;
     Q_INVOKABLE bool hasMapping(int keyCode, int modifiers) const;
@@ -84,6 +89,7 @@ signals:
 
 private:
     bool isTakenByOther(int index, int keyCode, int modifiers) const;
+    QString problemWith(int index, const KeyMappingEntry &entry) const;
     bool add(const KeyMappingEntry &entry);
     bool replace(int index, const KeyMappingEntry &entry);
 

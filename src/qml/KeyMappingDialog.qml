@@ -76,39 +76,19 @@ Dialog {
         keyField.forceActiveFocus()
     }
 
-    function inUnit(value) {
-        return !isNaN(value) && value >= 0 && value <= 1
-    }
-
     function saveEntry() {
         if (!profile)
             return
-        if (keyDisplay.length === 0) {
-            problem = qsTr("Press a key...")
+        const data = type === KeyMappingType.Tap
+                ? { x: pointX, y: pointY, count: count }
+                : { startX: startX, startY: startY, endX: endX, endY: endY, duration: duration }
+        problem = profile.mappingProblem(editIndex, keyCode, modifiers, keyDisplay, type, data)
+        if (problem.length > 0)
             return
-        }
-        let data
-        if (type === KeyMappingType.Tap) {
-            if (!inUnit(pointX) || !inUnit(pointY) || count < 1 || count > 10) {
-                problem = qsTr("Values out of range.")
-                return
-            }
-            data = { x: pointX, y: pointY, count: count }
-        } else {
-            if (!inUnit(startX) || !inUnit(startY) || !inUnit(endX) || !inUnit(endY)
-                    || duration < 50 || duration > 2000) {
-                problem = qsTr("Values out of range.")
-                return
-            }
-            data = { startX: startX, startY: startY, endX: endX, endY: endY, duration: duration }
-        }
-        const saved = editIndex >= 0
-                ? profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
-                : profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
-        if (!saved) {
-            problem = qsTr("This key is already mapped in this profile.")
-            return
-        }
+        if (editIndex >= 0)
+            profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
+        else
+            profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
         editing = false
     }
 
