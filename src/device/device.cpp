@@ -28,6 +28,10 @@ namespace {
 int stepDelayMs = 1000;
 QMutex recordingFolderMutex;
 QString recordingFolder;
+// A failed start quotes its reason, which takes longer to read.
+constexpr int kStartFailureTimeoutMs = 10000;
+constexpr int kNotConnectedTimeoutMs = 2000;
+constexpr int kNeedReconnectTimeoutMs = 3000;
 }
 
 void Device::setStepDelay(int milliseconds)
@@ -143,7 +147,7 @@ void Device::startScrcpySession()
     if (!QFileInfo(serverFile).isFile()) {
         const QString error = tr("scrcpy-server %1 is missing at %2").arg(ServerParams::ServerVersion, serverFile);
         emit scrcpyError(error);
-        emitError(error, 10000);
+        emitError(error, kStartFailureTimeoutMs);
         return;
     }
 
@@ -171,7 +175,7 @@ void Device::startScrcpySession()
 void Device::handleStartFailed(const QString &error)
 {
     emit scrcpyError(error);
-    emitError(tr("Failed to start: %1").arg(error), 10000);
+    emitError(tr("Failed to start: %1").arg(error), kStartFailureTimeoutMs);
 }
 
 void Device::setStarting(bool starting)
@@ -237,7 +241,7 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
     // A server that ends before its first picture failed: its last words say why.
     const QStringList lastOutput = m_server->lastOutput();
     if (m_starting && !lastOutput.isEmpty())
-        emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), 10000);
+        emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), kStartFailureTimeoutMs);
     teardownSession();
     m_resumeSession = true;
     // adb's tracking stream does not report a Wi-Fi phone going offline, so ask once now.
@@ -278,7 +282,7 @@ void Device::handleBackOnline()
     if (!m_resumeSession)
         return;
     m_resumeSession = false;
-    emit deviceMessage(tr("Back online, starting again"), "info", 2000);
+    emitInfo(tr("Back online, starting again"));
     startScrcpySession();
 }
 
@@ -340,7 +344,7 @@ void Device::startRecord()
 {
     // The recording asks the phone for a fresh key frame through the control channel.
     if (!m_controller) {
-        emitError(tr("Not Connected"), 2000);
+        emitError(tr("Not Connected"), kNotConnectedTimeoutMs);
         return;
     }
     QString folder;
@@ -423,8 +427,8 @@ void Device::restartSession()
 void Device::setEnableAudio(bool enableAudio)
 {
     (m_isBigView ? m_bigViewParams : m_smallViewParams)->setAudio(enableAudio);
-    emit deviceMessage(enableAudio ? tr("Audio Enabled, Need Reconnect") : tr("Audio Disabled, Need Reconnect"),
-                       "info", 3000);
+    emitInfo(enableAudio ? tr("Audio Enabled, Need Reconnect") : tr("Audio Disabled, Need Reconnect"),
+             kNeedReconnectTimeoutMs);
     emit isAudioEnabledChanged();
 }
 
@@ -433,7 +437,7 @@ void Device::takeScreenshot()
     if (m_isScreenShotting)
         return;
     if (!m_media || !m_server) {
-        emitError(tr("Not Connected"), 2000);
+        emitError(tr("Not Connected"), kNotConnectedTimeoutMs);
         emit screenshotFinished(false, tr("Not Connected"));
         return;
     }
@@ -499,11 +503,10 @@ void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
         connect(profile, &QObject::destroyed, this, [this] {
             m_keyMappingProfile = nullptr;
             emit currentKeyMappingProfileChanged();
-            emit deviceMessage(tr("KeyMapping Disabled"), "info", 2000);
+            emitInfo(tr("KeyMapping Disabled"));
         });
     emit currentKeyMappingProfileChanged();
-    emit deviceMessage(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"), "info",
-                       2000);
+    emitInfo(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"));
 }
 
 void Device::refreshAddressAndDetails()

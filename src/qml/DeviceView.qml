@@ -21,7 +21,7 @@ Item {
     property double lastTick: 0
 
     property string messageText
-    property string messageType: "info"
+    property int messageKind: MessageKind.Info
 
     signal bigViewRequested(Device device)
 
@@ -46,9 +46,9 @@ Item {
     }
     onDeviceChanged: reportShowSize()
 
-    function showMessage(message, type, timeout) {
+    function showMessage(message, kind, timeout) {
         messageText = message
-        messageType = type
+        messageKind = kind
         messageTimer.interval = Math.max(1, timeout)
         messageTimer.restart()
         messageStrip.visible = true
@@ -64,8 +64,8 @@ Item {
             root.resetPicture()
             root.reportShowSize()
         }
-        function onDeviceMessage(message, type, timeout) {
-            root.showMessage(message, type, timeout)
+        function onDeviceMessage(message, kind, timeout) {
+            root.showMessage(message, kind, timeout)
         }
     }
 
@@ -269,7 +269,7 @@ Item {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             text: root.messageText
-            type: root.messageType
+            kind: root.messageKind
             visible: false
             onDismissed: {
                 messageTimer.stop()

@@ -23,6 +23,7 @@
 #include "jsonstore.h"
 #include "keymapping.h"
 #include "keymappingprofile.h"
+#include "messagekind.h"
 #include "phrasecategory.h"
 #include "serverparams.h"
 #include "yuvfboitem.h"
@@ -138,6 +139,12 @@ struct KeyMappingProfileForeign
     QML_NAMED_ELEMENT(KeyMappingProfile)
     QML_UNCREATABLE("Profiles are made by KeyMapping")
 };
+
+namespace MessageKindForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(MessageKind)
+QML_NAMED_ELEMENT(MessageKind)
+}
 
 struct DeviceForeign
 {
