@@ -1218,14 +1218,6 @@ shell ps</translation>
         <translation>请按一个键...</translation>
     </message>
     <message>
-        <source>Values out of range.</source>
-        <translation>数值超出范围。</translation>
-    </message>
-    <message>
-        <source>This key is already mapped in this profile.</source>
-        <translation>此按键在该方案中已有映射。</translation>
-    </message>
-    <message>
         <source>Mapping Profile:</source>
         <translation>映射方案：</translation>
     </message>
@@ -1392,6 +1384,21 @@ shell ps</translation>
     <message>
         <source>A profile with this name already exists.</source>
         <translation>已存在同名方案。</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingProfile</name>
+    <message>
+        <source>Press a key...</source>
+        <translation>请按一个键...</translation>
+    </message>
+    <message>
+        <source>Values out of range.</source>
+        <translation>数值超出范围。</translation>
+    </message>
+    <message>
+        <source>This key is already mapped in this profile.</source>
+        <translation>此按键在该方案中已有映射。</translation>
     </message>
 </context>
 <context>

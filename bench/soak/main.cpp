@@ -75,8 +75,8 @@ int main(int argc, char *argv[])
         group.appendDevice(device);
         device->videoFrames()->addWatcher();
         QObject::connect(device, &Device::deviceMessage, device,
-                         [&errorLines, device](const QString &message, const QString &type, int) {
-                             if (type == "error")
+                         [&errorLines, device](const QString &message, MessageKind::Kind kind, int) {
+                             if (kind == MessageKind::Error)
                                  errorLines << QDateTime::currentDateTime().toString("hh:mm:ss ") + device->adbConnectionSerial() + ": " + message;
                          });
         devices << device;

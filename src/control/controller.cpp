@@ -51,7 +51,7 @@ Controller::Controller(QObject *parent, QIODevice *socket)
     : QObject(parent)
     , m_socket(socket)
     , m_keyMap(new KeyMapPlayer(
-          [this](qint64 pointerId, int eventType, const QPointF &fraction) {
+          [this](qint64 pointerId, InputEvent::Type eventType, const QPointF &fraction) {
               processMouseEvent(pointerId, eventType, fraction.x() * m_showSize.width(),
                                 fraction.y() * m_showSize.height(), Qt::LeftButton, Qt::LeftButton);
           },
@@ -118,7 +118,7 @@ void Controller::swipe(const QPointF &end, int steps)
 {
     const QSize show = m_showSize;
     const QPointF start(show.width() / 2.0, show.height() / 2.0);
-    processMouseEvent(kMousePointerId, InputMapping::MousePress, start.x(), start.y(), Qt::LeftButton,
+    processMouseEvent(kMousePointerId, InputEvent::MousePress, start.x(), start.y(), Qt::LeftButton,
                       Qt::LeftButton);
 
     // Each step is its own message, so group control replays the gesture as it happens.
@@ -129,11 +129,11 @@ void Controller::swipe(const QPointF &end, int steps)
         if (step <= steps) {
             const float fraction = float(step) / float(steps);
             const QPointF point = start + (end - start) * fraction;
-            processMouseEvent(kMousePointerId, InputMapping::MouseMove, point.x(), point.y(), Qt::LeftButton,
+            processMouseEvent(kMousePointerId, InputEvent::MouseMove, point.x(), point.y(), Qt::LeftButton,
                               Qt::LeftButton);
             return;
         }
-        processMouseEvent(kMousePointerId, InputMapping::MouseRelease, end.x(), end.y(), Qt::LeftButton,
+        processMouseEvent(kMousePointerId, InputEvent::MouseRelease, end.x(), end.y(), Qt::LeftButton,
                           Qt::LeftButton);
         timer->stop();
         timer->deleteLater();
@@ -162,12 +162,12 @@ void Controller::actionInputText(const QString &text)
     send(msg);
 }
 
-void Controller::handleMouseEvent(int eventType, double x, double y, int button, int buttons)
+void Controller::handleMouseEvent(InputEvent::Type eventType, double x, double y, int button, int buttons)
 {
     processMouseEvent(kMousePointerId, eventType, x, y, button, buttons);
 }
 
-void Controller::processMouseEvent(qint64 pointerId, int eventType, double x, double y, int button, int buttons)
+void Controller::processMouseEvent(qint64 pointerId, InputEvent::Type eventType, double x, double y, int button, int buttons)
 {
     const int action = InputMapping::touchAction(eventType);
     if (action < 0)
@@ -178,7 +178,7 @@ void Controller::processMouseEvent(qint64 pointerId, int eventType, double x, do
     send(msg);
 }
 
-void Controller::handleKeyEvent(int eventType, int key, int modifiers, const QString &text)
+void Controller::handleKeyEvent(InputEvent::Type eventType, int key, int modifiers, const QString &text)
 {
     if (m_keyMap->handleKey(eventType, key, modifiers))
         return;

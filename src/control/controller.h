@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controlmsg.h"
+#include "inputmapping.h"
 
 #include <QObject>
 #include <QPointer>
@@ -56,9 +57,9 @@ public slots:
     void actionCut();
     void actionRotateScreen();
     void actionInputText(const QString &text);
-    void handleMouseEvent(int eventType, double x, double y, int button, int buttons);
-    void processMouseEvent(qint64 pointerId, int eventType, double x, double y, int button, int buttons);
-    void handleKeyEvent(int eventType, int key, int modifiers, const QString &text);
+    void handleMouseEvent(InputEvent::Type eventType, double x, double y, int button, int buttons);
+    void processMouseEvent(qint64 pointerId, InputEvent::Type eventType, double x, double y, int button, int buttons);
+    void handleKeyEvent(InputEvent::Type eventType, int key, int modifiers, const QString &text);
     // Lifts every finger that a held mapped key keeps down; the view calls it when it loses focus,
     // because the key's release will then go elsewhere.
     void releaseKeyMappings();

@@ -117,21 +117,21 @@ int printableKeyCode(int qtKey)
 
 } // namespace
 
-int InputMapping::touchAction(int eventType)
+int InputMapping::touchAction(InputEvent::Type eventType)
 {
     switch (eventType) {
-    case MousePress: return 0;
-    case MouseRelease: return 1;
-    case MouseMove: return 2;
+    case InputEvent::MousePress: return 0;
+    case InputEvent::MouseRelease: return 1;
+    case InputEvent::MouseMove: return 2;
     default: return -1;
     }
 }
 
-int InputMapping::keyAction(int eventType)
+int InputMapping::keyAction(InputEvent::Type eventType)
 {
     switch (eventType) {
-    case KeyPress: return 0;
-    case KeyRelease: return 1;
+    case InputEvent::KeyPress: return 0;
+    case InputEvent::KeyRelease: return 1;
     default: return -1;
     }
 }

@@ -1,7 +1,15 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
 #include <QtGlobal>
+
+// The pointer and key events a phone view hands on; the values are Qt's own event types.
+namespace InputEvent {
+Q_NAMESPACE
+enum Type { MousePress = 2, MouseRelease = 3, MouseMove = 5, KeyPress = 6, KeyRelease = 7 };
+Q_ENUM_NS(Type)
+}
 
 // How Qt's pointer and key events on a phone view become Android input: event types to actions,
 // mouse buttons to motion buttons, Qt keys to Android key codes, modifiers to meta state.
@@ -10,13 +18,10 @@ class InputMapping
 public:
     InputMapping() = delete;
 
-    // Qt event types as the views pass them.
-    enum EventType { MousePress = 2, MouseRelease = 3, MouseMove = 5, KeyPress = 6, KeyRelease = 7 };
-
     // Android motion action for a mouse event type, or -1 when nothing is sent.
-    static int touchAction(int eventType);
+    static int touchAction(InputEvent::Type eventType);
     // Android key action for a key event type, or -1 when nothing is sent.
-    static int keyAction(int eventType);
+    static int keyAction(InputEvent::Type eventType);
     // The single button that changed; anything that is not exactly one of the five gives 0.
     static quint32 actionButton(int qtButton);
     static quint32 buttons(int qtButtons);

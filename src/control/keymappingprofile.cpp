@@ -8,7 +8,7 @@ namespace {
 
 QVariantMap dataOf(const KeyMappingEntry &e)
 {
-    if (e.type == KeyMappingEntry::Swipe)
+    if (e.type == KeyMappingType::Swipe)
         return {{"startX", e.startX}, {"startY", e.startY}, {"endX", e.endX}, {"endY", e.endY},
                 {"duration", e.duration}};
     return {{"x", e.x}, {"y", e.y}, {"count", e.count}};
@@ -40,11 +40,16 @@ bool readInt(const QJsonObject &object, const QString &key, int fallback, int *o
     return true;
 }
 
+bool isFraction(double value)
+{
+    return value >= 0.0 && value <= 1.0;
+}
+
 } // namespace
 
 QVariantMap KeyMappingEntry::toMap() const
 {
-    return {{"keyCode", keyCode}, {"modifiers", modifiers}, {"keyDisplay", keyDisplay}, {"type", type},
+    return {{"keyCode", keyCode}, {"modifiers", modifiers}, {"keyDisplay", keyDisplay}, {"type", int(type)},
             {"data", dataOf(*this)}};
 }
 
@@ -53,15 +58,15 @@ QJsonObject KeyMappingEntry::toJson() const
     return QJsonObject::fromVariantMap(toMap());
 }
 
-KeyMappingEntry KeyMappingEntry::fromData(int keyCode, int modifiers, const QString &keyDisplay, int type,
-                                          const QVariantMap &data)
+KeyMappingEntry KeyMappingEntry::fromData(int keyCode, int modifiers, const QString &keyDisplay,
+                                          KeyMappingType::Type type, const QVariantMap &data)
 {
     KeyMappingEntry e;
     e.keyCode = keyCode;
     e.modifiers = modifiers;
     e.keyDisplay = keyDisplay;
     e.type = type;
-    if (type == Swipe) {
+    if (type == KeyMappingType::Swipe) {
         e.startX = data.value("startX").toDouble();
         e.startY = data.value("startY").toDouble();
         e.endX = data.value("endX").toDouble();
@@ -82,20 +87,22 @@ bool KeyMappingEntry::fromJson(const QJsonObject &object, KeyMappingEntry *entry
     if (!display.isString() || display.toString().isEmpty())
         return false;
     e.keyDisplay = display.toString();
+    int type = KeyMappingType::Tap;
     if (!readInt(object, "keyCode", 0, &e.keyCode) || !readInt(object, "modifiers", 0, &e.modifiers)
-        || !readInt(object, "type", Tap, &e.type))
+        || !readInt(object, "type", type, &type))
         return false;
+    e.type = KeyMappingType::Type(type);
     const QJsonValue dataValue = object.value("data");
     if (!dataValue.isUndefined() && !dataValue.isObject())
         return false;
     const QJsonObject data = dataValue.toObject();
-    if (e.type == Tap) {
+    if (type == KeyMappingType::Tap) {
         // Files written before "data" existed keep the point beside the key.
         const QJsonObject &source = data.isEmpty() ? object : data;
         if (!readNumber(source, "x", 0.0, &e.x) || !readNumber(source, "y", 0.0, &e.y)
             || !readInt(data, "count", 1, &e.count))
             return false;
-    } else if (e.type == Swipe) {
+    } else if (type == KeyMappingType::Swipe) {
         if (!readNumber(data, "startX", 0.0, &e.startX) || !readNumber(data, "startY", 0.0, &e.startY)
             || !readNumber(data, "endX", 0.0, &e.endX) || !readNumber(data, "endY", 0.0, &e.endY)
             || !readInt(data, "duration", 0, &e.duration))
@@ -139,18 +146,42 @@ bool KeyMappingProfile::append(const KeyMappingEntry &entry)
     return true;
 }
 
+QString KeyMappingProfile::problemWith(int index, const KeyMappingEntry &entry) const
+{
+    if (entry.keyDisplay.isEmpty())
+        return tr("Press a key...");
+    bool inRange = false;
+    if (entry.type == KeyMappingType::Tap) {
+        inRange = isFraction(entry.x) && isFraction(entry.y) && entry.count >= 1 && entry.count <= 10;
+    } else if (entry.type == KeyMappingType::Swipe) {
+        inRange = isFraction(entry.startX) && isFraction(entry.startY) && isFraction(entry.endX)
+                  && isFraction(entry.endY) && entry.duration >= 50 && entry.duration <= 2000;
+    }
+    if (!inRange)
+        return tr("Values out of range.");
+    if (isTakenByOther(index, entry.keyCode, entry.modifiers))
+        return tr("This key is already mapped in this profile.");
+    return QString();
+}
+
+QString KeyMappingProfile::mappingProblem(int index, int keyCode, int modifiers, const QString &keyDisplay,
+                                          KeyMappingType::Type type, const QVariantMap &data) const
+{
+    return problemWith(index, KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, type, data));
+}
+
 bool KeyMappingProfile::add(const KeyMappingEntry &entry)
 {
-    if (!append(entry))
+    if (!problemWith(-1, entry).isEmpty())
         return false;
+    m_entries.append(entry);
     emit mappingsChanged();
     return true;
 }
 
 bool KeyMappingProfile::replace(int index, const KeyMappingEntry &entry)
 {
-    if (index < 0 || index >= m_entries.size() || entry.keyDisplay.isEmpty()
-        || isTakenByOther(index, entry.keyCode, entry.modifiers))
+    if (index < 0 || index >= m_entries.size() || !problemWith(index, entry).isEmpty())
         return false;
     m_entries[index] = entry;
     emit mappingsChanged();
@@ -160,15 +191,13 @@ bool KeyMappingProfile::replace(int index, const KeyMappingEntry &entry)
 bool KeyMappingProfile::addMapping(int keyCode, int modifiers, const QString &keyDisplay, double x, double y,
                                    int count)
 {
-    return add(KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, KeyMappingEntry::Tap,
+    return add(KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, KeyMappingType::Tap,
                                          {{"x", x}, {"y", y}, {"count", count}}));
 }
 
-bool KeyMappingProfile::addMappingWithType(int keyCode, int modifiers, const QString &keyDisplay, int type,
-                                           const QVariantMap &data)
+bool KeyMappingProfile::addMappingWithType(int keyCode, int modifiers, const QString &keyDisplay,
+                                           KeyMappingType::Type type, const QVariantMap &data)
 {
-    if (type != KeyMappingEntry::Tap && type != KeyMappingEntry::Swipe)
-        return false;
     return add(KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, type, data));
 }
 
@@ -176,7 +205,7 @@ bool KeyMappingProfile::addSwipeMapping(int keyCode, int modifiers, const QStrin
                                         double startY, double endX, double endY, int duration)
 {
     return add(KeyMappingEntry::fromData(
-        keyCode, modifiers, keyDisplay, KeyMappingEntry::Swipe,
+        keyCode, modifiers, keyDisplay, KeyMappingType::Swipe,
         {{"startX", startX}, {"startY", startY}, {"endX", endX}, {"endY", endY}, {"duration", duration}}));
 }
 
@@ -192,15 +221,13 @@ bool KeyMappingProfile::removeMapping(int index)
 bool KeyMappingProfile::updateMapping(int index, int keyCode, int modifiers, const QString &keyDisplay, double x,
                                       double y, int count)
 {
-    return replace(index, KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, KeyMappingEntry::Tap,
+    return replace(index, KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, KeyMappingType::Tap,
                                                     {{"x", x}, {"y", y}, {"count", count}}));
 }
 
 bool KeyMappingProfile::updateMappingWithType(int index, int keyCode, int modifiers, const QString &keyDisplay,
-                                              int type, const QVariantMap &data)
+                                              KeyMappingType::Type type, const QVariantMap &data)
 {
-    if (type != KeyMappingEntry::Tap && type != KeyMappingEntry::Swipe)
-        return false;
     return replace(index, KeyMappingEntry::fromData(keyCode, modifiers, keyDisplay, type, data));
 }
 

@@ -66,34 +66,34 @@ int KeyMapPlayer::heldIndex(int keyCode, int modifiers) const
     return -1;
 }
 
-bool KeyMapPlayer::handleKey(int eventType, int key, int modifiers)
+bool KeyMapPlayer::handleKey(InputEvent::Type eventType, int key, int modifiers)
 {
-    if (eventType == InputMapping::KeyRelease) {
+    if (eventType == InputEvent::KeyRelease) {
         const int held = heldIndex(key, modifiers);
         if (held >= 0) {
             const HeldMapping h = m_held.takeAt(held);
-            m_touch(h.pointerId, InputMapping::MouseRelease, h.releaseAt);
+            m_touch(h.pointerId, InputEvent::MouseRelease, h.releaseAt);
             return true;
         }
     }
     const KeyMappingEntry *found = m_profile ? m_profile->find(key, modifiers) : nullptr;
     if (!found)
         return false;
-    if (eventType != InputMapping::KeyPress)
+    if (eventType != InputEvent::KeyPress)
         return true;
     // Keyboard auto-repeat of a key whose finger is down changes nothing.
     if (heldIndex(key, modifiers) >= 0)
         return true;
     const KeyMappingEntry entry = *found;
-    if (entry.type == KeyMappingEntry::Tap && entry.count < 1)
+    if (entry.type == KeyMappingType::Tap && entry.count < 1)
         return true;
 
     const qint64 id = takePointerId();
-    if (entry.type == KeyMappingEntry::Tap) {
+    if (entry.type == KeyMappingType::Tap) {
         const QPointF point(entry.x, entry.y);
         if (entry.count == 1) {
             m_held.append({entry.keyCode, entry.modifiers, id, point});
-            m_touch(id, InputMapping::MousePress, point);
+            m_touch(id, InputEvent::MousePress, point);
             return true;
         }
         m_tappingPointerIds.insert(id);
@@ -101,11 +101,11 @@ bool KeyMapPlayer::handleKey(int eventType, int key, int modifiers)
             const int downAt = tap * (kTapDownMs + kTapGapMs);
             const bool last = tap == entry.count - 1;
             if (tap == 0)
-                m_touch(id, InputMapping::MousePress, point);
+                m_touch(id, InputEvent::MousePress, point);
             else
-                QTimer::singleShot(downAt, this, [this, id, point] { m_touch(id, InputMapping::MousePress, point); });
+                QTimer::singleShot(downAt, this, [this, id, point] { m_touch(id, InputEvent::MousePress, point); });
             QTimer::singleShot(downAt + kTapDownMs, this, [this, id, point, last] {
-                m_touch(id, InputMapping::MouseRelease, point);
+                m_touch(id, InputEvent::MouseRelease, point);
                 if (last)
                     m_tappingPointerIds.remove(id);
             });
@@ -116,7 +116,7 @@ bool KeyMapPlayer::handleKey(int eventType, int key, int modifiers)
     const QPointF start(entry.startX, entry.startY);
     const QPointF end(entry.endX, entry.endY);
     m_held.append({entry.keyCode, entry.modifiers, id, end});
-    m_touch(id, InputMapping::MousePress, start);
+    m_touch(id, InputEvent::MousePress, start);
     const int steps = swipeSteps(entry.duration);
     const int interval = entry.duration / steps;
     for (int step = 1; step <= steps; ++step) {
@@ -125,10 +125,10 @@ bool KeyMapPlayer::handleKey(int eventType, int key, int modifiers)
         // The moves run on their own: a key let go early lifts the finger at the end point
         // while the remaining moves still follow.
         if (step == 1)
-            m_touch(id, InputMapping::MouseMove, point);
+            m_touch(id, InputEvent::MouseMove, point);
         else
             QTimer::singleShot((step - 1) * interval, this,
-                               [this, id, point] { m_touch(id, InputMapping::MouseMove, point); });
+                               [this, id, point] { m_touch(id, InputEvent::MouseMove, point); });
     }
     return true;
 }
@@ -137,5 +137,5 @@ void KeyMapPlayer::releaseAll()
 {
     const QList<HeldMapping> held = std::exchange(m_held, {});
     for (const HeldMapping &h : held)
-        m_touch(h.pointerId, InputMapping::MouseRelease, h.releaseAt);
+        m_touch(h.pointerId, InputEvent::MouseRelease, h.releaseAt);
 }

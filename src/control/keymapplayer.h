@@ -1,5 +1,7 @@
 #pragma once
 
+#include "inputmapping.h"
+
 #include <QList>
 #include <QObject>
 #include <QPointF>
@@ -18,15 +20,15 @@ class KeyMapPlayer : public QObject
     Q_OBJECT
 
 public:
-    // eventType is one of InputMapping's mouse types.
-    using Touch = std::function<void(qint64 pointerId, int eventType, const QPointF &fraction)>;
+    // eventType is one of the mouse types.
+    using Touch = std::function<void(qint64 pointerId, InputEvent::Type eventType, const QPointF &fraction)>;
 
     explicit KeyMapPlayer(Touch touch, QObject *parent = nullptr);
 
     // Not owned: a profile deleted by its owner turns the mapping off.
     void setProfile(const KeyMappingProfile *profile);
     // True when the key belongs to the profile (or lifts a finger it holds): then it is not typed.
-    bool handleKey(int eventType, int key, int modifiers);
+    bool handleKey(InputEvent::Type eventType, int key, int modifiers);
     // Lifts every finger that a held key keeps down.
     void releaseAll();
 

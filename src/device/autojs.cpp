@@ -43,10 +43,10 @@ Autojs::Autojs(QObject *parent)
     connect(m_socket, &QTcpSocket::readyRead, this, &Autojs::handleReadyRead);
 }
 
-void Autojs::report(const QString &message, const QString &type, int timeout)
+void Autojs::report(const QString &message, MessageKind::Kind kind)
 {
     if (m_device)
-        emit m_device->deviceMessage(message, type, timeout);
+        emit m_device->deviceMessage(message, kind, MessageKind::timeoutMs(kind));
 }
 
 QFuture<Autojs::Script> Autojs::load(const QString &path)
@@ -63,7 +63,7 @@ QFuture<Autojs::Script> Autojs::load(const QString &path)
 
 void Autojs::endRun(bool started, const QString &message)
 {
-    report(message, started ? "info" : "error", started ? 2000 : 5000);
+    report(message, started ? MessageKind::Info : MessageKind::Error);
     emit runFinished(started, message);
 }
 

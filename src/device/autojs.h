@@ -1,5 +1,7 @@
 #pragma once
 
+#include "messagekind.h"
+
 #include <QByteArray>
 #include <QFuture>
 #include <QJsonObject>
@@ -59,7 +61,7 @@ private:
     void handleConnectFailed();
     void handleReadyRead();
     void sendData(const QJsonObject &data);
-    void report(const QString &message, const QString &type, int timeout);
+    void report(const QString &message, MessageKind::Kind kind);
     void endRun(bool started, const QString &message);
     void sendScript(const QString &path, const Script &script);
     void dropForward();

@@ -26,6 +26,10 @@ namespace {
 int stepDelayMs = 1000;
 QMutex recordingFolderMutex;
 QString recordingFolder;
+// A failed start quotes its reason, which takes longer to read.
+constexpr int kStartFailureTimeoutMs = 10000;
+constexpr int kNotConnectedTimeoutMs = 2000;
+constexpr int kNeedReconnectTimeoutMs = 3000;
 }
 
 template<typename T, typename V>
@@ -151,7 +155,7 @@ void Device::startScrcpySession()
     if (!QFileInfo(serverFile).isFile()) {
         const QString error = tr("scrcpy-server %1 is missing at %2").arg(ServerParams::ServerVersion, serverFile);
         emit scrcpyError(error);
-        emitError(error, 10000);
+        emitError(error, kStartFailureTimeoutMs);
         return;
     }
 
@@ -179,7 +183,7 @@ void Device::startScrcpySession()
 void Device::handleStartFailed(const QString &error)
 {
     emit scrcpyError(error);
-    emitError(tr("Failed to start: %1").arg(error), 10000);
+    emitError(tr("Failed to start: %1").arg(error), kStartFailureTimeoutMs);
 }
 
 void Device::setStarting(bool starting)
@@ -238,7 +242,7 @@ void Device::handleServerStopped(int, QProcess::ExitStatus)
     // A server that ends before its first picture failed: its last words say why.
     const QStringList lastOutput = m_server->lastOutput();
     if (m_starting && !lastOutput.isEmpty())
-        emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), 10000);
+        emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), kStartFailureTimeoutMs);
     teardownSession();
     m_resumeSession = true;
     m_offlineWatch->sessionEnded();
@@ -249,7 +253,7 @@ void Device::handleBackOnline()
     if (!m_resumeSession)
         return;
     m_resumeSession = false;
-    emit deviceMessage(tr("Back online, starting again"), "info", 2000);
+    emitInfo(tr("Back online, starting again"));
     startScrcpySession();
 }
 
@@ -311,7 +315,7 @@ void Device::startRecord()
 {
     // The recording asks the phone for a fresh key frame through the control channel.
     if (!m_controller) {
-        emitError(tr("Not Connected"), 2000);
+        emitError(tr("Not Connected"), kNotConnectedTimeoutMs);
         return;
     }
     QString folder;
@@ -390,8 +394,8 @@ void Device::restartSession()
 void Device::setEnableAudio(bool enableAudio)
 {
     (m_isBigView ? m_bigViewParams : m_smallViewParams)->setAudio(enableAudio);
-    emit deviceMessage(enableAudio ? tr("Audio Enabled, Need Reconnect") : tr("Audio Disabled, Need Reconnect"),
-                       "info", 3000);
+    emitInfo(enableAudio ? tr("Audio Enabled, Need Reconnect") : tr("Audio Disabled, Need Reconnect"),
+             kNeedReconnectTimeoutMs);
     emit isAudioEnabledChanged();
 }
 
@@ -405,7 +409,7 @@ void Device::takeScreenshot()
     if (m_screenshot->busy())
         return;
     if (!m_media || !m_server) {
-        emitError(tr("Not Connected"), 2000);
+        emitError(tr("Not Connected"), kNotConnectedTimeoutMs);
         emit screenshotFinished(false, tr("Not Connected"));
         return;
     }
@@ -441,11 +445,10 @@ void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
         connect(profile, &QObject::destroyed, this, [this] {
             m_keyMappingProfile = nullptr;
             emit currentKeyMappingProfileChanged();
-            emit deviceMessage(tr("KeyMapping Disabled"), "info", 2000);
+            emitInfo(tr("KeyMapping Disabled"));
         });
     emit currentKeyMappingProfileChanged();
-    emit deviceMessage(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"), "info",
-                       2000);
+    emitInfo(profile ? tr("KeyMapping Profile: %1").arg(profile->name()) : tr("KeyMapping Disabled"));
 }
 
 void Device::refreshAddressAndDetails()

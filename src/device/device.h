@@ -1,6 +1,7 @@
 #pragma once
 
 #include "deviceinfo.h"
+#include "messagekind.h"
 
 #include <QDateTime>
 #include <QList>
@@ -140,7 +141,7 @@ signals:
     void isAudioEnabledChanged();
     void currentKeyMappingProfileChanged();
     void connectionTypeChanged();
-    void deviceMessage(const QString &message, const QString &type, int timeout);
+    void deviceMessage(const QString &message, MessageKind::Kind kind, int timeout);
     // The user renamed the phone; the nickname store keeps it.
     void nickNameEdited(const QString &serial, const QString &nickname);
     // The user took the phone out of its group (or its Wi-Fi link was dropped).
@@ -172,8 +173,18 @@ public:
     void restartSession();
 
 private:
-    void emitSuccess(const QString &message) { emit deviceMessage(message, "success", 2000); }
-    void emitError(const QString &message, int timeout = 5000) { emit deviceMessage(message, "error", timeout); }
+    void emitInfo(const QString &message, int timeout = MessageKind::timeoutMs(MessageKind::Info))
+    {
+        emit deviceMessage(message, MessageKind::Info, timeout);
+    }
+    void emitSuccess(const QString &message)
+    {
+        emit deviceMessage(message, MessageKind::Success, MessageKind::timeoutMs(MessageKind::Success));
+    }
+    void emitError(const QString &message, int timeout = MessageKind::timeoutMs(MessageKind::Error))
+    {
+        emit deviceMessage(message, MessageKind::Error, timeout);
+    }
     // Stores a changed value and announces it.
     template<typename T, typename V>
     void change(T &field, const V &value, void (Device::*changed)());

@@ -21,6 +21,8 @@ int stepDelayMs = 1000;
 constexpr quint16 kWifiAdbPort = 5555;
 constexpr int kUploadTimeoutMs = 5000;
 constexpr int kLongInfoTimeoutMs = 100000;
+constexpr int kNotConnectedTimeoutMs = 2000;
+constexpr int kConnectionSwitchTimeoutMs = 3000;
 }
 
 void DeviceActions::setStepDelay(int milliseconds)
@@ -41,16 +43,21 @@ DeviceActions::~DeviceActions()
     cancelSessionWork();
 }
 
-void DeviceActions::message(const QString &text, const QString &type, int timeout)
+void DeviceActions::message(const QString &text, MessageKind::Kind kind, int timeout)
 {
-    emit m_device->deviceMessage(text, type, timeout);
+    emit m_device->deviceMessage(text, kind, timeout);
+}
+
+void DeviceActions::message(const QString &text, MessageKind::Kind kind)
+{
+    message(text, kind, MessageKind::timeoutMs(kind));
 }
 
 bool DeviceActions::connected(int notConnectedTimeout)
 {
     if (m_device->controller())
         return true;
-    message(tr("Not Connected"), "error", notConnectedTimeout);
+    message(tr("Not Connected"), MessageKind::Error, notConnectedTimeout);
     return false;
 }
 
@@ -62,7 +69,7 @@ void DeviceActions::setWiFiConnection()
         this, [serial] { return AdbClient::tcpip(serial, kWifiAdbPort); },
         [this, serial](bool switched) {
             if (!switched) {
-                message(tr("Failed to tcpip"), "error", 3000);
+                message(tr("Failed to tcpip"), MessageKind::Error, kConnectionSwitchTimeoutMs);
                 m_device->setSwitchingConnection(false);
                 return;
             }
@@ -71,9 +78,9 @@ void DeviceActions::setWiFiConnection()
                     this, [serial, address] { return AdbClient::connect(serial, address, kWifiAdbPort); },
                     [this](bool connected) {
                         if (connected)
-                            message(tr("WiFi connection enabled"), "success", 3000);
+                            message(tr("WiFi connection enabled"), MessageKind::Success, kConnectionSwitchTimeoutMs);
                         else
-                            message(tr("Failed to enable \r WiFi connection"), "error", 3000);
+                            message(tr("Failed to enable \r WiFi connection"), MessageKind::Error, kConnectionSwitchTimeoutMs);
                         m_device->setSwitchingConnection(false);
                     });
             });
@@ -85,7 +92,7 @@ void DeviceActions::disconnectWiFi()
     const QString serial = m_device->adbConnectionSerial();
     AdbPool::run(this, [serial] { return AdbClient::disconnect(serial); }, [this](bool disconnected) {
         if (!disconnected) {
-            message(tr("Failed to disconnect WiFi"), "error", 3000);
+            message(tr("Failed to disconnect WiFi"), MessageKind::Error, kConnectionSwitchTimeoutMs);
             return;
         }
         m_device->removeFromDeviceGroup();
@@ -97,9 +104,9 @@ void DeviceActions::setUSBConnection()
     const QString serial = m_device->adbConnectionSerial();
     AdbPool::run(this, [serial] { return AdbClient::usb(serial); }, [this](bool switched) {
         if (switched)
-            message(tr("USB connection enabled"), "success", 2000);
+            message(tr("USB connection enabled"), MessageKind::Success);
         else
-            message(tr("Failed to switch to USB"), "error", 3000);
+            message(tr("Failed to switch to USB"), MessageKind::Error, kConnectionSwitchTimeoutMs);
     });
 }
 
@@ -112,9 +119,9 @@ void DeviceActions::runInBackground(const QList<AdbTask::Step> &steps, const QSt
     connect(task, &AdbTask::finished, this, [this, id, successText, failureText, failureTimeout](const AdbResult &result) {
         m_tasks.remove(id);
         if (result.ok())
-            message(successText, "success", 2000);
+            message(successText, MessageKind::Success);
         else
-            message(failureText + ": " + result.text, "error", failureTimeout);
+            message(failureText + ": " + result.text, MessageKind::Error, failureTimeout);
     });
     AdbWorkPool::instance()->submit(task);
 }
@@ -127,18 +134,18 @@ void DeviceActions::cancelSessionWork()
 
 void DeviceActions::installAPK(const QString &filePath)
 {
-    if (!connected(2000))
+    if (!connected(kNotConnectedTimeoutMs))
         return;
-    message(tr("Installing APK"), "info", kLongInfoTimeoutMs);
+    message(tr("Installing APK"), MessageKind::Info, kLongInfoTimeoutMs);
     runInBackground(AdbTask::installSteps(m_device->adbConnectionSerial(), filePath), tr("APK installed"),
                     tr("APK installation failed"), kLongInfoTimeoutMs);
 }
 
 void DeviceActions::uploadFile(const QString &filePath)
 {
-    if (!connected(5000))
+    if (!connected(MessageKind::timeoutMs(MessageKind::Error)))
         return;
-    message(tr("Uploading File"), "info", kLongInfoTimeoutMs);
+    message(tr("Uploading File"), MessageKind::Info, kLongInfoTimeoutMs);
     runInBackground(AdbTask::uploadSteps(m_device->adbConnectionSerial(), filePath), tr("File uploaded"),
                     tr("File upload failed"), kUploadTimeoutMs);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adbtask.h"
+#include "messagekind.h"
 
 #include <QObject>
 #include <QSet>
@@ -61,7 +62,8 @@ private:
     void runInBackground(const QList<AdbTask::Step> &steps, const QString &successText, const QString &failureText,
                          int failureTimeout);
     bool connected(int notConnectedTimeout);
-    void message(const QString &text, const QString &type, int timeout);
+    void message(const QString &text, MessageKind::Kind kind, int timeout);
+    void message(const QString &text, MessageKind::Kind kind);
 
     Device *m_device;
     Autojs *m_autojs;

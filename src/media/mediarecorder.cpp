@@ -174,7 +174,7 @@ bool MediaRecorder::start()
 {
     if (m_thread && m_thread->isRunning()) {
         if (!m_stopped) {
-            emit message(tr("Record Failed"), "error", 5000);
+            report(tr("Record Failed"), MessageKind::Error);
             return false;
         }
         // The last file is still being finished: the new recording follows it.
@@ -203,10 +203,15 @@ bool MediaRecorder::start()
     return true;
 }
 
+void MediaRecorder::report(const QString &text, MessageKind::Kind kind)
+{
+    emit message(text, kind, MessageKind::timeoutMs(kind));
+}
+
 void MediaRecorder::stop()
 {
     requestStop();
-    emit message(tr("Stop Recording"), "info", 2000);
+    report(tr("Stop Recording"), MessageKind::Info);
 }
 
 void MediaRecorder::record()
@@ -218,7 +223,7 @@ void MediaRecorder::record()
             freeAll(m_videoQueue);
             freeAll(m_audioQueue);
             lock.unlock();
-            emit message(tr("Record Failed"), "error", 5000);
+            report(tr("Record Failed"), MessageKind::Error);
             emit isRecordingChanged();
             m_thread->quit();
             return;
@@ -232,7 +237,7 @@ void MediaRecorder::record()
         m_lastWrittenAudioPts = AV_NOPTS_VALUE;
     }
     emit isRecordingChanged();
-    emit message(tr("Record Started"), "success", 2000);
+    report(tr("Record Started"), MessageKind::Success);
     // Asked only now that packets are taken, so the new configuration packet cannot be missed.
     emit resetVideoRequested();
 
@@ -487,7 +492,7 @@ void MediaRecorder::finish()
         if (result < 0)
             qWarning().noquote() << "MediaRecorder: no file trailer:" << errorText(result);
     }
-    emit message(tr("Record Stopped"), "success", 2000);
+    report(tr("Record Stopped"), MessageKind::Success);
     closeOutput();
     m_headerWritten = false;
     m_thread->quit();

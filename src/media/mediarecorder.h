@@ -1,5 +1,6 @@
 #pragma once
 
+#include "messagekind.h"
 #include "packetsink.h"
 #include "recordingtimeline.h"
 
@@ -68,8 +69,8 @@ signals:
     void isRecordingChanged();
     // The phone must send a new configuration packet and key frame for the file to begin with.
     void resetVideoRequested();
-    // Text, type ("info", "success", "error") and display time for the user.
-    void message(const QString &text, const QString &type, int timeout);
+    // Text, kind and display time for the user.
+    void message(const QString &text, MessageKind::Kind kind, int timeout);
 
 private:
     class Sink : public PacketSink
@@ -90,6 +91,7 @@ private:
         bool m_video;
     };
 
+    void report(const QString &text, MessageKind::Kind kind);
     void requestStop();
     void record();
     bool openOutput();

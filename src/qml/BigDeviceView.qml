@@ -19,7 +19,7 @@ Window {
     property double lastTick: 0
 
     property string messageText
-    property string messageType: "info"
+    property int messageKind: MessageKind.Info
 
     objectName: "bigDeviceView_" + deviceKey
     title: qsTr("Big Screen")
@@ -53,9 +53,9 @@ Window {
             window.framesPerSecond = 0
             window.updateShowSize()
         }
-        function onDeviceMessage(message, type, timeout) {
+        function onDeviceMessage(message, kind, timeout) {
             window.messageText = message
-            window.messageType = type
+            window.messageKind = kind
             messageTimer.interval = Math.max(1, timeout)
             messageTimer.restart()
             messageStrip.visible = true
@@ -182,7 +182,7 @@ Window {
                 anchors.right: parent.right
                 anchors.bottom: parent.bottom
                 text: window.messageText
-                type: window.messageType
+                kind: window.messageKind
                 visible: false
                 onDismissed: {
                     messageTimer.stop()

@@ -21,7 +21,7 @@ Item {
     property double lastTick: 0
 
     property string messageText
-    property string messageType: "info"
+    property int messageKind: MessageKind.Info
 
     signal bigViewRequested(Device device)
 
@@ -46,16 +46,13 @@ Item {
     }
     onDeviceChanged: reportShowSize()
 
-    function showMessage(message, type, timeout) {
+    function showMessage(message, kind, timeout) {
         messageText = message
-        messageType = type
+        messageKind = kind
         messageTimer.interval = Math.max(1, timeout)
         messageTimer.restart()
         messageStrip.visible = true
     }
-
-    Component.onCompleted: console.log("DeviceView created for device:", deviceKey)
-    Component.onDestruction: console.log("DeviceView destroyed for device:", deviceKey)
 
     Connections {
         target: root.device
@@ -67,8 +64,8 @@ Item {
             root.resetPicture()
             root.reportShowSize()
         }
-        function onDeviceMessage(message, type, timeout) {
-            root.showMessage(message, type, timeout)
+        function onDeviceMessage(message, kind, timeout) {
+            root.showMessage(message, kind, timeout)
         }
     }
 
@@ -179,8 +176,6 @@ Item {
             visible: root.running && !root.onBigScreen
             onWidthChanged: root.reportShowSize()
             onHeightChanged: root.reportShowSize()
-            Component.onCompleted: console.log("YuvFboItem created for device:", root.deviceKey)
-            Component.onDestruction: console.log("YuvFboItem destroyed for device:", root.deviceKey)
         }
 
         Text {
@@ -197,7 +192,6 @@ Item {
             objectName: "inputArea"
             anchors.fill: parent
             device: root.device
-            logButtons: true
             visible: root.running && !root.onBigScreen
             enabled: !coordinates.visible
         }
@@ -275,7 +269,7 @@ Item {
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             text: root.messageText
-            type: root.messageType
+            kind: root.messageKind
             visible: false
             onDismissed: {
                 messageTimer.stop()

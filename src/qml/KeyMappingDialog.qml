@@ -26,7 +26,7 @@ Dialog {
     property int keyCode: 0
     property int modifiers: 0
     property string keyDisplay: ""
-    property int type: 0
+    property int type: KeyMappingType.Tap
     property real pointX: 0.5
     property real pointY: 0.5
     property int count: 1
@@ -61,61 +61,41 @@ Dialog {
         keyCode = entry ? entry.keyCode : 0
         modifiers = entry ? entry.modifiers : 0
         keyDisplay = entry ? entry.keyDisplay : ""
-        type = entry ? entry.type : 0
+        type = entry ? entry.type : KeyMappingType.Tap
         const data = entry ? entry.data : ({})
-        pointX = type === 0 && entry ? data.x : 0.5
-        pointY = type === 0 && entry ? data.y : 0.5
-        count = type === 0 && entry ? data.count : 1
-        startX = type === 1 ? data.startX : 0.2
-        startY = type === 1 ? data.startY : 0.5
-        endX = type === 1 ? data.endX : 0.8
-        endY = type === 1 ? data.endY : 0.5
-        duration = type === 1 ? data.duration : 200
+        pointX = type === KeyMappingType.Tap && entry ? data.x : 0.5
+        pointY = type === KeyMappingType.Tap && entry ? data.y : 0.5
+        count = type === KeyMappingType.Tap && entry ? data.count : 1
+        startX = type === KeyMappingType.Swipe ? data.startX : 0.2
+        startY = type === KeyMappingType.Swipe ? data.startY : 0.5
+        endX = type === KeyMappingType.Swipe ? data.endX : 0.8
+        endY = type === KeyMappingType.Swipe ? data.endY : 0.5
+        duration = type === KeyMappingType.Swipe ? data.duration : 200
         placingEnd = false
         editing = true
         keyField.forceActiveFocus()
     }
 
-    function inUnit(value) {
-        return !isNaN(value) && value >= 0 && value <= 1
-    }
-
     function saveEntry() {
         if (!profile)
             return
-        if (keyDisplay.length === 0) {
-            problem = qsTr("Press a key...")
+        const data = type === KeyMappingType.Tap
+                ? { x: pointX, y: pointY, count: count }
+                : { startX: startX, startY: startY, endX: endX, endY: endY, duration: duration }
+        problem = profile.mappingProblem(editIndex, keyCode, modifiers, keyDisplay, type, data)
+        if (problem.length > 0)
             return
-        }
-        let data
-        if (type === 0) {
-            if (!inUnit(pointX) || !inUnit(pointY) || count < 1 || count > 10) {
-                problem = qsTr("Values out of range.")
-                return
-            }
-            data = { x: pointX, y: pointY, count: count }
-        } else {
-            if (!inUnit(startX) || !inUnit(startY) || !inUnit(endX) || !inUnit(endY)
-                    || duration < 50 || duration > 2000) {
-                problem = qsTr("Values out of range.")
-                return
-            }
-            data = { startX: startX, startY: startY, endX: endX, endY: endY, duration: duration }
-        }
-        const saved = editIndex >= 0
-                ? profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
-                : profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
-        if (!saved) {
-            problem = qsTr("This key is already mapped in this profile.")
-            return
-        }
+        if (editIndex >= 0)
+            profile.updateMappingWithType(editIndex, keyCode, modifiers, keyDisplay, type, data)
+        else
+            profile.addMappingWithType(keyCode, modifiers, keyDisplay, type, data)
         editing = false
     }
 
     function place(fx, fy) {
         fx = Math.round(Math.min(1, Math.max(0, fx)) * 100) / 100
         fy = Math.round(Math.min(1, Math.max(0, fy)) * 100) / 100
-        if (type === 0) {
+        if (type === KeyMappingType.Tap) {
             pointX = fx
             pointY = fy
         } else if (placingEnd) {
@@ -280,19 +260,19 @@ Dialog {
                             }
                             Text {
                                 Layout.preferredWidth: 70
-                                text: modelData.type === 0 ? qsTr("Touch") : qsTr("Swipe")
+                                text: modelData.type === KeyMappingType.Tap ? qsTr("Touch") : qsTr("Swipe")
                                 color: ColorManager.textWhite
                                 font.pixelSize: Theme.fontNormal
                             }
                             Text {
                                 Layout.preferredWidth: 60
-                                text: modelData.type === 0 ? modelData.data.count : "-"
+                                text: modelData.type === KeyMappingType.Tap ? modelData.data.count : "-"
                                 color: ColorManager.textWhite
                                 font.pixelSize: Theme.fontNormal
                             }
                             Text {
                                 Layout.preferredWidth: 100
-                                text: modelData.type === 1 ? modelData.data.duration : "-"
+                                text: modelData.type === KeyMappingType.Swipe ? modelData.data.duration : "-"
                                 color: ColorManager.textWhite
                                 font.pixelSize: Theme.fontNormal
                             }
@@ -345,7 +325,7 @@ Dialog {
                 Text {
                     Layout.columnSpan: 4
                     text: dialog.editIndex < 0 ? qsTr("Add New Key Mapping")
-                                               : dialog.type === 0 ? qsTr("Edit Key Mapping") : qsTr("Edit Swipe Mapping")
+                                               : dialog.type === KeyMappingType.Tap ? qsTr("Edit Key Mapping") : qsTr("Edit Swipe Mapping")
                     color: ColorManager.textGreen
                     font.pixelSize: Theme.fontNormal
                     font.bold: true
@@ -377,76 +357,78 @@ Dialog {
                     id: typeCombo
                     objectName: "typeCombo"
                     Layout.columnSpan: 3
-                    model: [qsTr("Touch"), qsTr("Swipe")]
-                    currentIndex: dialog.type
+                    model: [{ text: qsTr("Touch"), type: KeyMappingType.Tap },
+                            { text: qsTr("Swipe"), type: KeyMappingType.Swipe }]
+                    textRole: "text"
+                    currentIndex: model.findIndex(choice => choice.type === dialog.type)
                     Accessible.name: qsTr("Type:")
-                    onActivated: index => dialog.type = index
+                    onActivated: index => dialog.type = model[index].type
                 }
 
-                Caption { text: qsTr("X:"); visible: dialog.type === 0 }
+                Caption { text: qsTr("X:"); visible: dialog.type === KeyMappingType.Tap }
                 FractionField {
                     objectName: "xField"
-                    visible: dialog.type === 0
+                    visible: dialog.type === KeyMappingType.Tap
                     value: dialog.pointX
                     Accessible.name: qsTr("X:")
                     onEdited: value => dialog.pointX = value
                 }
-                Caption { text: qsTr("Y:"); visible: dialog.type === 0 }
+                Caption { text: qsTr("Y:"); visible: dialog.type === KeyMappingType.Tap }
                 FractionField {
                     objectName: "yField"
-                    visible: dialog.type === 0
+                    visible: dialog.type === KeyMappingType.Tap
                     value: dialog.pointY
                     Accessible.name: qsTr("Y:")
                     onEdited: value => dialog.pointY = value
                 }
-                Caption { text: qsTr("Count:"); visible: dialog.type === 0 }
+                Caption { text: qsTr("Count:"); visible: dialog.type === KeyMappingType.Tap }
                 SpinBox {
                     objectName: "countField"
-                    visible: dialog.type === 0
+                    visible: dialog.type === KeyMappingType.Tap
                     from: 1
                     to: 10
                     value: dialog.count
                     Accessible.name: qsTr("Count:")
                     onValueModified: dialog.count = value
                 }
-                Caption { text: qsTr("(1-10)"); visible: dialog.type === 0; Layout.columnSpan: 2 }
+                Caption { text: qsTr("(1-10)"); visible: dialog.type === KeyMappingType.Tap; Layout.columnSpan: 2 }
 
-                Caption { text: qsTr("Start X:"); visible: dialog.type === 1 }
+                Caption { text: qsTr("Start X:"); visible: dialog.type === KeyMappingType.Swipe }
                 FractionField {
                     objectName: "startXField"
-                    visible: dialog.type === 1
+                    visible: dialog.type === KeyMappingType.Swipe
                     value: dialog.startX
                     Accessible.name: qsTr("Start X:")
                     onEdited: value => dialog.startX = value
                 }
-                Caption { text: qsTr("Start Y:"); visible: dialog.type === 1 }
+                Caption { text: qsTr("Start Y:"); visible: dialog.type === KeyMappingType.Swipe }
                 FractionField {
                     objectName: "startYField"
-                    visible: dialog.type === 1
+                    visible: dialog.type === KeyMappingType.Swipe
                     value: dialog.startY
                     Accessible.name: qsTr("Start Y:")
                     onEdited: value => dialog.startY = value
                 }
-                Caption { text: qsTr("End X:"); visible: dialog.type === 1 }
+                Caption { text: qsTr("End X:"); visible: dialog.type === KeyMappingType.Swipe }
                 FractionField {
                     objectName: "endXField"
-                    visible: dialog.type === 1
+                    visible: dialog.type === KeyMappingType.Swipe
                     value: dialog.endX
                     Accessible.name: qsTr("End X:")
                     onEdited: value => dialog.endX = value
                 }
-                Caption { text: qsTr("End Y:"); visible: dialog.type === 1 }
+                Caption { text: qsTr("End Y:"); visible: dialog.type === KeyMappingType.Swipe }
                 FractionField {
                     objectName: "endYField"
-                    visible: dialog.type === 1
+                    visible: dialog.type === KeyMappingType.Swipe
                     value: dialog.endY
                     Accessible.name: qsTr("End Y:")
                     onEdited: value => dialog.endY = value
                 }
-                Caption { text: qsTr("Duration(ms):"); visible: dialog.type === 1 }
+                Caption { text: qsTr("Duration(ms):"); visible: dialog.type === KeyMappingType.Swipe }
                 SpinBox {
                     objectName: "durationField"
-                    visible: dialog.type === 1
+                    visible: dialog.type === KeyMappingType.Swipe
                     from: 50
                     to: 2000
                     stepSize: 50
@@ -455,11 +437,11 @@ Dialog {
                     Accessible.name: qsTr("Duration:")
                     onValueModified: dialog.duration = value
                 }
-                Caption { text: qsTr("(50-2000ms)"); visible: dialog.type === 1; Layout.columnSpan: 2 }
+                Caption { text: qsTr("(50-2000ms)"); visible: dialog.type === KeyMappingType.Swipe; Layout.columnSpan: 2 }
 
                 RowLayout {
                     Layout.columnSpan: 4
-                    visible: dialog.type === 1
+                    visible: dialog.type === KeyMappingType.Swipe
                     RadioButton {
                         objectName: "placeStart"
                         text: qsTr("Start")
@@ -554,21 +536,21 @@ Dialog {
                     model: dialog.editing || !dialog.profile ? [] : dialog.profile.mappings
                     delegate: CustomCircleCursor {
                         required property var modelData
-                        fractionX: modelData.type === 0 ? modelData.data.x : modelData.data.startX
-                        fractionY: modelData.type === 0 ? modelData.data.y : modelData.data.startY
+                        fractionX: modelData.type === KeyMappingType.Tap ? modelData.data.x : modelData.data.startX
+                        fractionY: modelData.type === KeyMappingType.Tap ? modelData.data.y : modelData.data.startY
                         label: modelData.keyDisplay
                     }
                 }
                 CustomCircleCursor {
                     objectName: "pointCursor"
                     visible: dialog.editing
-                    fractionX: dialog.type === 0 ? dialog.pointX : dialog.startX
-                    fractionY: dialog.type === 0 ? dialog.pointY : dialog.startY
-                    label: dialog.type === 0 ? dialog.keyDisplay : qsTr("Start")
+                    fractionX: dialog.type === KeyMappingType.Tap ? dialog.pointX : dialog.startX
+                    fractionY: dialog.type === KeyMappingType.Tap ? dialog.pointY : dialog.startY
+                    label: dialog.type === KeyMappingType.Tap ? dialog.keyDisplay : qsTr("Start")
                 }
                 CustomCircleCursor {
                     objectName: "endCursor"
-                    visible: dialog.editing && dialog.type === 1
+                    visible: dialog.editing && dialog.type === KeyMappingType.Swipe
                     fractionX: dialog.endX
                     fractionY: dialog.endY
                     color: ColorManager.textYellow

@@ -1,15 +1,15 @@
 import QtQuick
 import Korvel
 
-// A status message over a phone's picture, coloured by its type, with a close button.
+// A status message over a phone's picture, coloured by its kind, with a close button.
 Rectangle {
     id: strip
     property string text
-    property string type: "info"
+    property int kind: MessageKind.Info
     signal dismissed()
 
     height: Math.max(22, label.implicitHeight + 8)
-    color: Theme.messageColor(type)
+    color: Theme.messageColor(kind)
     opacity: 0.92
 
     Text {

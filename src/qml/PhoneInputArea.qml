@@ -5,8 +5,6 @@ import Korvel
 MouseArea {
     id: area
     property Device device: null
-    // The grid cell also logs every press and release.
-    property bool logButtons: false
     property bool isDragging: false
     // The clock is kept in 32 bits on purpose: the stored value wraps, so every drag move goes out.
     property int lastMoveTime: 0
@@ -22,17 +20,13 @@ MouseArea {
     onPressed: mouse => {
         keySink.forceActiveFocus()
         isDragging = true
-        if (logButtons)
-            console.log("onPressed - DOWN, button:", mouse.button, mouse.buttons)
         if (canControl)
-            device.controller.handleMouseEvent(2, mouse.x, mouse.y, mouse.button, mouse.buttons)
+            device.controller.handleMouseEvent(InputEvent.MousePress, mouse.x, mouse.y, mouse.button, mouse.buttons)
     }
     onReleased: mouse => {
         isDragging = false
-        if (logButtons)
-            console.log("onReleased - UP, button:", mouse.button, mouse.buttons)
         if (canControl)
-            device.controller.handleMouseEvent(3, mouse.x, mouse.y, mouse.button, mouse.buttons)
+            device.controller.handleMouseEvent(InputEvent.MouseRelease, mouse.x, mouse.y, mouse.button, mouse.buttons)
     }
     onPositionChanged: mouse => {
         if (!isDragging)
@@ -41,13 +35,10 @@ MouseArea {
         if (now - lastMoveTime > 16) {
             lastMoveTime = now
             if (canControl)
-                device.controller.handleMouseEvent(5, mouse.x, mouse.y, mouse.button, mouse.buttons)
+                device.controller.handleMouseEvent(InputEvent.MouseMove, mouse.x, mouse.y, mouse.button, mouse.buttons)
         }
     }
-    onCanceled: {
-        isDragging = false
-        console.log("Mouse event CANCELED - isDragging:", isDragging)
-    }
+    onCanceled: isDragging = false
 
     onWheel: wheel => {
         if (canControl)
@@ -80,15 +71,13 @@ MouseArea {
         }
 
         Keys.onPressed: event => {
-            console.log("onPressed - KEY:", event.key)
             if (area.canControl)
-                area.device.controller.handleKeyEvent(6, event.key, event.modifiers, event.text)
+                area.device.controller.handleKeyEvent(InputEvent.KeyPress, event.key, event.modifiers, event.text)
             event.accepted = true
         }
         Keys.onReleased: event => {
-            console.log("onReleased - KEY:", event.key)
             if (area.canControl)
-                area.device.controller.handleKeyEvent(7, event.key, event.modifiers, event.text)
+                area.device.controller.handleKeyEvent(InputEvent.KeyRelease, event.key, event.modifiers, event.text)
             event.accepted = true
         }
     }

@@ -32,10 +32,10 @@ QtObject {
         return orientation === DeviceGroup.Landscape ? videoWidth / phoneAspect : videoWidth * phoneAspect
     }
 
-    function messageColor(type) {
-        if (type === "error")
+    function messageColor(kind) {
+        if (kind === MessageKind.Error)
             return ColorManager.error
-        if (type === "success")
+        if (kind === MessageKind.Success)
             return ColorManager.success
         return ColorManager.info
     }

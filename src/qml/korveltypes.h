@@ -19,9 +19,11 @@
 #include "devicesettings.h"
 #include "groupactions.h"
 #include "groupoperation.h"
+#include "inputmapping.h"
 #include "jsonstore.h"
 #include "keymapping.h"
 #include "keymappingprofile.h"
+#include "messagekind.h"
 #include "phrasecategory.h"
 #include "serverparams.h"
 #include "yuvfboitem.h"
@@ -118,6 +120,18 @@ struct ControllerForeign
     QML_NAMED_ELEMENT(Controller)
 };
 
+namespace InputEventForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(InputEvent)
+QML_NAMED_ELEMENT(InputEvent)
+}
+
+namespace KeyMappingTypeForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(KeyMappingType)
+QML_NAMED_ELEMENT(KeyMappingType)
+}
+
 struct KeyMappingProfileForeign
 {
     Q_GADGET
@@ -125,6 +139,12 @@ struct KeyMappingProfileForeign
     QML_NAMED_ELEMENT(KeyMappingProfile)
     QML_UNCREATABLE("Profiles are made by KeyMapping")
 };
+
+namespace MessageKindForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(MessageKind)
+QML_NAMED_ELEMENT(MessageKind)
+}
 
 struct DeviceForeign
 {

@@ -24,12 +24,12 @@ QByteArray keyPress(const char *code)
     return hex("00 00") + hex(code) + hex("00000000 00000000 00 01") + hex(code) + hex("00000000 00000000");
 }
 
-Action mouse(int type, double x, double y, int button, int buttons)
+Action mouse(InputEvent::Type type, double x, double y, int button, int buttons)
 {
     return [=](Controller *c) { c->handleMouseEvent(type, x, y, button, buttons); };
 }
 
-Action key(int type, int key, int modifiers = 0)
+Action key(InputEvent::Type type, int key, int modifiers = 0)
 {
     return [=](Controller *c) { c->handleKeyEvent(type, key, modifiers, QStringLiteral("ignored")); };
 }
@@ -95,21 +95,21 @@ private slots:
 
         QTest::newRow("mouse: drag, pressure only while pressing")
             << Action([](Controller *c) {
-                   c->handleMouseEvent(2, 10.7, 20.2, 1, 1);
-                   c->handleMouseEvent(5, 100.0, 300.5, 0, 1);
-                   c->handleMouseEvent(3, 539.9, 1199.9, 1, 0);
+                   c->handleMouseEvent(InputEvent::MousePress, 10.7, 20.2, 1, 1);
+                   c->handleMouseEvent(InputEvent::MouseMove, 100.0, 300.5, 0, 1);
+                   c->handleMouseEvent(InputEvent::MouseRelease, 539.9, 1199.9, 1, 0);
                })
             << hex("02 00 FFFFFFFFFFFFFFFE 00000015 00000028 0438 0960 FFFF 00000001 00000001"
                    "02 02 FFFFFFFFFFFFFFFE 000000C8 00000259 0438 0960 0000 00000000 00000001"
                    "02 01 FFFFFFFFFFFFFFFE 00000437 0000095F 0438 0960 0000 00000001 00000000");
         QTest::newRow("mouse: back and forward buttons")
-            << mouse(3, 0.0, 0.0, 16, 8 | 16) << hex("02 01 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 0000 00000010 00000018");
+            << mouse(InputEvent::MouseRelease, 0.0, 0.0, 16, 8 | 16) << hex("02 01 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 0000 00000010 00000018");
         QTest::newRow("mouse: unknown button")
-            << mouse(2, 0.0, 0.0, 64, 0xFF) << hex("02 00 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 FFFF 00000000 0000001F");
+            << mouse(InputEvent::MousePress, 0.0, 0.0, 64, 0xFF) << hex("02 00 FFFFFFFFFFFFFFFE 00000000 00000000 0438 0960 FFFF 00000000 0000001F");
         QTest::newRow("mouse: outside the view")
-            << mouse(5, -10.0, 1300.0, 0, 1) << hex("02 02 FFFFFFFFFFFFFFFE FFFFFFEC 00000A28 0438 0960 0000 00000000 00000001");
-        QTest::newRow("mouse: double click sends nothing") << mouse(4, 1.0, 1.0, 1, 1) << QByteArray();
-        QTest::newRow("mouse: hover sends nothing") << mouse(129, 1.0, 1.0, 0, 0) << QByteArray();
+            << mouse(InputEvent::MouseMove, -10.0, 1300.0, 0, 1) << hex("02 02 FFFFFFFFFFFFFFFE FFFFFFEC 00000A28 0438 0960 0000 00000000 00000001");
+        QTest::newRow("mouse: double click sends nothing") << mouse(InputEvent::Type(4), 1.0, 1.0, 1, 1) << QByteArray();
+        QTest::newRow("mouse: hover sends nothing") << mouse(InputEvent::Type(129), 1.0, 1.0, 0, 0) << QByteArray();
         // Qt counts a tilt to the left as positive, Android a scroll to the right.
         QTest::newRow("wheel: two notches towards the user")
             << Action([](Controller *c) { c->handleWheelEvent(135.4, 900.9, 0, -240, 0); })
@@ -118,24 +118,24 @@ private slots:
             << Action([](Controller *c) { c->handleWheelEvent(135.4, 900.9, 120, 0, 0); })
             << hex("03 0000010E 00000709 0438 0960 F800 0000 00000000");
 
-        QTest::newRow("key: A press") << key(6, Qt::Key_A) << hex("00 00 0000001D 00000000 00000000");
-        QTest::newRow("key: A release") << key(7, Qt::Key_A) << hex("00 01 0000001D 00000000 00000000");
-        QTest::newRow("key: Ctrl+C press is copy") << key(6, Qt::Key_C, ctrl) << copy;
-        QTest::newRow("key: Ctrl+V press is paste") << key(6, Qt::Key_V, ctrl) << paste;
-        QTest::newRow("key: Ctrl+X press is cut") << key(6, Qt::Key_X, ctrl) << cut;
-        QTest::newRow("key: Ctrl+Shift+C press is copy") << key(6, Qt::Key_C, ctrl | Qt::ShiftModifier) << copy;
-        QTest::newRow("key: Ctrl+C release is the letter") << key(7, Qt::Key_C, ctrl) << hex("00 01 0000001F 00000000 00001000");
-        QTest::newRow("key: Ctrl+A is the letter") << key(6, Qt::Key_A, ctrl) << hex("00 00 0000001D 00000000 00001000");
-        QTest::newRow("key: Meta+Return release") << key(7, Qt::Key_Return, Qt::MetaModifier)
+        QTest::newRow("key: A press") << key(InputEvent::KeyPress, Qt::Key_A) << hex("00 00 0000001D 00000000 00000000");
+        QTest::newRow("key: A release") << key(InputEvent::KeyRelease, Qt::Key_A) << hex("00 01 0000001D 00000000 00000000");
+        QTest::newRow("key: Ctrl+C press is copy") << key(InputEvent::KeyPress, Qt::Key_C, ctrl) << copy;
+        QTest::newRow("key: Ctrl+V press is paste") << key(InputEvent::KeyPress, Qt::Key_V, ctrl) << paste;
+        QTest::newRow("key: Ctrl+X press is cut") << key(InputEvent::KeyPress, Qt::Key_X, ctrl) << cut;
+        QTest::newRow("key: Ctrl+Shift+C press is copy") << key(InputEvent::KeyPress, Qt::Key_C, ctrl | Qt::ShiftModifier) << copy;
+        QTest::newRow("key: Ctrl+C release is the letter") << key(InputEvent::KeyRelease, Qt::Key_C, ctrl) << hex("00 01 0000001F 00000000 00001000");
+        QTest::newRow("key: Ctrl+A is the letter") << key(InputEvent::KeyPress, Qt::Key_A, ctrl) << hex("00 00 0000001D 00000000 00001000");
+        QTest::newRow("key: Meta+Return release") << key(InputEvent::KeyRelease, Qt::Key_Return, Qt::MetaModifier)
                                                   << hex("00 01 00000042 00000000 00010000");
-        QTest::newRow("key: F5 sends nothing") << key(6, Qt::Key_F5) << QByteArray();
-        QTest::newRow("key: mouse type sends nothing") << key(2, Qt::Key_A) << QByteArray();
+        QTest::newRow("key: F5 sends nothing") << key(InputEvent::KeyPress, Qt::Key_F5) << QByteArray();
+        QTest::newRow("key: mouse type sends nothing") << key(InputEvent::MousePress, Qt::Key_A) << QByteArray();
         // Text without key codes is pasted; a plain letter after it is a key code again.
         QTest::newRow("key: accented letter is pasted once")
             << Action([](Controller *c) {
-                   c->handleKeyEvent(6, Qt::Key_Eacute, 0, "é");
-                   c->handleKeyEvent(7, Qt::Key_Eacute, 0, "é");
-                   c->handleKeyEvent(6, Qt::Key_Z, 0, "z");
+                   c->handleKeyEvent(InputEvent::KeyPress, Qt::Key_Eacute, 0, "é");
+                   c->handleKeyEvent(InputEvent::KeyRelease, Qt::Key_Eacute, 0, "é");
+                   c->handleKeyEvent(InputEvent::KeyPress, Qt::Key_Z, 0, "z");
                })
             << hex("09 0000000000000000 01 00000002 C3A9 00 00 00000036 00000000 00000000");
         QTest::newRow("input method text is pasted")
@@ -158,12 +158,12 @@ private slots:
     {
         // Before the first frame both sizes are (-1, -1); the touch goes out all the same.
         Session session({-1, -1}, {-1, -1});
-        session.controller->processMouseEvent(5, 2, 12.9, 7.0, 1, 1);
+        session.controller->processMouseEvent(5, InputEvent::MousePress, 12.9, 7.0, 1, 1);
         QCOMPARE(session.wire.data().toHex(' '),
                  hex("02 00 0000000000000005 0000000C 00000007 FFFF FFFF FFFF 00000001 00000001").toHex(' '));
         // A zero show size divides by zero: the message is still written, with a clamped point.
         Session zero({0, 0}, {1080, 2400});
-        zero.controller->handleMouseEvent(2, 1.0, 1.0, 1, 1);
+        zero.controller->handleMouseEvent(InputEvent::MousePress, 1.0, 1.0, 1, 1);
         QCOMPARE(zero.sent().size(), 1);
     }
 
@@ -228,10 +228,10 @@ private slots:
         Controller *controller = session.controller;
         controller->setKeyMappingProfile(&profile);
         // Auto-repeat of a held mapped key adds nothing.
-        controller->handleKeyEvent(6, key, modifiers, QString());
-        controller->handleKeyEvent(6, key, modifiers, QString());
+        controller->handleKeyEvent(InputEvent::KeyPress, key, modifiers, QString());
+        controller->handleKeyEvent(InputEvent::KeyPress, key, modifiers, QString());
         controller->releaseKeyMappings();
-        controller->handleKeyEvent(7, key, modifiers, QString());
+        controller->handleKeyEvent(InputEvent::KeyRelease, key, modifiers, QString());
         QCOMPARE(describeControl(session.sent()), sent);
 
         // A profile deleted in the editor turns the phone's mapping off: the key is typed again.
@@ -240,7 +240,7 @@ private slots:
         controller->setKeyMappingProfile(deleted);
         delete deleted;
         const int before = int(session.sent().size());
-        controller->handleKeyEvent(6, Qt::Key_B, 0, QString());
+        controller->handleKeyEvent(InputEvent::KeyPress, Qt::Key_B, 0, QString());
         QCOMPARE(describeControl(session.sent().mid(before)), QStringList{"key 0 30"});
     }
 
@@ -252,11 +252,11 @@ private slots:
         QVERIFY(profile.addMapping(Qt::Key_A, 0, "A", 0.5, 0.5, 1));
         session.controller->setKeyMappingProfile(&profile);
         // The ten mapping pointers come round to the taps' own while the taps still play.
-        session.controller->handleKeyEvent(6, Qt::Key_T, 0, QString());
+        session.controller->handleKeyEvent(InputEvent::KeyPress, Qt::Key_T, 0, QString());
         const qint64 tapping = session.sent().first().value("pointerId").toInteger();
         for (int press = 0; press < 10; ++press) {
-            session.controller->handleKeyEvent(6, Qt::Key_A, 0, QString());
-            session.controller->handleKeyEvent(7, Qt::Key_A, 0, QString());
+            session.controller->handleKeyEvent(InputEvent::KeyPress, Qt::Key_A, 0, QString());
+            session.controller->handleKeyEvent(InputEvent::KeyRelease, Qt::Key_A, 0, QString());
         }
         const QList<QJsonObject> sent = session.sent();
         QCOMPARE(sent.size(), 1 + 20);
@@ -299,7 +299,7 @@ private slots:
         Controller controller;
         QSignalSpy announced(&controller, &Controller::messageSent);
         controller.actionHome();
-        controller.handleMouseEvent(2, 5.0, 5.0, 1, 1);
+        controller.handleMouseEvent(InputEvent::MousePress, 5.0, 5.0, 1, 1);
         controller.actionSwipeLeft();
         QTRY_COMPARE_WITH_TIMEOUT(announced.count(), 2 + 1 + 12, 5000);
     }

@@ -97,8 +97,8 @@ private slots:
         idle.actions()->swipeUp();
         idle.actions()->reboot();
         QCOMPARE(messages.count(), 2);
-        QCOMPARE(messages[0], (QVariantList{"Not Connected", "error", 2000}));
-        QCOMPARE(messages[1], (QVariantList{"Not Connected", "error", 5000}));
+        QCOMPARE(messages[0], (QVariantList{"Not Connected", QVariant::fromValue(MessageKind::Error), 2000}));
+        QCOMPARE(messages[1], (QVariantList{"Not Connected", QVariant::fromValue(MessageKind::Error), 5000}));
         QVERIFY(!idle.controller());
     }
 
@@ -145,9 +145,9 @@ private slots:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QVariantList>("outcome");
-        QTest::newRow("zip") << QByteArray("PK\x03\x04 tiny apk", 13) << QVariantList{"APK installed", "success", 2000};
+        QTest::newRow("zip") << QByteArray("PK\x03\x04 tiny apk", 13) << QVariantList{"APK installed", QVariant::fromValue(MessageKind::Success), 2000};
         QTest::newRow("not a zip") << QByteArray("definitely not an apk")
-                                   << QVariantList{"APK installation failed: Failure [INSTALL_FAILED_INVALID_APK", "error", 100000};
+                                   << QVariantList{"APK installation failed: Failure [INSTALL_FAILED_INVALID_APK", QVariant::fromValue(MessageKind::Error), 100000};
     }
 
     void apkInstall()
@@ -159,14 +159,14 @@ private slots:
         const int before = int(m_phone->journal("install").size());
         QSignalSpy messages(m_device.data(), &Device::deviceMessage);
         m_device->actions()->installAPK(path);
-        QCOMPARE(messages.value(0), (QVariantList{"Installing APK", "info", 100000}));
+        QCOMPARE(messages.value(0), (QVariantList{"Installing APK", QVariant::fromValue(MessageKind::Info), 100000}));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
         // The package manager's answer follows the message; it names the temporary file.
         QVERIFY2(messages[1].value(0).toString().startsWith(outcome.value(0).toString()), qPrintable(messages[1].value(0).toString()));
         QCOMPARE(messages[1].mid(1), outcome.mid(1));
         const QList<QJsonObject> installs = m_phone->journal("install");
         QCOMPARE(installs.size(), before + 1);
-        QCOMPARE(installs.last().value("ok").toBool(), outcome.value(1).toString() == "success");
+        QCOMPARE(installs.last().value("ok").toBool(), outcome.value(1).value<MessageKind::Kind>() == MessageKind::Success);
         QCOMPARE(installs.last().value("sha256").toString(), sha256(content));
     }
 
@@ -179,9 +179,9 @@ private slots:
         QVERIFY(!path.isEmpty());
         QSignalSpy messages(m_device.data(), &Device::deviceMessage);
         m_device->actions()->uploadFile(path);
-        QCOMPARE(messages.value(0), (QVariantList{"Uploading File", "info", 100000}));
+        QCOMPARE(messages.value(0), (QVariantList{"Uploading File", QVariant::fromValue(MessageKind::Info), 100000}));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 2, 30000);
-        QCOMPARE(messages[1], (QVariantList{"File uploaded", "success", 2000}));
+        QCOMPARE(messages[1], (QVariantList{"File uploaded", QVariant::fromValue(MessageKind::Success), 2000}));
         QFile arrived(m_phone->sandboxPath("/sdcard/Download/notes.txt"));
         QVERIFY(arrived.open(QIODevice::ReadOnly));
         QCOMPARE(arrived.readAll(), content);

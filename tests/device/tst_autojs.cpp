@@ -173,7 +173,7 @@ private slots:
         QSignalSpy running(device.actions()->autojs(), &Autojs::runningStatusChanged);
         device.actions()->runAutojs(scriptExists ? script("a.js") : m_dir.filePath("missing.js"));
         QTRY_COMPARE_WITH_TIMEOUT(messages.count(), 1, 5000);
-        QCOMPARE(messages[0], (QVariantList{message, "error", 5000}));
+        QCOMPARE(messages[0], (QVariantList{message, QVariant::fromValue(MessageKind::Error), 5000}));
         QCOMPARE(running.count(), 0);
         QVERIFY(!device.actions()->autojs()->isRunning());
         // Nothing is left that could report again: no connect time-out is pending.

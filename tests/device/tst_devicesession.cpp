@@ -171,7 +171,7 @@ private slots:
         QVERIFY(device);
         QSignalSpy messages(device, &Device::deviceMessage);
         device->takeScreenshot();
-        QCOMPARE(messages.value(0), (QVariantList{"Not Connected", "error", 2000}));
+        QCOMPARE(messages.value(0), (QVariantList{"Not Connected", QVariant::fromValue(MessageKind::Error), 2000}));
         device->startScrcpySession();
         QVERIFY(device->running());
         // Longest side 800, both sides multiples of 8, as the phone scales its screen.
@@ -183,7 +183,7 @@ private slots:
         device->takeScreenshot(); // ignored while the first one runs
         QTRY_VERIFY_WITH_TIMEOUT(!device->isScreenShotting(), 10000);
         QCOMPARE(messages.size(), 2);
-        QCOMPARE(messages.at(1), (QVariantList{"Screenshot Saved", "success", 2000}));
+        QCOMPARE(messages.at(1), (QVariantList{"Screenshot Saved", QVariant::fromValue(MessageKind::Success), 2000}));
         const QStringList saved = QDir(m_screenshots.path()).entryList({phone->serial() + "_*.jpg"});
         QCOMPARE(saved.size(), 1);
         QCOMPARE(QImageReader(m_screenshots.filePath(saved.first())).size(), QSize(360, 800));
@@ -341,7 +341,7 @@ private slots:
 
         QSignalSpy messages(device, &Device::deviceMessage);
         device->startRecord();
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", "success", 2000}), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", QVariant::fromValue(MessageKind::Success), 2000}), 10000);
         const QString path = device->videoRecorder()->filePath();
         // A second of the stream goes to the recorder before the phone goes.
         FrameHandoff *frames = device->videoFrames();
@@ -353,7 +353,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(device->offline(), 30000);
         QVERIFY(!device->running());
         QVERIFY(device->offlineSince() >= before && device->offlineSince() <= QDateTime::currentDateTime());
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Stopped", "success", 2000}), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Stopped", QVariant::fromValue(MessageKind::Success), 2000}), 10000);
         const Probe result = probe(path);
         QCOMPARE(result.errors, QByteArray());
         QCOMPARE(result.codecs, (QStringList{"h264", "opus"}));
@@ -408,7 +408,7 @@ private slots:
         QCOMPARE(messages.count(), 1);
         const QString text = messages.at(0).at(0).toString();
         QVERIFY2(text.contains("/nonexistent/scrcpy-server") && text.contains("3.3.1"), qPrintable(text));
-        QCOMPARE(messages.at(0).at(1).toString(), QString("error"));
+        QCOMPARE(messages.at(0).at(1).value<MessageKind::Kind>(), MessageKind::Error);
         // With the file back the phone streams; only that start pushed anything.
         device->startScrcpySession();
         QTRY_VERIFY_WITH_TIMEOUT(device->videoFrames()->latest() != nullptr, 15000);
@@ -438,7 +438,7 @@ private slots:
 
         QSignalSpy messages(usbDevice, &Device::deviceMessage);
         usbDevice->actions()->setWiFiConnection();
-        QTRY_COMPARE_WITH_TIMEOUT(messages.value(0), (QVariantList{"WiFi connection enabled", "success", 3000}), 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(messages.value(0), (QVariantList{"WiFi connection enabled", QVariant::fromValue(MessageKind::Success), 3000}), 20000);
         const QString wifiSerial = phone->wifiAddress() + ":5555";
         QTRY_VERIFY_WITH_TIMEOUT(m_fixture->adb().listed(wifiSerial), 10000);
         QCOMPARE(group.deviceCount(), 1);
@@ -463,7 +463,7 @@ private slots:
         Device unknown(nullptr, "127.0.0.1:1");
         QSignalSpy failed(&unknown, &Device::deviceMessage);
         unknown.actions()->setWiFiConnection();
-        QTRY_COMPARE_WITH_TIMEOUT(failed.value(0), (QVariantList{"Failed to tcpip", "error", 3000}), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(failed.value(0), (QVariantList{"Failed to tcpip", QVariant::fromValue(MessageKind::Error), 3000}), 10000);
     }
     void recordingIsAPlayableFile_data()
     {
@@ -488,7 +488,7 @@ private slots:
         QSignalSpy messages(device, &Device::deviceMessage);
 
         device->startRecord();
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", "success", 2000}), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Started", QVariant::fromValue(MessageKind::Success), 2000}), 10000);
         QVERIFY(recorder->isRecording());
         QElapsedTimer recorded;
         recorded.start();
@@ -496,8 +496,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(recorded.elapsed() >= 3000, 10000);
         device->stopRecord();
         const double seconds = recorded.elapsed() / 1000.0;
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Stopped", "success", 2000}), 10000);
-        QVERIFY(messages.contains(QVariantList{"Stop Recording", "info", 2000}));
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Stopped", QVariant::fromValue(MessageKind::Success), 2000}), 10000);
+        QVERIFY(messages.contains(QVariantList{"Stop Recording", QVariant::fromValue(MessageKind::Info), 2000}));
         QTRY_VERIFY(!recorder->isRecording());
 
         const QFileInfo file(recorder->filePath());
@@ -587,10 +587,10 @@ private slots:
         QSignalSpy messages(device, &Device::deviceMessage);
         FrameHandoff *frames = device->videoFrames();
         frames->addWatcher(); // as a view on screen: every picture is decoded
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{message, "error", 5000}), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{message, QVariant::fromValue(MessageKind::Error), 5000}), 15000);
         QTRY_VERIFY_WITH_TIMEOUT(device->controller(), 20000);
         device->startRecord();
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Failed", "error", 5000}), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"Record Failed", QVariant::fromValue(MessageKind::Error), 5000}), 10000);
         Device::setRecordingFolder(m_videos.path());
         QVERIFY(!device->videoRecorder()->isRecording());
         const int seen = frames->framesPublished();

@@ -80,7 +80,7 @@ private slots:
         QSignalSpy changed(&recorder, &MediaRecorder::isRecordingChanged);
         recorder.stop();
         QCOMPARE(messages.count(), 1);
-        QCOMPARE(messages.at(0), (QVariantList{"Stop Recording", "info", 2000}));
+        QCOMPARE(messages.at(0), (QVariantList{"Stop Recording", QVariant::fromValue(MessageKind::Info), 2000}));
         QCOMPARE(changed.count(), 0);
         QVERIFY(!recorder.isRecording());
         QVERIFY(recorder.filePath().isEmpty());

@@ -18,7 +18,7 @@ QString describe(const KeyMapping *mapping)
         QStringList entries;
         for (const KeyMappingEntry &e : profile->entries()) {
             const QString head = QString("%1 %2/%3 ").arg(e.keyDisplay).arg(e.keyCode).arg(e.modifiers);
-            entries << head + (e.type == KeyMappingEntry::Tap
+            entries << head + (e.type == KeyMappingType::Tap
                                    ? QString("tap %1,%2 x%3").arg(e.x).arg(e.y).arg(e.count)
                                    : QString("swipe %1,%2>%3,%4 %5ms")
                                          .arg(e.startX).arg(e.startY).arg(e.endX).arg(e.endY).arg(e.duration));

@@ -259,7 +259,7 @@ private slots:
         device->actions()->installAPK(writeFile("slow.apk", apkBytes(2 * 1024 * 1024)));
         QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->runningCount(), 1, 5000);
         device->stopScrcpySession();
-        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"APK installation failed: Cancelled", "error", 100000}), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(messages.contains(QVariantList{"APK installation failed: Cancelled", QVariant::fromValue(MessageKind::Error), 100000}), 5000);
         QTRY_VERIFY_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount() == 0, 20000);
         const QList<QJsonObject> commands = m_slow->journal("shell").mid(shells);
         QVERIFY(std::any_of(commands.cbegin(), commands.cend(), [](const QJsonObject &shell) {
@@ -285,8 +285,8 @@ private slots:
 
         // A phone's own answer ends its row, whenever it comes; other news of the phone does not.
         operation = group.actions()->runAutojs(writeFile("hello.js", "toast('hello');"));
-        emit group.devices().at(0)->deviceMessage("Back online, starting again", "info", 2000);
-        emit group.devices().at(1)->deviceMessage("Screenshot Saved", "success", 2000);
+        emit group.devices().at(0)->deviceMessage("Back online, starting again", MessageKind::Info, 2000);
+        emit group.devices().at(1)->deviceMessage("Screenshot Saved", MessageKind::Success, 2000);
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 15000);
         for (int row = 0; row < 2; ++row) {
             QCOMPARE(operation->output(row), QString("AutoJS script started"));
@@ -362,8 +362,8 @@ private slots:
         for (const auto action : {ControlMsg::TouchDown, ControlMsg::TouchUp})
             host->send(ControlMsg::injectTouch(quint64(-2), action, 1, 1, {QPoint(540, 1200), QSize(1080, 2400)},
                                                action == ControlMsg::TouchDown ? 1.0f : 0.0f));
-        host->handleKeyEvent(6, Qt::Key_F, 0, "f");
-        host->handleKeyEvent(7, Qt::Key_F, 0, "f");
+        host->handleKeyEvent(InputEvent::KeyPress, Qt::Key_F, 0, "f");
+        host->handleKeyEvent(InputEvent::KeyRelease, Qt::Key_F, 0, "f");
         host->handleWheelEvent(270, 600, 0, 120, 0);
         host->actionInputText("收菜 ✓");
         host->actionHome();

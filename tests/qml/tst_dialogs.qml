@@ -214,7 +214,7 @@ KorvelTestCase {
         compare(mappings[0].keyDisplay, "Ctrl+Q")
         compare(mappings[0].keyCode, Qt.Key_Q)
         compare(mappings[0].modifiers, Qt.ControlModifier)
-        compare(mappings[0].type, 0)
+        compare(mappings[0].type, KeyMappingType.Tap)
         fuzzyCompare(mappings[0].data.x, 0.25, 0.011)
         fuzzyCompare(mappings[0].data.y, 0.75, 0.011)
         compare(mappings[0].data.count, 1)
