@@ -491,29 +491,6 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>Controller</name>
-    <message>
-        <source>Installing APK</source>
-        <translation>正在安装 APK</translation>
-    </message>
-    <message>
-        <source>APK installed</source>
-        <translation>APK 已安装</translation>
-    </message>
-    <message>
-        <source>APK installation failed</source>
-        <translation>APK 安装失败</translation>
-    </message>
-    <message>
-        <source>File uploaded</source>
-        <translation>文件已上传</translation>
-    </message>
-    <message>
-        <source>File upload failed</source>
-        <translation>文件上传失败</translation>
-    </message>
-</context>
-<context>
     <name>Device</name>
     <message>
         <source>scrcpy-server %1 is missing at %2</source>
@@ -528,18 +505,6 @@ shell ps</translation>
         <translation>音频已禁用，需要重新连接</translation>
     </message>
     <message>
-        <source>Failed to tcpip</source>
-        <translation>切换 tcpip 失败</translation>
-    </message>
-    <message>
-        <source>WiFi connection enabled</source>
-        <translation>WiFi 连接已启用</translation>
-    </message>
-    <message>
-        <source>Failed to enable <byte value="xd"/> WiFi connection</source>
-        <translation>无法启用 <byte value="xd"/> WiFi 连接</translation>
-    </message>
-    <message>
         <source>Not Connected</source>
         <translation>未连接</translation>
     </message>
@@ -550,10 +515,6 @@ shell ps</translation>
     <message>
         <source>Screenshot Failed</source>
         <translation>截图失败</translation>
-    </message>
-    <message>
-        <source>Uploading File</source>
-        <translation>正在上传文件</translation>
     </message>
     <message>
         <source>KeyMapping Profile: %1</source>
@@ -572,6 +533,29 @@ shell ps</translation>
         <translation>手机端服务已停止：%1</translation>
     </message>
     <message>
+        <source>Back online, starting again</source>
+        <translation>已重新上线，正在重新启动</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceActions</name>
+    <message>
+        <source>Not Connected</source>
+        <translation>未连接</translation>
+    </message>
+    <message>
+        <source>Failed to tcpip</source>
+        <translation>切换 tcpip 失败</translation>
+    </message>
+    <message>
+        <source>WiFi connection enabled</source>
+        <translation>WiFi 连接已启用</translation>
+    </message>
+    <message>
+        <source>Failed to enable <byte value="xd"/> WiFi connection</source>
+        <translation>无法启用 <byte value="xd"/> WiFi 连接</translation>
+    </message>
+    <message>
         <source>Failed to disconnect WiFi</source>
         <translation>断开 WiFi 失败</translation>
     </message>
@@ -584,35 +568,28 @@ shell ps</translation>
         <translation>切换到 USB 失败</translation>
     </message>
     <message>
-        <source>Back online, starting again</source>
-        <translation>已重新上线，正在重新启动</translation>
-    </message>
-</context>
-<context>
-    <name>DeviceGroup</name>
-    <message>
-        <source>Screenshot</source>
-        <translation>截图</translation>
+        <source>Installing APK</source>
+        <translation>正在安装 APK</translation>
     </message>
     <message>
-        <source>Install APK</source>
-        <translation>安装 APK</translation>
+        <source>APK installed</source>
+        <translation>APK 已安装</translation>
     </message>
     <message>
-        <source>Upload File</source>
-        <translation>上传文件</translation>
+        <source>APK installation failed</source>
+        <translation>APK 安装失败</translation>
     </message>
     <message>
-        <source>Run AutoJS</source>
-        <translation>运行 AutoJS</translation>
+        <source>Uploading File</source>
+        <translation>正在上传文件</translation>
     </message>
     <message>
-        <source>ADB Command</source>
-        <translation>ADB 命令</translation>
+        <source>File uploaded</source>
+        <translation>文件已上传</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; did not start: &quot;%2&quot; is still running. Cancel it or wait for it to end.</source>
-        <translation>“%1”未启动：“%2”仍在运行。请取消它或等待其结束。</translation>
+        <source>File upload failed</source>
+        <translation>文件上传失败</translation>
     </message>
 </context>
 <context>
@@ -968,6 +945,33 @@ shell ps</translation>
     <message>
         <source>All files (*.*)</source>
         <translation>所有文件 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupActions</name>
+    <message>
+        <source>&quot;%1&quot; did not start: &quot;%2&quot; is still running. Cancel it or wait for it to end.</source>
+        <translation>“%1”未启动：“%2”仍在运行。请取消它或等待其结束。</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安装 APK</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上传文件</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>运行 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 命令</translation>
     </message>
 </context>
 <context>

@@ -491,29 +491,6 @@ shell ps</translation>
     </message>
 </context>
 <context>
-    <name>Controller</name>
-    <message>
-        <source>Installing APK</source>
-        <translation>正在安裝 APK</translation>
-    </message>
-    <message>
-        <source>APK installed</source>
-        <translation>APK 已安裝</translation>
-    </message>
-    <message>
-        <source>APK installation failed</source>
-        <translation>APK 安裝失敗</translation>
-    </message>
-    <message>
-        <source>File uploaded</source>
-        <translation>檔案已上傳</translation>
-    </message>
-    <message>
-        <source>File upload failed</source>
-        <translation>檔案上傳失敗</translation>
-    </message>
-</context>
-<context>
     <name>Device</name>
     <message>
         <source>scrcpy-server %1 is missing at %2</source>
@@ -528,18 +505,6 @@ shell ps</translation>
         <translation>音訊已停用，需要重新連線</translation>
     </message>
     <message>
-        <source>Failed to tcpip</source>
-        <translation>切換 tcpip 失敗</translation>
-    </message>
-    <message>
-        <source>WiFi connection enabled</source>
-        <translation>WiFi 連線已啟用</translation>
-    </message>
-    <message>
-        <source>Failed to enable <byte value="xd"/> WiFi connection</source>
-        <translation>無法啟用 <byte value="xd"/> WiFi 連線</translation>
-    </message>
-    <message>
         <source>Not Connected</source>
         <translation>未連線</translation>
     </message>
@@ -550,10 +515,6 @@ shell ps</translation>
     <message>
         <source>Screenshot Failed</source>
         <translation>截圖失敗</translation>
-    </message>
-    <message>
-        <source>Uploading File</source>
-        <translation>正在上傳檔案</translation>
     </message>
     <message>
         <source>KeyMapping Profile: %1</source>
@@ -572,6 +533,29 @@ shell ps</translation>
         <translation>手機端服務已停止：%1</translation>
     </message>
     <message>
+        <source>Back online, starting again</source>
+        <translation>已重新上線，正在重新啟動</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceActions</name>
+    <message>
+        <source>Not Connected</source>
+        <translation>未連線</translation>
+    </message>
+    <message>
+        <source>Failed to tcpip</source>
+        <translation>切換 tcpip 失敗</translation>
+    </message>
+    <message>
+        <source>WiFi connection enabled</source>
+        <translation>WiFi 連線已啟用</translation>
+    </message>
+    <message>
+        <source>Failed to enable <byte value="xd"/> WiFi connection</source>
+        <translation>無法啟用 <byte value="xd"/> WiFi 連線</translation>
+    </message>
+    <message>
         <source>Failed to disconnect WiFi</source>
         <translation>中斷 WiFi 失敗</translation>
     </message>
@@ -584,35 +568,28 @@ shell ps</translation>
         <translation>切換到 USB 失敗</translation>
     </message>
     <message>
-        <source>Back online, starting again</source>
-        <translation>已重新上線，正在重新啟動</translation>
-    </message>
-</context>
-<context>
-    <name>DeviceGroup</name>
-    <message>
-        <source>Screenshot</source>
-        <translation>截圖</translation>
+        <source>Installing APK</source>
+        <translation>正在安裝 APK</translation>
     </message>
     <message>
-        <source>Install APK</source>
-        <translation>安裝 APK</translation>
+        <source>APK installed</source>
+        <translation>APK 已安裝</translation>
     </message>
     <message>
-        <source>Upload File</source>
-        <translation>上傳檔案</translation>
+        <source>APK installation failed</source>
+        <translation>APK 安裝失敗</translation>
     </message>
     <message>
-        <source>Run AutoJS</source>
-        <translation>執行 AutoJS</translation>
+        <source>Uploading File</source>
+        <translation>正在上傳檔案</translation>
     </message>
     <message>
-        <source>ADB Command</source>
-        <translation>ADB 命令</translation>
+        <source>File uploaded</source>
+        <translation>檔案已上傳</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; did not start: &quot;%2&quot; is still running. Cancel it or wait for it to end.</source>
-        <translation>「%1」未啟動：「%2」仍在執行。請取消它或等待其結束。</translation>
+        <source>File upload failed</source>
+        <translation>檔案上傳失敗</translation>
     </message>
 </context>
 <context>
@@ -968,6 +945,33 @@ shell ps</translation>
     <message>
         <source>All files (*.*)</source>
         <translation>所有檔案 (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>GroupActions</name>
+    <message>
+        <source>&quot;%1&quot; did not start: &quot;%2&quot; is still running. Cancel it or wait for it to end.</source>
+        <translation>「%1」未啟動：「%2」仍在執行。請取消它或等待其結束。</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>截圖</translation>
+    </message>
+    <message>
+        <source>Install APK</source>
+        <translation>安裝 APK</translation>
+    </message>
+    <message>
+        <source>Upload File</source>
+        <translation>上傳檔案</translation>
+    </message>
+    <message>
+        <source>Run AutoJS</source>
+        <translation>執行 AutoJS</translation>
+    </message>
+    <message>
+        <source>ADB Command</source>
+        <translation>ADB 指令</translation>
     </message>
 </context>
 <context>
