@@ -2,6 +2,7 @@
 #include "device.h"
 #include "devicegroup.h"
 #include "devicegroupmanager.h"
+#include "devicesettings.h"
 #include "devicetracker.h"
 #include "fakeadb.h"
 #include "groupserials.h"
@@ -265,9 +266,13 @@ private slots:
         manager.scanDevices();
         manager.scanDevices();
         QVERIFY(manager.isScanning());
+        // Renamed while the listing is read on another thread: the offer shows the new name.
+        DeviceSettings::instance()->setDeviceNickname("B", "Rack B");
         QTRY_VERIFY(!manager.isScanning());
         QCOMPARE(scanning.count(), 2);
         QTRY_COMPARE(manager.availableDeviceInfos().size(), 3);
+        QCOMPARE(manager.availableDeviceInfos().at(1).nickname, QString("Rack B"));
+        DeviceSettings::instance()->removeDeviceNickname("B");
         m_adb.clear();
         m_adb.addRule("devices -l", 1, "", "adb: cannot connect to daemon\\n");
         QSignalSpy errors(&manager, &DeviceGroupManager::scanError);
