@@ -120,6 +120,10 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     engine.load(QUrl("qrc:/Korvel/src/qml/Main.qml"));
 
     // The adb server that the application started must not outlive it; one that the user's other
-    // tools were using before must.
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { AdbClient::killOwnServer(); });
+    // tools were using before must. The listing's adb process, held for the life of the process,
+    // goes first.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] {
+        DeviceTracker::instance()->stop();
+        AdbClient::killOwnServer();
+    });
 }

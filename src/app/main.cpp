@@ -1,4 +1,5 @@
 #include "appstartup.h"
+#include "quitonsignal.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -11,6 +12,8 @@ int main(int argc, char *argv[])
     AppStartup::selectGraphicsApi();
     QGuiApplication app(argc, argv);
     AppStartup::configureApplication();
+    // Before any phone's session can start: a request to end always finds the handler in place.
+    QuitOnSignal::install();
 
     QQmlApplicationEngine engine;
     AppStartup::loadUserInterface(engine);

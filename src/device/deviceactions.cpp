@@ -7,6 +7,7 @@
 #include "controller.h"
 #include "device.h"
 #include "groupoperation.h"
+#include "safefilename.h"
 
 #include <QDir>
 #include <QFont>
@@ -208,7 +209,7 @@ void DeviceActions::setWallpaper(const QString &nickname)
     // Drawing, saving and pushing the picture all happen off the GUI thread.
     AdbPool::post([serial = m_device->adbConnectionSerial(), desktop, nickname, width, height] {
         QDir().mkpath(desktop);
-        const QString path = desktop + "/wallpaper_" + nickname + ".png";
+        const QString path = desktop + "/" + SafeFileName::make("wallpaper_" + nickname, ".png");
         QImage image(width, height, QImage::Format_RGB32);
         image.fill(Qt::black);
         QPainter painter(&image);

@@ -1,6 +1,7 @@
 #include "mediarecorder.h"
 
 #include "h264parameters.h"
+#include "safefilename.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -115,7 +116,7 @@ void MediaRecorder::setOutput(const QString &folder, const QString &nickname, co
 
 QString MediaRecorder::fileName(const QString &nickname, const QString &serial, const QDateTime &time)
 {
-    return nickname + "_" + serial + "_" + time.toString("yyyyMMdd_hhmmss_zzz") + ".mkv";
+    return SafeFileName::make(nickname + "_" + serial, "_" + time.toString("yyyyMMdd_hhmmss_zzz") + ".mkv");
 }
 
 QString MediaRecorder::filePath() const

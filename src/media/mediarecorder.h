@@ -44,7 +44,8 @@ public:
 
     // Which streams the session carries; the recording follows them. Set before start().
     void setStreams(bool video, bool audio);
-    // The file goes to folder as "<nickname>_<serial>_<yyyyMMdd_hhmmss_zzz>.mkv".
+    // The file goes to folder as "<nickname>_<serial>_<yyyyMMdd_hhmmss_zzz>.mkv", made safe for any
+    // file system.
     void setOutput(const QString &folder, const QString &nickname, const QString &serial);
     static QString fileName(const QString &nickname, const QString &serial, const QDateTime &time);
 

@@ -1,5 +1,6 @@
 #include "screenshotwriter.h"
 
+#include "safefilename.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -51,10 +52,9 @@ void ScreenshotWriter::setFolder(const QString &folder)
 
 QString ScreenshotWriter::fileName(const QString &serial)
 {
-    return QStringLiteral("%1_%2_%3.jpg")
-        .arg(serial,
-             QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss")),
-             QString::number(QRandomGenerator::global()->bounded(1000, 9999)));
+    return SafeFileName::make(serial, QStringLiteral("_%1_%2.jpg")
+                                          .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss")),
+                                               QString::number(QRandomGenerator::global()->bounded(1000, 9999))));
 }
 
 QSize ScreenshotWriter::targetSize(int width, int height)

@@ -27,7 +27,7 @@ public:
     // after a restart.
     static QString folder();
     static void setFolder(const QString &folder);
-    // "<serial>_<yyyyMMdd_hhmmss>_<random 1000..9998>.jpg", the serial taken verbatim.
+    // "<serial>_<yyyyMMdd_hhmmss>_<random 1000..9998>.jpg", made safe for any file system.
     static QString fileName(const QString &serial);
     // Pictures wider than MaxWidth are scaled down to it; the height is truncated.
     static QSize targetSize(int width, int height);

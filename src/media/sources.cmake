@@ -29,6 +29,8 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/mediaworker.cpp
     ${CMAKE_CURRENT_LIST_DIR}/mediapipeline.h
     ${CMAKE_CURRENT_LIST_DIR}/mediapipeline.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/safefilename.h
+    ${CMAKE_CURRENT_LIST_DIR}/safefilename.cpp
     ${CMAKE_CURRENT_LIST_DIR}/screenshotwriter.h
     ${CMAKE_CURRENT_LIST_DIR}/screenshotwriter.cpp
     ${CMAKE_CURRENT_LIST_DIR}/yuvfboitem.h

@@ -86,6 +86,12 @@ void CommonPhraseManager::updateCategory(const QString &categoryId, const QStrin
     saveData();
 }
 
+void CommonPhraseManager::renameCategory(const QString &categoryId, const QString &name)
+{
+    if (const PhraseCategory *category = getCategoryById(categoryId))
+        updateCategory(categoryId, name, category->description());
+}
+
 PhraseCategory *CommonPhraseManager::getCategoryById(const QString &categoryId) const
 {
     for (PhraseCategory *category : m_categories) {

@@ -28,8 +28,9 @@ public:
 
     Q_INVOKABLE void addCategory(const QString &name, const QString &description = QString());
     Q_INVOKABLE void removeCategory(const QString &categoryId);
-    Q_INVOKABLE void updateCategory(const QString &categoryId, const QString &name,
-                                    const QString &description = QString());
+    Q_INVOKABLE void updateCategory(const QString &categoryId, const QString &name, const QString &description);
+    // Keeps the category's description.
+    Q_INVOKABLE void renameCategory(const QString &categoryId, const QString &name);
     Q_INVOKABLE PhraseCategory *getCategoryById(const QString &categoryId) const;
     Q_INVOKABLE QList<PhraseCategory *> getCategoriesList() const { return m_categories; }
     Q_INVOKABLE void addPhrase(const QString &text, const QString &categoryId,

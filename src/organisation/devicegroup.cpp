@@ -222,6 +222,13 @@ void DeviceGroup::removeDevice(Device *device)
 
 void DeviceGroup::clearDevices()
 {
+    // Phones still being added go too; they would otherwise appear after the clear.
+    for (const QPointer<Device> &device : std::exchange(m_arriving, {})) {
+        if (device) {
+            forgetMember(device->adbConnectionSerial());
+            delete device.data();
+        }
+    }
     if (m_devices.isEmpty())
         return;
     dropHost();

@@ -68,7 +68,7 @@ Dialog {
         AppConfig.sync()
         const restartNeeded = selectedLocale !== shownLocale || JSON.stringify(paths) !== shownPaths
         savedAlert.show(qsTr("Success"), restartNeeded
-                        ? qsTr("The number of adb processes applies at once; restart the application to apply the other changes.")
+                        ? qsTr("Please restart the application to apply the changes.")
                         : qsTr("Saved. The changes apply at once."))
         dialog.close()
     }

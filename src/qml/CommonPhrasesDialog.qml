@@ -42,7 +42,7 @@ Dialog {
         if (name.length === 0)
             return
         if (editingCategory && categoryId.length > 0)
-            CommonPhraseManager.updateCategory(categoryId, name)
+            CommonPhraseManager.renameCategory(categoryId, name)
         else
             CommonPhraseManager.addCategory(name)
         editingCategory = false
@@ -111,6 +111,7 @@ Dialog {
                         onClicked: dialog.selectCategory(modelData.id)
                     }
                 }
+                SectionTitle { text: qsTr("New Category") }
                 KVTextField {
                     id: categoryField
                     objectName: "categoryField"
@@ -227,12 +228,21 @@ Dialog {
             }
         }
 
-        KVButton {
-            objectName: "closeButton"
+        RowLayout {
             Layout.alignment: Qt.AlignRight
-            text: qsTr("Close")
-            textColor: ColorManager.textWhite
-            onClicked: dialog.close()
+            KVButton {
+                objectName: "saveButton"
+                text: qsTr("Save")
+                // Every change is saved as it is made; this writes the library again, as after a
+                // save that failed or a folder chosen in the settings.
+                onClicked: CommonPhraseManager.saveData()
+            }
+            KVButton {
+                objectName: "closeButton"
+                text: qsTr("Close")
+                textColor: ColorManager.textWhite
+                onClicked: dialog.close()
+            }
         }
     }
 

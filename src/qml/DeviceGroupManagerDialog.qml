@@ -235,8 +235,12 @@ Dialog {
         contentItem: ColumnLayout {
             spacing: 12
             Text {
+                objectName: "deleteQuestionText"
+                readonly property int phones: deleteQuestion.group ? deleteQuestion.group.deviceCount : 0
                 Layout.fillWidth: true
                 text: qsTr("Are you sure you want to delete group \"%1\"?").arg(deleteQuestion.group ? deleteQuestion.group.name : "")
+                      + (phones === 1 ? " " + qsTr("Its phone is removed with it.")
+                         : phones > 1 ? " " + qsTr("Its %1 phones are removed with it.").arg(phones) : "")
                 color: ColorManager.textWhite
                 font.pixelSize: Theme.fontNormal
                 wrapMode: Text.Wrap

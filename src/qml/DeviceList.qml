@@ -199,8 +199,11 @@ Rectangle {
                             anchors.leftMargin: 8
                             spacing: 2
                             Text {
+                                readonly property string nickName: deviceRow.device ? deviceRow.device.nickName : ""
                                 width: parent.width
-                                text: qsTr("name") + ": " + (deviceRow.device ? deviceRow.device.nickName : "")
+                                // A phone without a nickname has no name line rather than an empty one.
+                                visible: nickName.length > 0
+                                text: qsTr("name") + ": " + nickName
                                 color: ColorManager.textWhite
                                 font.pixelSize: Theme.fontSmall
                                 elide: Text.ElideRight

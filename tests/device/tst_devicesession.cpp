@@ -9,6 +9,7 @@
 #include "mediarecorder.h"
 #include "packetsink.h"
 #include "phonefixture.h"
+#include "safefilename.h"
 #include "scrcpyserver.h"
 #include "screenshotwriter.h"
 #include "serverparams.h"
@@ -184,7 +185,10 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!device->isScreenShotting(), 10000);
         QCOMPARE(messages.size(), 2);
         QCOMPARE(messages.at(1), (QVariantList{"Screenshot Saved", QVariant::fromValue(MessageKind::Success), 2000}));
-        const QStringList saved = QDir(m_screenshots.path()).entryList({phone->serial() + "_*.jpg"});
+        // Named after the network serial, its colon made safe.
+        QVERIFY(phone->serial().contains(':'));
+        const QStringList saved =
+            QDir(m_screenshots.path()).entryList({SafeFileName::make(phone->serial()) + "_*.jpg"});
         QCOMPARE(saved.size(), 1);
         QCOMPARE(QImageReader(m_screenshots.filePath(saved.first())).size(), QSize(360, 800));
 
@@ -469,18 +473,21 @@ private slots:
     {
         QTest::addColumn<bool>("audio");
         QTest::addColumn<QStringList>("codecs");
-        QTest::newRow("video and sound") << true << QStringList{"h264", "opus"};
-        QTest::newRow("video only") << false << QStringList{"h264"};
+        QTest::addColumn<QString>("nickname");
+        QTest::newRow("video and sound") << true << QStringList{"h264", "opus"} << "desk";
+        QTest::newRow("video only, nickname with a slash") << false << QStringList{"h264"} << "Rack A/12";
     }
 
     void recordingIsAPlayableFile()
     {
         QFETCH(bool, audio);
         QFETCH(QStringList, codecs);
+        QFETCH(QString, nickname);
         PhoneSimProcess *phone = nullptr;
         DeviceGroup group;
         Device *device = makeDevice(group, phone, {1080, 2400}, 400, {"--animate"});
         QVERIFY(device);
+        device->updateNickName(nickname);
         device->serverParamsSmallView()->setAudio(audio);
         device->startScrcpySession();
         QTRY_VERIFY_WITH_TIMEOUT(device->controller() && device->frameSize().isValid(), 20000);
@@ -502,8 +509,8 @@ private slots:
 
         const QFileInfo file(recorder->filePath());
         QCOMPARE(file.absolutePath(), QFileInfo(m_videos.path()).absoluteFilePath());
-        // Named after the phone's nickname and serial.
-        QVERIFY2(file.fileName().startsWith(device->nickName() + "_" + device->adbConnectionSerial() + "_")
+        // Named after the phone's nickname and serial, made safe for the file system.
+        QVERIFY2(file.fileName().startsWith(SafeFileName::make(nickname + "_" + device->adbConnectionSerial()) + "_")
                      && file.suffix() == "mkv", qPrintable(file.fileName()));
         const Probe result = probe(file.filePath());
         QCOMPARE(result.errors, QByteArray());

@@ -71,6 +71,8 @@ private slots:
     {
         const QDateTime time(QDate(2024, 3, 5), QTime(14, 7, 9, 42));
         QCOMPARE(MediaRecorder::fileName("desk", "R58M", time), QString("desk_R58M_20240305_140709_042.mkv"));
+        QCOMPARE(MediaRecorder::fileName("Rack A/12", "192.168.1.5:5555", time),
+                 QString("Rack A_12_192.168.1.5_5555_20240305_140709_042.mkv"));
     }
 
     void stopWhileIdleOnlyTellsTheUser()

@@ -58,12 +58,13 @@ private slots:
         QTest::addColumn<QSize>("picture");
         QTest::addColumn<QSize>("saved");
         QTest::addColumn<QString>("serial");
-        QTest::newRow("portrait kept") << QSize(1080, 2400) << QSize(1080, 2400) << "R58M12ABCDE";
-        QTest::newRow("landscape to 1920") << QSize(2400, 1080) << QSize(1920, 864) << "R58M12ABCDE";
-        QTest::newRow("height truncated") << QSize(2401, 1080) << QSize(1920, 863) << "R58M12ABCDE";
-        QTest::newRow("exactly 1920 kept") << QSize(1920, 1080) << QSize(1920, 1080) << "R58M12ABCDE";
-        // The serial names the file verbatim, colon and dots included.
-        QTest::newRow("odd small") << QSize(721, 1601) << QSize(721, 1601) << "192.168.1.20:5555";
+        QTest::addColumn<QString>("named");
+        QTest::newRow("portrait kept") << QSize(1080, 2400) << QSize(1080, 2400) << "R58M12ABCDE" << "R58M12ABCDE";
+        QTest::newRow("landscape to 1920") << QSize(2400, 1080) << QSize(1920, 864) << "R58M12ABCDE" << "R58M12ABCDE";
+        QTest::newRow("height truncated") << QSize(2401, 1080) << QSize(1920, 863) << "R58M12ABCDE" << "R58M12ABCDE";
+        QTest::newRow("exactly 1920 kept") << QSize(1920, 1080) << QSize(1920, 1080) << "R58M12ABCDE" << "R58M12ABCDE";
+        // A network serial's colon is no file name's.
+        QTest::newRow("odd small") << QSize(721, 1601) << QSize(721, 1601) << "192.168.1.20:5555" << "192.168.1.20_5555";
     }
 
     void savedAsJpeg()
@@ -71,11 +72,12 @@ private slots:
         QFETCH(QSize, picture);
         QFETCH(QSize, saved);
         QFETCH(QString, serial);
+        QFETCH(QString, named);
         ScreenshotWriter writer;
         QString path;
         QVERIFY(writer.save(greyFrame(picture.width(), picture.height(), 220, 40).get(), m_folder, serial, &path));
         const QRegularExpressionMatch name = QRegularExpression(
-            "^" + QRegularExpression::escape(m_folder + serial) + "_(\\d{8}_\\d{6})_([1-9]\\d{3})\\.jpg$").match(path);
+            "^" + QRegularExpression::escape(m_folder + named) + "_(\\d{8}_\\d{6})_([1-9]\\d{3})\\.jpg$").match(path);
         QVERIFY2(name.hasMatch(), qPrintable(path));
         QVERIFY(QDateTime::fromString(name.captured(1), "yyyyMMdd_hhmmss").isValid());
         QVERIFY(name.captured(2).toInt() <= 9998);
@@ -90,9 +92,12 @@ private slots:
     {
         ScreenshotWriter writer;
         QString path;
-        // A serial naming a folder that does not exist makes the save fail.
-        QVERIFY(!writer.save(greyFrame(64, 64, 100, 100).get(), m_folder, "no/such/folder", &path));
-        QVERIFY(path.startsWith(m_folder + "no/such/folder_"));
+        // A folder where a file is makes the save fail.
+        const QString blocker = m_temp.filePath("blocker");
+        QFile file(blocker);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(!writer.save(greyFrame(64, 64, 100, 100).get(), blocker + "/", "R58M", &path));
+        QVERIFY(path.startsWith(blocker + "/R58M_"));
         QVERIFY(!QFileInfo::exists(path));
     }
 

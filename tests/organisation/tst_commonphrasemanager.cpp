@@ -93,6 +93,16 @@ private slots:
         QVERIFY(manager->fileMessage().isEmpty());
     }
 
+    void renamedCategoryKeepsItsDescription()
+    {
+        CommonPhraseManager *manager = CommonPhraseManager::instance();
+        QVERIFY(TestFiles::write(manager->filePath(), R"({"categories":[{"id":"c1","name":"Greetings","description":"daily"}]})"));
+        manager->loadData();
+        manager->renameCategory("c1", "Hello");
+        manager->loadData();
+        QCOMPARE(describe(manager), QString("Hello(daily): \ncurrent="));
+    }
+
     void failedSaveIsReported()
     {
         CommonPhraseManager *manager = CommonPhraseManager::instance();

@@ -200,6 +200,19 @@ private slots:
             QTRY_VERIFY(device.isNull());
     }
 
+    void clearDevicesAlsoDropsPhonesStillArriving()
+    {
+        DeviceGroup::setStaggerIntervals({1000, 0, 0});
+        DeviceGroup group;
+        fill(group, {"A"});
+        QVERIFY(group.addDevices({{"B"}, {"C"}}));
+        group.clearDevices();
+        QTRY_COMPARE(group.deviceCount(), 0);
+        // Had B or C been left, it would be a row or still on its way.
+        QTRY_VERIFY(group.findChildren<Device *>().isEmpty());
+        QCOMPARE(group.memberSerials(), QStringList());
+    }
+
     void moveHandsDevicesAndOwnershipToTheTarget()
     {
         DeviceGroup source, target;

@@ -218,7 +218,7 @@ private slots:
         GroupOperation *operation = alone.actions()->uploadFile(path);
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 10000);
         QCOMPARE(operation->summary(), QString("1 timed out"));
-        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 10000);
         AdbJob::setTimeouts(30000, 300000);
 
         // One adb process at a time, as the user can set it: the second phone waits its turn.
@@ -238,7 +238,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!operation->running(), 1000);
         QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(operation->summary(), QString("2 cancelled"));
-        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 10000);
         QTRY_COMPARE_WITH_TIMEOUT(AdbWorkPool::instance()->activeCount(), 0, 1000);
         // The queued phone never started; the slow one kept no partial file.
         for (const QJsonObject &push : m_good[1]->journal("push"))
@@ -313,7 +313,7 @@ private slots:
         operation.cancel();
         QTRY_COMPARE_WITH_TIMEOUT(operation.state(0), GroupOperation::Cancelled, 1000);
         QVERIFY(operation.output(0).contains("I phonesim: log line 3\n"));
-        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 1000);
+        QTRY_VERIFY_WITH_TIMEOUT(adbChildren().isEmpty(), 10000);
     }
 
     // A touch, a mapped key, a wheel turn, a phrase and a key from the host reach every phone after its

@@ -120,7 +120,7 @@ KorvelTestCase {
     function initTestCase() {
         KeyMapping.removeProfile("Harvest")
         for (const category of CommonPhraseManager.getCategoriesList()) {
-            if (category.name === "Farm chat" || category.name === "Replies")
+            if (["Farm chat", "Farm talk", "Replies"].includes(category.name))
                 CommonPhraseManager.removeCategory(category.id)
         }
     }
@@ -157,6 +157,14 @@ KorvelTestCase {
         findChild(dialog, "phraseField").text = "收菜啦"
         click(findChild(dialog, "addPhraseButton"))
         compare(CommonPhraseManager.getPhrasesByCategory(category.id).map(p => p.text), ["收菜啦"])
+
+        // Renaming the category keeps its description.
+        category.description = "daily"
+        click(findChild(dialog, "editCategoryButton"))
+        findChild(dialog, "categoryField").text = "Farm talk"
+        click(findChild(dialog, "addCategoryButton"))
+        compare(category.name, "Farm talk")
+        compare(category.description, "daily")
 
         // Deleting the category takes its phrases with it.
         click(findChild(dialog, "deleteCategoryButton"))
