@@ -204,12 +204,12 @@ shell ps</translation>
         <translation>同时运行的 adb 进程数</translation>
     </message>
     <message>
-        <source>The number of adb processes applies at once; restart the application to apply the other changes.</source>
-        <translation>同时运行的 adb 进程数立即生效；其他更改需重新启动应用后生效。</translation>
-    </message>
-    <message>
         <source>Saved. The changes apply at once.</source>
         <translation>已保存，更改立即生效。</translation>
+    </message>
+    <message>
+        <source>Please restart the application to apply the changes.</source>
+        <translation>请重新启动应用以使更改生效。</translation>
     </message>
 </context>
 <context>
@@ -341,6 +341,10 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
     </message>
 </context>
 <context>
@@ -664,6 +668,14 @@ shell ps</translation>
     <message>
         <source>Are you sure you want to delete group &quot;%1&quot;?</source>
         <translation>确定要删除分组“%1”吗？</translation>
+    </message>
+    <message>
+        <source>Its phone is removed with it.</source>
+        <translation>该分组的手机将一并移除。</translation>
+    </message>
+    <message>
+        <source>Its %1 phones are removed with it.</source>
+        <translation>该分组的 %1 部手机将一并移除。</translation>
     </message>
 </context>
 <context>

@@ -204,12 +204,12 @@ shell ps</translation>
         <translation>同時執行的 adb 行程數</translation>
     </message>
     <message>
-        <source>The number of adb processes applies at once; restart the application to apply the other changes.</source>
-        <translation>同時執行的 adb 行程數立即生效；其他變更需重新啟動應用程式後生效。</translation>
-    </message>
-    <message>
         <source>Saved. The changes apply at once.</source>
         <translation>已儲存，變更立即生效。</translation>
+    </message>
+    <message>
+        <source>Please restart the application to apply the changes.</source>
+        <translation>請重新啟動應用程式以套用變更。</translation>
     </message>
 </context>
 <context>
@@ -341,6 +341,10 @@ shell ps</translation>
     <message>
         <source>Close</source>
         <translation>關閉</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>儲存</translation>
     </message>
 </context>
 <context>
@@ -664,6 +668,14 @@ shell ps</translation>
     <message>
         <source>Are you sure you want to delete group &quot;%1&quot;?</source>
         <translation>確定要刪除群組「%1」嗎？</translation>
+    </message>
+    <message>
+        <source>Its phone is removed with it.</source>
+        <translation>該群組的手機將一併移除。</translation>
+    </message>
+    <message>
+        <source>Its %1 phones are removed with it.</source>
+        <translation>該群組的 %1 支手機將一併移除。</translation>
     </message>
 </context>
 <context>
