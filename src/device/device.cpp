@@ -5,17 +5,16 @@
 #include "controller.h"
 #include "deviceactions.h"
 #include "devicescreenshot.h"
+#include "devicesession.h"
 #include "framehandoff.h"
-#include "mediapipeline.h"
-#include "offlinewatch.h"
 #include "keymappingprofile.h"
 #include "mediarecorder.h"
+#include "offlinewatch.h"
 #include "scrcpyserver.h"
 #include "serverparams.h"
 
 #include <QFileInfo>
 #include <QMutex>
-#include <QTcpSocket>
 #include <QTimer>
 
 extern "C" {
@@ -68,7 +67,10 @@ Device::Device(QObject *parent, const QString &adbConnectionSerial)
     connect(m_screenshot, &DeviceScreenshot::busyChanged, this, &Device::isScreenShottingChanged);
     connect(m_screenshot, &DeviceScreenshot::finished, this, &Device::handleScreenshotFinished);
     connect(m_frames, &FrameHandoff::frameAvailable, this, &Device::handleFrameAvailable);
-    connect(m_frames, &FrameHandoff::watchedChanged, this, &Device::applyDecodingDemand);
+    connect(m_frames, &FrameHandoff::watchedChanged, this, [this] {
+        if (m_session)
+            m_session->applyDecodingDemand();
+    });
     connect(m_offlineWatch, &OfflineWatch::offlineChanged, this, &Device::offlineChanged);
     connect(m_offlineWatch, &OfflineWatch::backOnline, this, &Device::handleBackOnline);
     // The server itself ended (killed, or failed): the phone stays stopped.
@@ -76,16 +78,14 @@ Device::Device(QObject *parent, const QString &adbConnectionSerial)
     m_recorder = new MediaRecorder(this);
     connect(m_recorder, &MediaRecorder::message, this, &Device::deviceMessage);
     connect(m_recorder, &MediaRecorder::resetVideoRequested, this, [this] {
-        if (m_controller)
-            m_controller->resetVideo();
+        if (Controller *c = controller())
+            c->resetVideo();
     });
 }
 
 Device::~Device()
 {
-    // The media thread first: it reads a socket that the server's tear-down closes.
-    delete m_media;
-    delete m_server;
+    delete m_session;
     // The file gets its trailer even if the phone vanished; a stalled disk does not hold the window.
     m_recorder->finishAndDelete();
 }
@@ -140,13 +140,23 @@ void Device::setNickName(const QString &nickname)
 void Device::setShowSize(QSize size)
 {
     m_showSize = size;
-    if (m_controller)
-        m_controller->setShowSize(size);
+    if (m_session)
+        m_session->setShowSize(size);
+}
+
+Controller *Device::controller() const
+{
+    return m_session ? m_session->controller() : nullptr;
+}
+
+ScrcpyServer *Device::server() const
+{
+    return m_session ? m_session->server() : nullptr;
 }
 
 void Device::startScrcpySession()
 {
-    if (m_server)
+    if (m_session)
         return;
     m_offlineWatch->sessionStarted();
 
@@ -168,16 +178,19 @@ void Device::startScrcpySession()
     params->renewScid();
     params->setSocketName("scrcpy_" + params->scidText());
 
-    m_server = new ScrcpyServer(this, params);
-    m_recorder->setStreams(params->video(), params->audio());
-    connect(m_server, &ScrcpyServer::stopped, this, &Device::handleServerStopped);
-    connect(m_server, &ScrcpyServer::startFailed, this, &Device::handleStartFailed);
-    connect(m_server, &ScrcpyServer::videoSocketConnected, this, &Device::handleVideoSocketConnected);
-    connect(m_server, &ScrcpyServer::audioSocketConnected, this, &Device::handleAudioSocketConnected);
-    connect(m_server, &ScrcpyServer::controlSocketConnected, this, &Device::handleControlSocketConnected);
+    m_session = new DeviceSession(params, m_frames, m_recorder, m_videoPacketProbes, this);
+    m_session->setShowSize(m_showSize);
+    m_session->setFrameSize(m_frameSize);
+    m_session->setKeyMappingProfile(m_keyMappingProfile);
+    connect(m_session, &DeviceSession::serverStopped, this, &Device::handleServerStopped);
+    connect(m_session, &DeviceSession::startFailed, this, &Device::handleStartFailed);
+    connect(m_session, &DeviceSession::controllerChanged, this, &Device::controllerChanged);
+    connect(m_session, &DeviceSession::videoStreamStarted, this, &Device::videoStreamStarted);
+    connect(m_session, &DeviceSession::videoStreamStopped, this, &Device::videoStreamStopped);
+    connect(m_session, &DeviceSession::audioUnavailable, this, [this](const QString &message) { emitError(message); });
     setStarting(true);
     emit runningChanged();
-    m_server->start();
+    m_session->start();
 }
 
 void Device::handleStartFailed(const QString &error)
@@ -193,33 +206,22 @@ void Device::setStarting(bool starting)
 
 void Device::teardownSession()
 {
-    if (!m_server)
+    if (!m_session)
         return;
     // A recording ends with its session: the file gets its trailer and stays playable.
     if (m_recorder->isRecording())
         m_recorder->stop();
-    delete m_media;
-    m_media = nullptr;
-    // Later: this may run inside one of the server's own signals.
-    m_server->stop();
-    m_server->deleteLater();
-    m_server = nullptr;
+    m_actions->cancelSessionWork();
+    const bool hadController = m_session->controller();
+    // Later: this may run inside one of the session's own signals.
+    m_session->end();
+    std::exchange(m_session, nullptr)->deleteLater();
     m_frames->clear();
     m_screenshot->sessionEnded();
-    m_hasPicture = false;
     setStarting(false);
     emit runningChanged();
-    deleteController();
-}
-
-void Device::deleteController()
-{
-    if (!m_controller)
-        return;
-    m_actions->cancelSessionWork();
-    delete m_controller;
-    m_controller = nullptr;
-    emit controllerChanged();
+    if (hadController)
+        emit controllerChanged();
 }
 
 void Device::stopScrcpySession()
@@ -235,12 +237,12 @@ void Device::removeFromDeviceGroup()
         emit leaveGroupRequested();
 }
 
-void Device::handleServerStopped(int, QProcess::ExitStatus)
+void Device::handleServerStopped()
 {
-    if (!m_server)
+    if (!m_session)
         return;
     // A server that ends before its first picture failed: its last words say why.
-    const QStringList lastOutput = m_server->lastOutput();
+    const QStringList lastOutput = m_session->lastOutput();
     if (m_starting && !lastOutput.isEmpty())
         emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), kStartFailureTimeoutMs);
     teardownSession();
@@ -263,58 +265,15 @@ void Device::addVideoPacketProbe(PacketSink *probe)
         m_videoPacketProbes.append(probe);
 }
 
-void Device::handleVideoSocketConnected()
-{
-    if (!m_server)
-        return;
-    QTcpSocket *socket = m_server->takeVideoSocket();
-    if (!socket)
-        return;
-    delete m_media;
-    m_media = nullptr;
-    mediaPipeline()->startVideo(socket, m_videoPacketProbes);
-    emit videoStreamStarted();
-}
-
-MediaPipeline *Device::mediaPipeline()
-{
-    if (m_media)
-        return m_media;
-    m_media = new MediaPipeline("Media " + m_adbConnectionSerial, m_frames, this);
-    m_media->setRecorder(m_recorder);
-    connect(m_media, &MediaPipeline::videoEnded, this, [this] {
-        if (m_server)
-            emit videoStreamStopped();
-    });
-    connect(m_media, &MediaPipeline::audioUnavailable, this, [this](const QString &message) {
-        // The phone goes on without sound; a recording must not wait for it.
-        if (m_server)
-            m_recorder->setStreams(m_server->params()->video(), false);
-        emitError(message);
-    });
-    return m_media;
-}
-
-void Device::handleAudioSocketConnected()
-{
-    if (!m_server)
-        return;
-    QTcpSocket *socket = m_server->takeAudioSocket();
-    if (!socket)
-        return;
-    // Without video the audio socket is the session's first one and carries the device name.
-    mediaPipeline()->startAudio(socket, !m_server->params()->video());
-}
-
 AudioDecoder *Device::audioDecoder() const
 {
-    return m_media ? m_media->audioDecoder() : nullptr;
+    return m_session ? m_session->audioDecoder() : nullptr;
 }
 
 void Device::startRecord()
 {
     // The recording asks the phone for a fresh key frame through the control channel.
-    if (!m_controller) {
+    if (!controller()) {
         emitError(tr("Not Connected"), kNotConnectedTimeoutMs);
         return;
     }
@@ -332,49 +291,18 @@ void Device::stopRecord()
     m_recorder->stop();
 }
 
-void Device::handleControlSocketConnected()
-{
-    if (!m_server || !m_server->controlSocket())
-        return;
-    deleteController();
-    m_controller = new Controller(this, m_server->controlSocket());
-    m_controller->setShowSize(m_showSize);
-    m_controller->setFrameSize(m_frameSize);
-    m_controller->setKeyMappingProfile(m_keyMappingProfile);
-    emit controllerChanged();
-}
-
 void Device::handleFrameAvailable()
 {
-    quint64 serial = 0;
-    const FrameHandoff::Frame frame = m_frames->latest(&serial);
+    const FrameHandoff::Frame frame = m_frames->latest();
     if (!frame)
         return;
     m_frameSize = QSize(frame->width, frame->height);
-    if (m_controller)
-        m_controller->setFrameSize(m_frameSize);
     setStarting(false);
-    if (!m_hasPicture) {
-        // Decoding runs until the first picture, so that size and screenshot are known even for
-        // a phone nobody looks at; from now on it follows the views.
-        m_hasPicture = true;
-        applyDecodingDemand();
+    if (m_session) {
+        m_session->setFrameSize(m_frameSize);
+        m_session->pictureArrived();
     }
     m_screenshot->pictureArrived();
-}
-
-void Device::applyDecodingDemand()
-{
-    if (!m_media || !m_hasPicture)
-        return;
-    const bool paused = !m_frames->isWatched();
-    if (paused == m_decodingPaused)
-        return;
-    m_decodingPaused = paused;
-    m_media->setDecodingPaused(paused);
-    // The picture kept while paused is old: ask for a key frame so that it is current at once.
-    if (!paused && m_controller)
-        m_controller->resetVideo();
 }
 
 void Device::setIsBigView(bool isBigView)
@@ -408,7 +336,7 @@ void Device::takeScreenshot()
 {
     if (m_screenshot->busy())
         return;
-    if (!m_media || !m_server) {
+    if (!m_session || !m_session->streaming()) {
         emitError(tr("Not Connected"), kNotConnectedTimeoutMs);
         emit screenshotFinished(false, tr("Not Connected"));
         return;
@@ -438,8 +366,8 @@ void Device::setCurrentKeyMappingProfile(KeyMappingProfile *profile)
     if (m_keyMappingProfile)
         disconnect(m_keyMappingProfile, &QObject::destroyed, this, nullptr);
     m_keyMappingProfile = profile;
-    if (m_controller)
-        m_controller->setKeyMappingProfile(profile);
+    if (m_session)
+        m_session->setKeyMappingProfile(profile);
     // A profile deleted in the editor turns this phone's mapping off, visibly.
     if (profile)
         connect(profile, &QObject::destroyed, this, [this] {

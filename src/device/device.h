@@ -7,7 +7,6 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
-#include <QProcess>
 #include <QSize>
 
 
@@ -15,8 +14,8 @@ class AudioDecoder;
 class Controller;
 class DeviceActions;
 class DeviceScreenshot;
+class DeviceSession;
 class FrameHandoff;
-class MediaPipeline;
 class OfflineWatch;
 class KeyMappingProfile;
 class MediaRecorder;
@@ -77,7 +76,7 @@ public:
     QString ipAddress() const { return m_ipAddress; }
     bool isBigView() const { return m_isBigView; }
     QString adbConnectionSerial() const { return m_adbConnectionSerial; }
-    Controller *controller() const { return m_controller; }
+    Controller *controller() const;
     QObject *deviceGroup() const { return m_deviceGroup; }
     void setDeviceGroup(QObject *group);
     bool isHostDevice() const { return m_isHostDevice; }
@@ -85,7 +84,7 @@ public:
     ServerParams *serverParamsSmallView() const { return m_smallViewParams; }
     ServerParams *serverParamsBigView() const { return m_bigViewParams; }
     bool isScreenShotting() const;
-    bool running() const { return m_server != nullptr; }
+    bool running() const { return m_session != nullptr; }
     // Between Start and the first picture.
     bool starting() const { return m_starting; }
     // adb lost the phone; it stays in its group and its session comes back with it.
@@ -100,7 +99,7 @@ public:
     QSize showSize() const { return m_showSize; }
     QSize frameSize() const { return m_frameSize; }
     KeyMappingProfile *currentKeyMappingProfile() const;
-    ScrcpyServer *server() const { return m_server; }
+    ScrcpyServer *server() const;
     MediaRecorder *videoRecorder() const { return m_recorder; }
     // The current session's sound decoder, living on the media thread (connect to it directly);
     // null until the audio socket arrives.
@@ -149,13 +148,6 @@ signals:
     // The end of a takeScreenshot(), also of one already under way when it was asked for again.
     void screenshotFinished(bool saved, const QString &message);
 
-public slots:
-    void handleServerStopped(int exitCode, QProcess::ExitStatus st);
-    void handleFrameAvailable();
-    void handleVideoSocketConnected();
-    void handleAudioSocketConnected();
-    void handleControlSocketConnected();
-
 public:
     Q_INVOKABLE void setEnableAudio(bool enableAudio);
     Q_INVOKABLE void setShowSize(QSize size);
@@ -189,12 +181,11 @@ private:
     template<typename T, typename V>
     void change(T &field, const V &value, void (Device::*changed)());
     void teardownSession();
-    void deleteController();
     void setStarting(bool starting);
+    void handleServerStopped();
+    void handleFrameAvailable();
     void handleBackOnline();
     void handleStartFailed(const QString &error);
-    void applyDecodingDemand();
-    MediaPipeline *mediaPipeline();
     void handleScreenshotFinished(bool saved);
 
     DeviceActions *m_actions;
@@ -205,24 +196,21 @@ private:
     QString m_ipAddress;
     bool m_isBigView = false;
     QString m_adbConnectionSerial;
-    Controller *m_controller = nullptr;
     QPointer<QObject> m_deviceGroup;
     bool m_isHostDevice = false;
     QSize m_showSize{-1, -1};
     QSize m_frameSize{-1, -1};
     ServerParams *m_smallViewParams;
     ServerParams *m_bigViewParams;
-    ScrcpyServer *m_server = nullptr;
+    // The run under way; null while stopped.
+    DeviceSession *m_session = nullptr;
     FrameHandoff *m_frames;
-    MediaPipeline *m_media = nullptr;
     QList<PacketSink *> m_videoPacketProbes;
     MediaRecorder *m_recorder = nullptr;
     bool m_starting = false;
     // The session ended without the user asking: it starts again when the phone is back.
     bool m_resumeSession = false;
     OfflineWatch *m_offlineWatch;
-    bool m_hasPicture = false;
-    bool m_decodingPaused = false;
     bool m_switchingConnection = false;
     DeviceScreenshot *m_screenshot;
     // Not owned: a profile deleted by its owner turns the mapping off.

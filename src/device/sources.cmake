@@ -8,5 +8,6 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/groupoperation.h ${CMAKE_CURRENT_LIST_DIR}/groupoperation.cpp
     ${CMAKE_CURRENT_LIST_DIR}/deviceactions.h ${CMAKE_CURRENT_LIST_DIR}/deviceactions.cpp
     ${CMAKE_CURRENT_LIST_DIR}/devicescreenshot.h ${CMAKE_CURRENT_LIST_DIR}/devicescreenshot.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/devicesession.h ${CMAKE_CURRENT_LIST_DIR}/devicesession.cpp
     ${CMAKE_CURRENT_LIST_DIR}/device.h ${CMAKE_CURRENT_LIST_DIR}/device.cpp
 )
