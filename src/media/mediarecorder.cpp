@@ -13,11 +13,7 @@
 #include <utility>
 
 extern "C" {
-#include <libavformat/avformat.h>
-#include <libavutil/channel_layout.h>
-#include <libavutil/dict.h>
 #include <libavutil/mathematics.h>
-#include <libavutil/mem.h>
 }
 
 namespace {
@@ -27,19 +23,25 @@ constexpr AVRational Microseconds{1, 1000000};
 // Video packets dropped while a recording waited for its first key frame, for all recorders.
 std::atomic<qint64> droppedBeforeKeyFrame{0};
 
-QString errorText(int code)
-{
-    char text[128] = {};
-    av_strerror(code, text, sizeof text);
-    return QString::fromUtf8(text);
-}
-
 void freeAll(QList<AVPacket *> &queue)
 {
     for (AVPacket *packet : queue)
         av_packet_free(&packet);
     queue.clear();
 }
+
+// A copy of a stream's description taken under the recorder's lock; null when none was given.
+struct Described
+{
+    Described(std::mutex &mutex, const AVCodecParameters *source)
+    {
+        std::unique_lock lock(mutex);
+        if (source && (parameters = avcodec_parameters_alloc()))
+            avcodec_parameters_copy(parameters, source);
+    }
+    ~Described() { avcodec_parameters_free(&parameters); }
+    AVCodecParameters *parameters = nullptr;
+};
 
 } // namespace
 
@@ -229,13 +231,10 @@ void MediaRecorder::record()
             m_thread->quit();
             return;
         }
-        m_headerWritten = false;
         m_keyFrameSeen = false;
         m_timeline.reset();
         m_timeline.setNominalFrameDuration(RecordingTimeline::DefaultFrameDuration);
         m_timeline.setNominalAudioDuration(RecordingTimeline::DefaultAudioDuration);
-        m_lastWrittenVideoPts = AV_NOPTS_VALUE;
-        m_lastWrittenAudioPts = AV_NOPTS_VALUE;
     }
     emit isRecordingChanged();
     report(tr("Record Started"), MessageKind::Success);
@@ -272,105 +271,38 @@ bool MediaRecorder::openOutput()
     if (!QDir().mkpath(m_folder))
         return false;
     m_filePath = QDir(m_folder).filePath(fileName(m_nickname, m_serial, QDateTime::currentDateTime()));
-    const QByteArray path = m_filePath.toUtf8();
-    if (avformat_alloc_output_context2(&m_formatContext, nullptr, "matroska", path.constData()) < 0
-        || !m_formatContext)
-        return false;
-    if (avio_open2(&m_formatContext->pb, path.constData(), AVIO_FLAG_WRITE, nullptr, nullptr) < 0) {
-        closeOutput();
-        return false;
-    }
-    return true;
-}
-
-void MediaRecorder::closeOutput()
-{
-    if (!m_formatContext)
-        return;
-    if (m_formatContext->pb)
-        avio_closep(&m_formatContext->pb);
-    avformat_free_context(m_formatContext);
-    m_formatContext = nullptr;
-    m_videoStream = nullptr;
-    m_audioStream = nullptr;
+    return m_file.open(m_filePath);
 }
 
 bool MediaRecorder::addVideoStream(const AVPacket *config)
 {
-    if (!m_formatContext || !config || config->size <= 0)
+    if (!config || config->size <= 0)
         return false;
-    AVStream *stream = avformat_new_stream(m_formatContext, nullptr);
-    if (!stream)
-        return false;
-    {
-        std::unique_lock lock(m_mutex);
-        if (m_videoParameters)
-            avcodec_parameters_copy(stream->codecpar, m_videoParameters);
-    }
-    stream->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
-    stream->codecpar->codec_id = AV_CODEC_ID_H264;
-    stream->codecpar->codec_tag = 0;
-    av_freep(&stream->codecpar->extradata);
-    // The muxer may read past the end, so the copy carries zeroed padding.
-    stream->codecpar->extradata = static_cast<uint8_t *>(av_mallocz(size_t(config->size) + 64));
-    stream->codecpar->extradata_size = stream->codecpar->extradata ? config->size : 0;
-    if (stream->codecpar->extradata)
-        std::memcpy(stream->codecpar->extradata, config->data, size_t(config->size));
     AVRational rate = H264Parameters::frameRate(config->data, config->size);
     if (rate.num < 1 || rate.den < 1)
         rate = AVRational{30, 1};
-    stream->avg_frame_rate = rate;
-    stream->r_frame_rate = rate;
+    const Described described(m_mutex, m_videoParameters);
+    if (!m_file.addVideo(described.parameters, config, rate))
+        return false;
     m_timeline.setNominalFrameDuration(av_rescale_q(1, av_inv_q(rate), Microseconds));
-    stream->time_base = Microseconds;
-    m_videoStream = stream;
     return true;
 }
 
 bool MediaRecorder::addAudioStream()
 {
-    if (!m_formatContext)
+    const Described described(m_mutex, m_audioParameters);
+    if (!m_file.addAudio(described.parameters))
         return false;
-    AVStream *stream = avformat_new_stream(m_formatContext, nullptr);
-    if (!stream)
-        return false;
-    {
-        std::unique_lock lock(m_mutex);
-        if (m_audioParameters)
-            avcodec_parameters_copy(stream->codecpar, m_audioParameters);
-    }
-    AVCodecParameters *par = stream->codecpar;
-    const int frameSize = par->frame_size;
-    const int sourceRate = par->sample_rate;
-    par->codec_type = AVMEDIA_TYPE_AUDIO;
-    par->codec_id = AV_CODEC_ID_OPUS;
-    av_channel_layout_uninit(&par->ch_layout);
-    av_channel_layout_default(&par->ch_layout, 2);
-    par->sample_rate = 48000;
-    par->format = AV_SAMPLE_FMT_S16;
-    stream->time_base = Microseconds;
+    const int frameSize = described.parameters ? described.parameters->frame_size : 0;
+    const int sourceRate = described.parameters ? described.parameters->sample_rate : 0;
     m_timeline.setNominalAudioDuration(frameSize > 0 && sourceRate > 0 ? qint64(frameSize) * 1000000 / sourceRate : 0);
-    m_audioStream = stream;
     return true;
-}
-
-void MediaRecorder::writeHeader()
-{
-    if (!m_formatContext || m_headerWritten)
-        return;
-    AVDictionary *options = nullptr;
-    av_dict_set(&options, "reserve_index_space", "0", 0);
-    const int result = avformat_write_header(m_formatContext, &options);
-    av_dict_free(&options);
-    m_headerWritten = result >= 0;
-    if (!m_headerWritten)
-        qWarning().noquote() << "MediaRecorder: no file header:" << errorText(result);
 }
 
 bool MediaRecorder::chooseBase(bool stopping)
 {
     const bool video = m_heldVideo && m_heldVideo->pts != AV_NOPTS_VALUE && m_keyFrameSeen;
-    const bool audio = m_heldAudio && m_heldAudio->pts != AV_NOPTS_VALUE && m_audioStream;
+    const bool audio = m_heldAudio && m_heldAudio->pts != AV_NOPTS_VALUE && m_file.hasAudio();
     bool videoEnabled = false;
     bool audioEnabled = false;
     {
@@ -390,21 +322,21 @@ bool MediaRecorder::chooseBase(bool stopping)
 void MediaRecorder::processVideo(AVPacket *packet, bool stopping)
 {
     if (packet->pts == AV_NOPTS_VALUE) {
-        if (!m_headerWritten && addVideoStream(packet)) {
+        if (!m_file.headerWritten() && addVideoStream(packet)) {
             bool audioEnabled = false;
             {
                 std::unique_lock lock(m_mutex);
                 audioEnabled = m_audioEnabled;
             }
-            if (audioEnabled && !m_audioStream)
+            if (audioEnabled && !m_file.hasAudio())
                 addAudioStream();
-            writeHeader();
+            m_file.writeHeader();
         }
         av_packet_free(&m_heldVideo);
         return;
     }
     // The file must open on a key frame that follows its own configuration.
-    if (!m_headerWritten || !m_videoStream || (!m_keyFrameSeen && !(packet->flags & AV_PKT_FLAG_KEY))) {
+    if (!m_file.headerWritten() || !m_file.hasVideo() || (!m_keyFrameSeen && !(packet->flags & AV_PKT_FLAG_KEY))) {
         ++droppedBeforeKeyFrame;
         av_packet_free(&m_heldVideo);
         return;
@@ -417,7 +349,7 @@ void MediaRecorder::processVideo(AVPacket *packet, bool stopping)
     const qint64 pts = m_timeline.placeVideo(packet->pts, &previousDuration);
     if (m_pendingVideo) {
         m_pendingVideo->duration = previousDuration;
-        writePacket(m_pendingVideo, m_videoStream, &m_lastWrittenVideoPts);
+        m_file.writeVideo(m_pendingVideo);
         av_packet_free(&m_pendingVideo);
     }
     packet->pts = pts;
@@ -431,7 +363,7 @@ void MediaRecorder::processAudio(AVPacket *packet, bool stopping)
         av_packet_free(&m_heldAudio);
         return;
     }
-    if (!m_headerWritten && !m_audioStream) {
+    if (!m_file.headerWritten() && !m_file.hasAudio()) {
         bool videoEnabled = true;
         {
             std::unique_lock lock(m_mutex);
@@ -439,9 +371,9 @@ void MediaRecorder::processAudio(AVPacket *packet, bool stopping)
         }
         addAudioStream();
         if (!videoEnabled)
-            writeHeader();
+            m_file.writeHeader();
     }
-    if (!m_headerWritten || !m_audioStream) {
+    if (!m_file.headerWritten() || !m_file.hasAudio()) {
         av_packet_free(&m_heldAudio);
         return;
     }
@@ -453,49 +385,21 @@ void MediaRecorder::processAudio(AVPacket *packet, bool stopping)
     packet->duration = duration;
     packet->pts = pts;
     packet->dts = pts;
-    writePacket(packet, m_audioStream, &m_lastWrittenAudioPts);
+    m_file.writeAudio(packet);
     av_packet_free(&packet);
-}
-
-bool MediaRecorder::writePacket(AVPacket *packet, AVStream *stream, qint64 *lastWritten)
-{
-    if (!m_headerWritten || !m_formatContext || !m_formatContext->pb || !stream || !packet->data)
-        return false;
-    packet->stream_index = stream->index;
-    packet->pts = qMax<qint64>(packet->pts, 0);
-    packet->dts = qMin(qMax<qint64>(packet->dts, 0), packet->pts);
-    av_packet_rescale_ts(packet, Microseconds, stream->time_base);
-    if (*lastWritten != AV_NOPTS_VALUE && *lastWritten >= packet->pts) {
-        packet->pts = *lastWritten + 1;
-        packet->dts = packet->pts;
-    }
-    *lastWritten = packet->pts;
-    const int result = av_interleaved_write_frame(m_formatContext, packet);
-    if (result < 0) {
-        qWarning().noquote() << "MediaRecorder: packet lost:" << errorText(result);
-        return false;
-    }
-    return true;
 }
 
 void MediaRecorder::finish()
 {
     if (m_pendingVideo) {
         m_pendingVideo->duration = RecordingTimeline::LastFrameDuration;
-        writePacket(m_pendingVideo, m_videoStream, &m_lastWrittenVideoPts);
+        m_file.writeVideo(m_pendingVideo);
         av_packet_free(&m_pendingVideo);
     }
     av_packet_free(&m_heldVideo);
     av_packet_free(&m_heldAudio);
-    if (m_headerWritten) {
-        av_interleaved_write_frame(m_formatContext, nullptr);
-        const int result = av_write_trailer(m_formatContext);
-        if (result < 0)
-            qWarning().noquote() << "MediaRecorder: no file trailer:" << errorText(result);
-    }
+    m_file.finish();
     report(tr("Record Stopped"), MessageKind::Success);
-    closeOutput();
-    m_headerWritten = false;
     m_thread->quit();
     emit isRecordingChanged();
 }

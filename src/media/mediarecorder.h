@@ -1,5 +1,6 @@
 #pragma once
 
+#include "matroskawriter.h"
 #include "messagekind.h"
 #include "packetsink.h"
 #include "recordingtimeline.h"
@@ -18,8 +19,6 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
-struct AVFormatContext;
-struct AVStream;
 class QThread;
 
 // Writes one phone's H.264 and Opus packets to a Matroska file without re-encoding. Producers
@@ -96,14 +95,11 @@ private:
     void requestStop();
     void record();
     bool openOutput();
-    void closeOutput();
     bool addVideoStream(const AVPacket *config);
     bool addAudioStream();
-    void writeHeader();
     void processVideo(AVPacket *packet, bool stopping);
     void processAudio(AVPacket *packet, bool stopping);
     bool chooseBase(bool stopping);
-    bool writePacket(AVPacket *packet, AVStream *stream, qint64 *lastWritten);
     void finish();
     static void keep(AVCodecParameters *&parameters, const AVCodecParameters *stream);
 
@@ -130,15 +126,10 @@ private:
     bool m_startQueued = false; // owner's thread only
 
     // Only the recording thread touches these while it runs.
-    AVFormatContext *m_formatContext = nullptr;
-    AVStream *m_videoStream = nullptr;
-    AVStream *m_audioStream = nullptr;
-    bool m_headerWritten = false;
+    MatroskaWriter m_file;
     bool m_keyFrameSeen = false;
     AVPacket *m_heldVideo = nullptr;
     AVPacket *m_heldAudio = nullptr;
     AVPacket *m_pendingVideo = nullptr;
     RecordingTimeline m_timeline;
-    qint64 m_lastWrittenVideoPts = AV_NOPTS_VALUE;
-    qint64 m_lastWrittenAudioPts = AV_NOPTS_VALUE;
 };

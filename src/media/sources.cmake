@@ -15,6 +15,8 @@ list(APPEND KORVEL_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/h264parameters.h
     ${CMAKE_CURRENT_LIST_DIR}/h264parameters.cpp
     ${CMAKE_CURRENT_LIST_DIR}/messagekind.h
+    ${CMAKE_CURRENT_LIST_DIR}/matroskawriter.h
+    ${CMAKE_CURRENT_LIST_DIR}/matroskawriter.cpp
     ${CMAKE_CURRENT_LIST_DIR}/mediarecorder.h
     ${CMAKE_CURRENT_LIST_DIR}/mediarecorder.cpp
     ${CMAKE_CURRENT_LIST_DIR}/videodemuxer.h
