@@ -1270,40 +1270,12 @@ shell ps</translation>
         <translation>取消</translation>
     </message>
     <message>
-        <source>Key</source>
-        <translation>按键</translation>
-    </message>
-    <message>
-        <source>Type</source>
-        <translation>类型</translation>
-    </message>
-    <message>
-        <source>Count</source>
-        <translation>次数</translation>
-    </message>
-    <message>
-        <source>Duration(ms)</source>
-        <translation>时长(毫秒)</translation>
-    </message>
-    <message>
-        <source>Actions</source>
-        <translation>操作</translation>
-    </message>
-    <message>
         <source>Touch</source>
         <translation>点击</translation>
     </message>
     <message>
         <source>Swipe</source>
         <translation>滑动</translation>
-    </message>
-    <message>
-        <source>Edit</source>
-        <translation>编辑</translation>
-    </message>
-    <message>
-        <source>Delete</source>
-        <translation>删除</translation>
     </message>
     <message>
         <source>Add New Mapping</source>
@@ -1394,12 +1366,23 @@ shell ps</translation>
         <translation>手机：</translation>
     </message>
     <message>
+        <source>A profile with this name already exists.</source>
+        <translation>已存在同名方案。</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingPreview</name>
+    <message>
         <source>Start a phone of the current group to see its screen here.</source>
         <translation>启动当前分组中的一台手机即可在此看到其屏幕。</translation>
     </message>
     <message>
-        <source>A profile with this name already exists.</source>
-        <translation>已存在同名方案。</translation>
+        <source>Start</source>
+        <translation>启动</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>终点</translation>
     </message>
 </context>
 <context>
@@ -1415,6 +1398,45 @@ shell ps</translation>
     <message>
         <source>This key is already mapped in this profile.</source>
         <translation>此按键在该方案中已有映射。</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingTable</name>
+    <message>
+        <source>Key</source>
+        <translation>按键</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>次数</translation>
+    </message>
+    <message>
+        <source>Duration(ms)</source>
+        <translation>时长(毫秒)</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Touch</source>
+        <translation>点击</translation>
+    </message>
+    <message>
+        <source>Swipe</source>
+        <translation>滑动</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>编辑</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
     </message>
 </context>
 <context>

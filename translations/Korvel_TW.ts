@@ -1270,40 +1270,12 @@ shell ps</translation>
         <translation>取消</translation>
     </message>
     <message>
-        <source>Key</source>
-        <translation>按鍵</translation>
-    </message>
-    <message>
-        <source>Type</source>
-        <translation>類型</translation>
-    </message>
-    <message>
-        <source>Count</source>
-        <translation>次數</translation>
-    </message>
-    <message>
-        <source>Duration(ms)</source>
-        <translation>時長(毫秒)</translation>
-    </message>
-    <message>
-        <source>Actions</source>
-        <translation>操作</translation>
-    </message>
-    <message>
         <source>Touch</source>
         <translation>點擊</translation>
     </message>
     <message>
         <source>Swipe</source>
         <translation>滑動</translation>
-    </message>
-    <message>
-        <source>Edit</source>
-        <translation>編輯</translation>
-    </message>
-    <message>
-        <source>Delete</source>
-        <translation>刪除</translation>
     </message>
     <message>
         <source>Add New Mapping</source>
@@ -1394,12 +1366,23 @@ shell ps</translation>
         <translation>手機：</translation>
     </message>
     <message>
+        <source>A profile with this name already exists.</source>
+        <translation>已存在同名方案。</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingPreview</name>
+    <message>
         <source>Start a phone of the current group to see its screen here.</source>
         <translation>啟動目前群組中的一台手機即可在此看到其螢幕。</translation>
     </message>
     <message>
-        <source>A profile with this name already exists.</source>
-        <translation>已存在同名方案。</translation>
+        <source>Start</source>
+        <translation>啟動</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>終點</translation>
     </message>
 </context>
 <context>
@@ -1415,6 +1398,45 @@ shell ps</translation>
     <message>
         <source>This key is already mapped in this profile.</source>
         <translation>此按鍵在該方案中已有映射。</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMappingTable</name>
+    <message>
+        <source>Key</source>
+        <translation>按鍵</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>類型</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>次數</translation>
+    </message>
+    <message>
+        <source>Duration(ms)</source>
+        <translation>時長(毫秒)</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Touch</source>
+        <translation>點擊</translation>
+    </message>
+    <message>
+        <source>Swipe</source>
+        <translation>滑動</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>編輯</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>刪除</translation>
     </message>
 </context>
 <context>

@@ -223,74 +223,11 @@ Dialog {
             }
 
             // The mapping table.
-            Rectangle {
+            KeyMappingTable {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                color: ColorManager.backgroundBlack
-                radius: Theme.radius
-                border.color: ColorManager.borderDarkGray
-
-                ColumnLayout {
-                    anchors.fill: parent
-                    anchors.margins: 6
-                    spacing: 4
-                    RowLayout {
-                        Caption { Layout.preferredWidth: 110; text: qsTr("Key") }
-                        Caption { Layout.preferredWidth: 70; text: qsTr("Type") }
-                        Caption { Layout.preferredWidth: 60; text: qsTr("Count") }
-                        Caption { Layout.preferredWidth: 100; text: qsTr("Duration(ms)") }
-                        Caption { Layout.fillWidth: true; text: qsTr("Actions") }
-                    }
-                    ListView {
-                        objectName: "mappingTable"
-                        Layout.fillWidth: true
-                        Layout.fillHeight: true
-                        clip: true
-                        spacing: 2
-                        model: dialog.profile ? dialog.profile.mappings : []
-                        delegate: RowLayout {
-                            required property var modelData
-                            required property int index
-                            width: ListView.view.width
-                            Text {
-                                Layout.preferredWidth: 110
-                                text: modelData.keyDisplay
-                                color: ColorManager.textWhite
-                                font.pixelSize: Theme.fontNormal
-                            }
-                            Text {
-                                Layout.preferredWidth: 70
-                                text: modelData.type === KeyMappingType.Tap ? qsTr("Touch") : qsTr("Swipe")
-                                color: ColorManager.textWhite
-                                font.pixelSize: Theme.fontNormal
-                            }
-                            Text {
-                                Layout.preferredWidth: 60
-                                text: modelData.type === KeyMappingType.Tap ? modelData.data.count : "-"
-                                color: ColorManager.textWhite
-                                font.pixelSize: Theme.fontNormal
-                            }
-                            Text {
-                                Layout.preferredWidth: 100
-                                text: modelData.type === KeyMappingType.Swipe ? modelData.data.duration : "-"
-                                color: ColorManager.textWhite
-                                font.pixelSize: Theme.fontNormal
-                            }
-                            KVButton {
-                                implicitHeight: 24
-                                text: qsTr("Edit")
-                                onClicked: dialog.startEdit(index)
-                            }
-                            KVButton {
-                                implicitHeight: 24
-                                text: qsTr("Delete")
-                                textColor: ColorManager.textRed
-                                onClicked: dialog.profile.removeMapping(index)
-                            }
-                            Item { Layout.fillWidth: true }
-                        }
-                    }
-                }
+                profile: dialog.profile
+                onEditRequested: index => dialog.startEdit(index)
             }
 
             RowLayout {
@@ -499,63 +436,11 @@ Dialog {
         // The live picture: a click places the point being edited.
         ColumnLayout {
             Layout.fillHeight: true
-            Rectangle {
-                id: picture
-                objectName: "mappingPicture"
+            KeyMappingPreview {
+                editor: dialog
                 Layout.alignment: Qt.AlignTop
                 Layout.preferredHeight: 480
                 Layout.preferredWidth: Math.round(480 / Theme.phoneAspect)
-                color: ColorManager.backgroundPureBlack
-                border.color: ColorManager.borderDarkGray
-
-                YuvFboItem {
-                    id: preview
-                    anchors.fill: parent
-                    anchors.margins: 1
-                    source: dialog.visible && dialog.previewDevice ? dialog.previewDevice.videoFrames : null
-                }
-                Text {
-                    anchors.centerIn: parent
-                    width: parent.width - 20
-                    visible: dialog.previewDevice === null
-                    text: qsTr("Start a phone of the current group to see its screen here.")
-                    color: ColorManager.textGray
-                    font.pixelSize: Theme.fontSmall
-                    wrapMode: Text.Wrap
-                    horizontalAlignment: Text.AlignHCenter
-                }
-                MouseArea {
-                    anchors.fill: parent
-                    enabled: dialog.editing
-                    cursorShape: dialog.editing ? Qt.CrossCursor : Qt.ArrowCursor
-                    onClicked: mouse => dialog.place(mouse.x / width, mouse.y / height)
-                }
-
-                // The profile's points while browsing; the edited entry's while editing.
-                Repeater {
-                    model: dialog.editing || !dialog.profile ? [] : dialog.profile.mappings
-                    delegate: CustomCircleCursor {
-                        required property var modelData
-                        fractionX: modelData.type === KeyMappingType.Tap ? modelData.data.x : modelData.data.startX
-                        fractionY: modelData.type === KeyMappingType.Tap ? modelData.data.y : modelData.data.startY
-                        label: modelData.keyDisplay
-                    }
-                }
-                CustomCircleCursor {
-                    objectName: "pointCursor"
-                    visible: dialog.editing
-                    fractionX: dialog.type === KeyMappingType.Tap ? dialog.pointX : dialog.startX
-                    fractionY: dialog.type === KeyMappingType.Tap ? dialog.pointY : dialog.startY
-                    label: dialog.type === KeyMappingType.Tap ? dialog.keyDisplay : qsTr("Start")
-                }
-                CustomCircleCursor {
-                    objectName: "endCursor"
-                    visible: dialog.editing && dialog.type === KeyMappingType.Swipe
-                    fractionX: dialog.endX
-                    fractionY: dialog.endY
-                    color: ColorManager.textYellow
-                    label: qsTr("End")
-                }
             }
             Item { Layout.fillHeight: true }
         }

@@ -39,6 +39,8 @@ list(APPEND KORVEL_QML_FILES
     src/qml/CommonPhrasesDialog.qml
     src/qml/PhraseSelectionDialog.qml
     src/qml/KeyMappingDialog.qml
+    src/qml/KeyMappingTable.qml
+    src/qml/KeyMappingPreview.qml
     src/qml/KeyMapProfilePicker.qml
 )
 list(APPEND KORVEL_SOURCES src/qml/korveltypes.h)
