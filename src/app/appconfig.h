@@ -18,6 +18,8 @@ class AppConfig : public QObject
 
 public:
     static AppConfig *instance();
+    // "true" when the phones that were running at the last end start again at launch.
+    static constexpr const char *startRackAtLaunchKey = "start_rack_at_launch";
 
     AppInfo appInfo() const { return m_appInfo; }
     QString currentVersion() const { return m_appInfo.appVersion; }

@@ -92,6 +92,7 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     // The layers below get the user's settings as values: folders that apply from the next start,
     // and the bound on adb processes, which applies to work not started yet.
     ScreenshotWriter::setFolder(config->getScreenshotSavePath());
+    DeviceGroupManager::setStartRackAtLaunch(config->getAppSetting(AppConfig::startRackAtLaunchKey, "false") == "true");
     Device::setRecordingFolder(config->getVideoSavePath());
     const auto applyAdbBound = [config] {
         AdbWorkPool::instance()->setMaxRunning(

@@ -73,8 +73,9 @@ Device::Device(QObject *parent, const QString &adbConnectionSerial)
     });
     connect(m_offlineWatch, &OfflineWatch::offlineChanged, this, &Device::offlineChanged);
     connect(m_offlineWatch, &OfflineWatch::backOnline, this, &Device::handleBackOnline);
-    // The server itself ended (killed, or failed): the phone stays stopped.
-    connect(m_offlineWatch, &OfflineWatch::stillListed, this, [this] { m_resumeSession = false; });
+    // The server itself ended (killed, or failed) while the phone is there: it stays stopped, and
+    // the reason is on screen, rather than failing again and again.
+    connect(m_offlineWatch, &OfflineWatch::stillListed, this, [this] { setWanted(false); });
     m_recorder = new MediaRecorder(this);
     connect(m_recorder, &MediaRecorder::message, this, &Device::deviceMessage);
     connect(m_recorder, &MediaRecorder::resetVideoRequested, this, [this] {
@@ -156,6 +157,17 @@ ScrcpyServer *Device::server() const
 
 void Device::startScrcpySession()
 {
+    setWanted(true);
+    startSession();
+}
+
+void Device::setWanted(bool wanted)
+{
+    change(m_wanted, wanted, &Device::wantedChanged);
+}
+
+void Device::startSession()
+{
     if (m_session)
         return;
     m_offlineWatch->sessionStarted();
@@ -226,7 +238,7 @@ void Device::teardownSession()
 
 void Device::stopScrcpySession()
 {
-    m_resumeSession = false;
+    setWanted(false);
     teardownSession();
 }
 
@@ -246,17 +258,15 @@ void Device::handleServerStopped()
     if (m_starting && !lastOutput.isEmpty())
         emitError(tr("The phone's server stopped: %1").arg(lastOutput.constLast()), kStartFailureTimeoutMs);
     teardownSession();
-    m_resumeSession = true;
     m_offlineWatch->sessionEnded();
 }
 
 void Device::handleBackOnline()
 {
-    if (!m_resumeSession)
+    if (!m_wanted)
         return;
-    m_resumeSession = false;
     emitInfo(tr("Back online, starting again"));
-    startScrcpySession();
+    startSession();
 }
 
 void Device::addVideoPacketProbe(PacketSink *probe)
@@ -316,7 +326,7 @@ void Device::setIsBigView(bool isBigView)
 void Device::restartSession()
 {
     teardownSession();
-    QTimer::singleShot(stepDelayMs, this, &Device::startScrcpySession);
+    QTimer::singleShot(stepDelayMs, this, &Device::startSession);
 }
 
 void Device::setEnableAudio(bool enableAudio)

@@ -51,6 +51,7 @@ class Device : public QObject
     Q_PROPERTY(bool isScreenShotting READ isScreenShotting NOTIFY isScreenShottingChanged)
     Q_PROPERTY(bool running READ running NOTIFY runningChanged)
     Q_PROPERTY(bool starting READ starting NOTIFY startingChanged)
+    Q_PROPERTY(bool wanted READ wanted NOTIFY wantedChanged)
     Q_PROPERTY(bool offline READ offline NOTIFY offlineChanged)
     Q_PROPERTY(QDateTime offlineSince READ offlineSince NOTIFY offlineChanged)
     Q_PROPERTY(FrameHandoff *videoFrames READ videoFrames CONSTANT)
@@ -87,6 +88,11 @@ public:
     bool running() const { return m_session != nullptr; }
     // Between Start and the first picture.
     bool starting() const { return m_starting; }
+    // The user wants the phone running: Start sets it and Stop clears it. A wanted phone starts
+    // whenever it is listed, and again when it comes back after a drop.
+    bool wanted() const { return m_wanted; }
+    // For a phone not started yet (a group that remembers it running); starts nothing by itself.
+    void setWanted(bool wanted);
     // adb lost the phone; it stays in its group and its session comes back with it.
     bool offline() const;
     QDateTime offlineSince() const;
@@ -124,6 +130,7 @@ public:
 signals:
     void runningChanged();
     void startingChanged();
+    void wantedChanged();
     void offlineChanged();
     void scrcpyError(const QString &error);
     void controllerChanged();
@@ -182,6 +189,8 @@ private:
     void change(T &field, const V &value, void (Device::*changed)());
     void teardownSession();
     void setStarting(bool starting);
+    // Starts a session without changing what the user wants (a view switch, a phone back).
+    void startSession();
     void handleServerStopped();
     void handleFrameAvailable();
     void handleBackOnline();
@@ -208,8 +217,7 @@ private:
     QList<PacketSink *> m_videoPacketProbes;
     MediaRecorder *m_recorder = nullptr;
     bool m_starting = false;
-    // The session ended without the user asking: it starts again when the phone is back.
-    bool m_resumeSession = false;
+    bool m_wanted = false;
     OfflineWatch *m_offlineWatch;
     bool m_switchingConnection = false;
     DeviceScreenshot *m_screenshot;

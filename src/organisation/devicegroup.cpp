@@ -107,6 +107,7 @@ bool DeviceGroup::addDevices(const QList<ADBDeviceInfo> &deviceInfos)
         // A child of the group from the start, so a group that ends before the insertion takes it along.
         auto *device = new Device(this, info.adb_serial);
         device->setConnectionType(info.is_usb_connection ? Device::USB : Device::WiFi);
+        device->setWanted(m_wantedSerials.contains(info.adb_serial));
         followNickname(device);
         m_arriving.append(device);
         QTimer::singleShot(i * stagger.addMs, this, [this, guard = QPointer<Device>(device)] {
@@ -134,6 +135,8 @@ void DeviceGroup::placeRow(Device *device)
     device->setParent(this);
     device->setDeviceGroup(this);
     connect(device, &Device::leaveGroupRequested, this, [this, device] { removeDevice(device); });
+    connect(device, &Device::wantedChanged, this, [this, device] { rememberWanted(device); });
+    rememberWanted(device);
     m_devices.insert(row, device);
     endInsertRows();
     announceIndexes();
@@ -146,6 +149,8 @@ void DeviceGroup::insertDevice(Device *device)
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
     device->refreshAddressAndDetails();
+    if (device->wanted())
+        device->startScrcpySession();
 }
 
 void DeviceGroup::appendDevice(Device *device)
@@ -174,8 +179,26 @@ void DeviceGroup::setMemberSerials(const QStringList &serials)
 
 void DeviceGroup::forgetMember(const QString &serial)
 {
-    if (m_memberSerials.removeAll(serial) > 0)
+    const bool wanted = m_wantedSerials.removeAll(serial) > 0;
+    if (m_memberSerials.removeAll(serial) > 0 || wanted)
         emit membersChanged();
+}
+
+void DeviceGroup::setWantedSerials(const QStringList &serials)
+{
+    m_wantedSerials = serials;
+}
+
+void DeviceGroup::rememberWanted(Device *device)
+{
+    const QString serial = device->adbConnectionSerial();
+    if (device->wanted() == m_wantedSerials.contains(serial))
+        return;
+    if (device->wanted())
+        m_wantedSerials.append(serial);
+    else
+        m_wantedSerials.removeAll(serial);
+    emit membersChanged();
 }
 
 bool DeviceGroup::holdsSerial(const QString &serial) const
@@ -203,6 +226,7 @@ void DeviceGroup::takeRow(Device *device)
     m_devices.removeAt(row);
     endRemoveRows();
     disconnect(device, &Device::leaveGroupRequested, this, nullptr);
+    disconnect(device, &Device::wantedChanged, this, nullptr);
     device->setIndexInGroup(-1);
 }
 
@@ -296,6 +320,16 @@ void DeviceGroup::stopGroupControl()
 
 void DeviceGroup::startAllDevices()
 {
+    // Every member is wanted, also one still being added or not attached now: it starts as soon
+    // as it is in the group.
+    for (const QPointer<Device> &device : std::as_const(m_arriving)) {
+        if (device)
+            device->setWanted(true);
+    }
+    if (m_wantedSerials != m_memberSerials) {
+        m_wantedSerials = m_memberSerials;
+        emit membersChanged();
+    }
     // All at once: the adb pool lets only a few launches talk to adb at the same time, so a
     // hundred phones neither flood the adb server nor wait for a fixed stagger.
     for (Device *device : std::as_const(m_devices)) {
@@ -306,6 +340,16 @@ void DeviceGroup::startAllDevices()
 
 void DeviceGroup::stopAllDevices()
 {
+    if (!m_wantedSerials.isEmpty()) {
+        m_wantedSerials.clear();
+        emit membersChanged();
+    }
+    for (const QPointer<Device> &device : std::as_const(m_arriving)) {
+        if (device)
+            device->setWanted(false);
+    }
+    for (Device *device : std::as_const(m_devices))
+        device->setWanted(false);
     for (int k = 0; k < m_devices.size(); ++k) {
         QTimer::singleShot(k * stagger.stopMs, this, [guard = QPointer<Device>(m_devices.at(k))] {
             if (guard)

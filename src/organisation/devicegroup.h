@@ -98,6 +98,11 @@ public:
     const QStringList &memberSerials() const { return m_memberSerials; }
     void setMemberSerials(const QStringList &serials);
     void forgetMember(const QString &serial);
+    // The members the user wants running (Start, Start All; Stop and Stop All clear it), in the
+    // file with the members. Loading sets them without a signal; a wanted phone starts as soon as
+    // it joins the group.
+    const QStringList &wantedSerials() const { return m_wantedSerials; }
+    void setWantedSerials(const QStringList &serials);
     // Whether a session for the serial is in the group or on its way in.
     bool holdsSerial(const QString &serial) const;
 
@@ -165,6 +170,7 @@ private:
     void takeRow(Device *device);
     void dropHost();
     void announceIndexes();
+    void rememberWanted(Device *device);
     // Nicknames come from the nickname store and a rename goes back to it.
     static void followNickname(Device *device);
     // Stores a changed setting and, for a named group, applies and announces it.
@@ -175,6 +181,7 @@ private:
     QString m_name;
     QList<Device *> m_devices;
     QStringList m_memberSerials;
+    QStringList m_wantedSerials;
     // Devices made by addDevices and waiting for their staggered insertion.
     QList<QPointer<Device>> m_arriving;
     GroupSettings m_settings;

@@ -13,6 +13,12 @@
 
 namespace {
 QString folderForNewManagers;
+bool startRackAtLaunch = false;
+}
+
+void DeviceGroupManager::setStartRackAtLaunch(bool start)
+{
+    startRackAtLaunch = start;
 }
 
 void DeviceGroupManager::setDefaultFolder(const QString &folder)
@@ -74,6 +80,8 @@ void DeviceGroupManager::load()
         if (stored.hasSettings)
             group->loadSettings(stored.settings);
         group->setMemberSerials(stored.devices);
+        if (startRackAtLaunch)
+            group->setWantedSerials(stored.wanted);
         adopt(group);
     }
     // The next save cannot write back what was left out; the file as it was stays beside it.
@@ -104,6 +112,11 @@ QList<DeviceGroupManager::StoredGroup> DeviceGroupManager::storedGroups(const QJ
                 group.devices.append(text);
             }
         }
+        // Only members can be wanted; anything else there is not the user's and is let go.
+        for (const QJsonValue &serial : element.value("wanted").toArray()) {
+            if (group.devices.contains(serial.toString()) && !group.wanted.contains(serial.toString()))
+                group.wanted.append(serial.toString());
+        }
         groups.append(group);
     }
     if (leftOut)
@@ -117,7 +130,8 @@ void DeviceGroupManager::save()
     for (const DeviceGroup *group : std::as_const(m_deviceGroups)) {
         groups.append(QJsonObject{{"name", group->name()},
                                   {"settings", group->settingsToJson()},
-                                  {"devices", QJsonArray::fromStringList(group->memberSerials())}});
+                                  {"devices", QJsonArray::fromStringList(group->memberSerials())},
+                                  {"wanted", QJsonArray::fromStringList(group->wantedSerials())}});
     }
     writeFile(QJsonObject{{"device_groups", groups}});
 }

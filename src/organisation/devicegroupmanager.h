@@ -40,6 +40,9 @@ public:
     // a manager that lives on follows a new folder through setFolder().
     static void setDefaultFolder(const QString &folder);
     static QString defaultFolder();
+    // Whether a manager made from now on starts the phones that were wanted running when the file
+    // was last saved ("Start the rack at launch"); without it they wait for the user's Start.
+    static void setStartRackAtLaunch(bool start);
 
     // One group as device_groups.json holds it.
     struct StoredGroup
@@ -48,6 +51,8 @@ public:
         bool hasSettings = false;
         QJsonObject settings;
         QStringList devices;
+        // Members the user wanted running.
+        QStringList wanted;
     };
     // The usable groups of the file's object: named ones, each serial kept by its first group only.
     // leftOut, when given, tells whether an element could not be read (a serial claimed by an earlier

@@ -13,6 +13,7 @@ Dialog {
 
     property string selectedLocale
     property int adbMaxProcesses: 8
+    property bool shownStartRack: false
     // What was shown on opening: only the language and the folders wait for a restart.
     property string shownLocale: ""
     property string shownPaths: ""
@@ -36,6 +37,8 @@ Dialog {
         selectedLocale = AppConfig.getLocale()
         adbMaxProcesses = parseInt(AppConfig.getAppSetting("adbMaxProcesses", "8")) || 8
         adbProcessesBox.value = adbMaxProcesses
+        startRackBox.checked = AppConfig.getAppSetting("start_rack_at_launch", "false") === "true"
+        shownStartRack = startRackBox.checked
         paths = {
             video: AppConfig.getVideoSavePath(),
             screenshot: AppConfig.getScreenshotSavePath(),
@@ -59,6 +62,7 @@ Dialog {
     function save() {
         AppConfig.setLocale(selectedLocale)
         AppConfig.setAppSetting("adbMaxProcesses", String(adbProcessesBox.value))
+        AppConfig.setAppSetting("start_rack_at_launch", startRackBox.checked ? "true" : "false")
         AppConfig.setVideoSavePath(paths.video)
         AppConfig.setScreenshotSavePath(paths.screenshot)
         AppConfig.setKeyMappingSavePath(paths.keyMapping)
@@ -67,6 +71,7 @@ Dialog {
         AppConfig.setDeviceGroupSavePath(paths.deviceGroup)
         AppConfig.sync()
         const restartNeeded = selectedLocale !== shownLocale || JSON.stringify(paths) !== shownPaths
+                              || startRackBox.checked !== shownStartRack
         savedAlert.show(qsTr("Success"), restartNeeded
                         ? qsTr("Please restart the application to apply the changes.")
                         : qsTr("Saved. The changes apply at once."))
@@ -116,6 +121,12 @@ Dialog {
                 editable: true
             }
             Item { Layout.fillWidth: true }
+        }
+
+        KVCheckBox {
+            id: startRackBox
+            objectName: "startRackBox"
+            text: qsTr("Start the rack at launch")
         }
 
         Repeater {

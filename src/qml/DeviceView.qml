@@ -203,7 +203,8 @@ Item {
             spacing: 2
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: qsTr("Offline")
+                // A phone the user wants running starts by itself once it is back.
+                text: root.device && root.device.wanted ? qsTr("Waiting for the phone…") : qsTr("Offline")
                 color: ColorManager.textRed
                 font.pixelSize: Theme.fontNormal
                 font.bold: true

@@ -112,7 +112,7 @@ private slots:
         // Loading alone never rewrites what was read; no group read, the default one saved in full.
         if (names.first() == "Default Group") {
             QCOMPARE(fileGroups(), QJsonArray({QJsonObject{{"name", "Default Group"}, {"settings", kConstructorDefaults},
-                                                           {"devices", QJsonArray()}}}));
+                                                           {"devices", QJsonArray()}, {"wanted", QJsonArray()}}}));
             QVERIFY(TestFiles::read(file()).contains("\n    \"device_groups\""));
         } else {
             QCOMPARE(TestFiles::read(file()), content);
@@ -240,6 +240,36 @@ private slots:
         DeviceGroupManager again;
         QTRY_COMPARE(serialsOf(again.deviceGroups().at(0)), (QStringList{"B"}));
         QTRY_COMPARE(serialsOf(again.deviceGroups().at(1)), (QStringList{"A"}));
+    }
+
+    // The phones running at the last save come back running only with "Start the rack at launch".
+    void wantedPhonesStartAtLaunchOnlyWhenAsked_data()
+    {
+        QTest::addColumn<bool>("atLaunch");
+        QTest::newRow("asked") << true;
+        QTest::newRow("not asked") << false;
+    }
+
+    void wantedPhonesStartAtLaunchOnlyWhenAsked()
+    {
+        QFETCH(bool, atLaunch);
+        m_adb.addRule("devices -l", 0, "List of devices attached\\nA device usb:1-1\\nC device usb:1-3\\n");
+        QVERIFY(TestFiles::write(file(), R"({"device_groups":[{"name":"Rack","devices":["C","A","X"],"wanted":["A","X","Z"]}]})"));
+        DeviceGroupManager::setStartRackAtLaunch(atLaunch);
+        DeviceGroupManager manager;
+        DeviceGroup *rack = manager.deviceGroups().at(0);
+        QCOMPARE(rack->wantedSerials(), atLaunch ? QStringList({"A", "X"}) : QStringList());
+        QTRY_COMPARE(serialsOf(rack), (QStringList{"C", "A"}));
+        QCOMPARE(rack->devices().at(1)->wanted(), atLaunch);
+        QVERIFY(!rack->devices().at(0)->wanted());
+
+        // Start All wants every member, X too, which is not attached; Stop All none.
+        rack->startAllDevices();
+        QCOMPARE(fileGroups().at(0)["wanted"].toArray(), QJsonArray({"C", "A", "X"}));
+        rack->stopAllDevices();
+        QCOMPARE(fileGroups().at(0)["wanted"].toArray(), QJsonArray());
+        QVERIFY(!rack->devices().at(1)->wanted());
+        DeviceGroupManager::setStartRackAtLaunch(false);
     }
 
     void theOfferListsAttachedPhonesInNoGroup()
