@@ -137,6 +137,10 @@ void DeviceGroup::placeRow(Device *device)
     connect(device, &Device::leaveGroupRequested, this, [this, device] { removeDevice(device); });
     connect(device, &Device::wantedChanged, this, [this, device] { rememberWanted(device); });
     rememberWanted(device);
+    // Every session (a start, a restart, a view switch) brings a controller that starts without a delay.
+    connect(device, &Device::controllerChanged, this, [this, device] {
+        drawClickDelay(device, QRandomGenerator::global()->generate(), true);
+    });
     m_devices.insert(row, device);
     endInsertRows();
     announceIndexes();
@@ -145,7 +149,7 @@ void DeviceGroup::placeRow(Device *device)
 void DeviceGroup::insertDevice(Device *device)
 {
     placeRow(device);
-    applySettingsToDevice(device, QRandomGenerator::global()->generate());
+    applySettingsToDevice(device, QRandomGenerator::global()->generate(), true);
     emit deviceCountChanged();
     emit deviceAddedIntoGroup(device);
     device->refreshAddressAndDetails();
@@ -225,8 +229,8 @@ void DeviceGroup::takeRow(Device *device)
     beginRemoveRows(QModelIndex(), row, row);
     m_devices.removeAt(row);
     endRemoveRows();
-    disconnect(device, &Device::leaveGroupRequested, this, nullptr);
-    disconnect(device, &Device::wantedChanged, this, nullptr);
+    // A device moved away hears from its new group only.
+    disconnect(device, nullptr, this, nullptr);
     device->setIndexInGroup(-1);
 }
 
@@ -291,7 +295,7 @@ void DeviceGroup::moveDevicesToGroup(const QStringList &serials, DeviceGroup *ta
     for (Device *device : std::as_const(moving)) {
         targetGroup->remember(device->adbConnectionSerial());
         targetGroup->placeRow(device);
-        targetGroup->applySettingsToDevice(device, QRandomGenerator::global()->generate());
+        targetGroup->applySettingsToDevice(device, QRandomGenerator::global()->generate(), true);
         emit targetGroup->deviceAddedIntoGroup(device);
     }
     emit targetGroup->deviceCountChanged();
@@ -358,7 +362,7 @@ void DeviceGroup::stopAllDevices()
     }
 }
 
-void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const
+void DeviceGroup::applySettingsToDevice(Device *device, quint32 random, bool newToGroup) const
 {
     ServerParams *small = device->serverParamsSmallView();
     small->setMaxSize(maxSize());
@@ -370,13 +374,23 @@ void DeviceGroup::applySettingsToDevice(Device *device, quint32 random) const
     big->setMaxFps(maxFPSBigView());
     big->setBitRate(bitRateBigView());
     big->setAudio(enableAudio());
+    drawClickDelay(device, random, newToGroup);
+}
 
-    // Below one second the controller keeps the delay it already had, on purpose.
-    if (device == hostDevice() || !device->controller() || clickDelaySeconds() < 1)
+void DeviceGroup::drawClickDelay(Device *device, quint32 random, bool newToGroup) const
+{
+    Controller *controller = device->controller();
+    // The host is no follower: nothing is replayed on it.
+    if (!controller || device == hostDevice())
         return;
+    if (clickDelaySeconds() < 1) {
+        if (newToGroup)
+            controller->setClickDelayMilliSeconds(0);
+        return;
+    }
     const quint64 bound = quint64(clickDelaySeconds()) * 1000u;
     const quint64 delay = random % bound;
-    device->controller()->setClickDelayMilliSeconds(int(qMin<quint64>(delay, std::numeric_limits<int>::max())));
+    controller->setClickDelayMilliSeconds(int(qMin<quint64>(delay, std::numeric_limits<int>::max())));
 }
 
 void DeviceGroup::applySettingsToAllDevices()
@@ -391,7 +405,7 @@ void DeviceGroup::applySettingsToAllDevices()
         for (int i = 0; i < targets.size() && i < draws.size(); ++i) {
             // A device moved away meanwhile follows its new group's settings.
             if (targets.at(i) && targets.at(i)->deviceGroup() == this)
-                applySettingsToDevice(targets.at(i), draws.at(i));
+                applySettingsToDevice(targets.at(i), draws.at(i), false);
         }
     });
     const int count = targets.size();

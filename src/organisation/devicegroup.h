@@ -87,8 +87,9 @@ public:
     Orientation orientation() const { return Orientation(m_settings.value(GroupSettings::Orientation)); }
     int bigViewWidth() const { return m_settings.value(GroupSettings::BigViewWidth); }
 
-    // Takes ownership and appends the device as the last row at once, leaving its parameters as
-    // they are (addDevices is the way with the group's settings).
+    // Takes ownership and appends the device as the last row at once, leaving its stream parameters
+    // as they are (addDevices is the way with the group's settings); its new controllers take the
+    // group's click delay like every member's.
     void appendDevice(Device *device);
     // Removes the row and deletes the device later; a device not in the group is ignored.
     void removeDevice(Device *device);
@@ -160,9 +161,12 @@ signals:
     void membersChanged();
 
 private:
-    // Stream parameters and, for a non-host phone with a controller, a click delay drawn from
-    // `random` (ignored when the delay setting is below one second).
-    void applySettingsToDevice(Device *device, quint32 random) const;
+    // Stream parameters and the click delay (drawClickDelay).
+    void applySettingsToDevice(Device *device, quint32 random, bool newToGroup) const;
+    // For a non-host phone with a controller, a click delay drawn from `random` below the group's
+    // bound. Below one second a controller new to the group gets none and one already here keeps
+    // what it had: lowering the setting leaves the drawn delays alone.
+    void drawClickDelay(Device *device, quint32 random, bool newToGroup) const;
     // Inserts the row at the device's remembered position, or last.
     void placeRow(Device *device);
     void remember(const QString &serial);

@@ -317,7 +317,8 @@ private slots:
     }
 
     // A touch, a mapped key, a wheel turn, a phrase and a key from the host reach every phone after its
-    // own random delay, at its own scale; what another phone plays drives that phone alone.
+    // own random delay, drawn by each session from the delay the group came back with, at its own scale;
+    // what another phone plays drives that phone alone.
     void groupControlReplaysTheHostOnEveryPhone()
     {
         const QList<PhoneSimProcess *> phones = m_good + QList<PhoneSimProcess *>{m_refusing};
@@ -325,31 +326,38 @@ private slots:
         const QList<QSize> frames{{1080, 2400}, {720, 1600}, {1080, 2336}, {1440, 3200}};
         DeviceGroup group;
         group.renameTo("Rack");
+        // As the group comes back from its file, before any session starts.
+        group.loadSettings({{"clickDelaySeconds", 4}});
         group.setMaxSize(0);
         // Added as a scan adds them, so that they take the group's settings.
         QVERIFY(group.addDevices({{phones[0]->serial()}, {phones[1]->serial()}, {phones[2]->serial()}, {phones[3]->serial()}}));
         QTRY_COMPARE(group.deviceCount(), 4);
         const auto device = [&](int row) { return group.devices().at(row); };
-        group.startAllDevices();
-        for (int row = 0; row < 4; ++row) {
-            QTRY_VERIFY_WITH_TIMEOUT(device(row)->controller() != nullptr, 20000);
-            QTRY_COMPARE_WITH_TIMEOUT(device(row)->frameSize(), frames.at(row), 20000);
+        // Started and started again: the second sessions' controllers draw their delays too.
+        for (int round = 0; round < 2; ++round) {
+            if (round == 1) {
+                group.stopAllDevices();
+                for (int row = 0; row < 4; ++row)
+                    QTRY_VERIFY_WITH_TIMEOUT(!device(row)->running(), 10000);
+            }
+            group.startAllDevices();
+            for (int row = 0; row < 4; ++row) {
+                QTRY_VERIFY_WITH_TIMEOUT(device(row)->controller() != nullptr, 20000);
+                QTRY_COMPARE_WITH_TIMEOUT(device(row)->frameSize(), frames.at(row), 20000);
+            }
         }
         group.startGroupControl();
 
-        // Each phone but the host draws a delay of its own below the bound, in the background.
-        const auto applyDelay = [&](int seconds) {
-            group.setClickDelaySeconds(seconds);
-            group.applySettingsToAllDevices();
-            return QTest::qWaitFor([&] { return group.findChildren<QFutureWatcherBase *>().isEmpty(); });
+        // Each controller drew a delay of its own below the stored bound; the host's is kept for later.
+        const auto delays = [&] {
+            QList<int> found;
+            for (int row = 0; row < 4; ++row)
+                found << device(row)->controller()->clickDelayMilliSeconds();
+            return found;
         };
-        QVERIFY(applyDelay(2));
-        QList<int> drawn;
-        for (int row = 0; row < 4; ++row)
-            drawn << device(row)->controller()->clickDelayMilliSeconds();
-        QCOMPARE(drawn[0], 0);
-        for (const int delay : drawn.mid(1))
-            QVERIFY2(delay >= 0 && delay < 2000, qPrintable(QString::number(delay)));
+        QList<int> drawn = delays();
+        for (const int delay : drawn)
+            QVERIFY2(delay >= 0 && delay < 4000, qPrintable(QString::number(delay)));
         QVERIFY(QSet<int>(drawn.cbegin() + 1, drawn.cend()).size() > 1);
 
         KeyMappingProfile profile("Farm");
@@ -399,16 +407,29 @@ private slots:
             QCOMPARE(wheel.size(), 1);
             QCOMPARE(where(wheel[0]), QRect(centres.at(row), frames.at(row)));
             QCOMPARE(wheel[0]["vscroll"].toDouble(), 1.0);
-            // Not before the phone's own delay; the upper bound is wide, the machine is shared.
+            // The phone's own delay, none for the host's own input. Qt's coarse timers, used from two
+            // seconds on, may fire 5% early; the upper bound is wide, the machine is shared.
+            const int delay = row == 0 ? 0 : drawn.at(row);
             const qint64 after = qint64(touches[0]["time"].toDouble()) - sentAt;
-            QVERIFY2(after >= drawn.at(row) && after <= drawn.at(row) + 3000,
-                     qPrintable(QString("phone %1: %2 ms for a %3 ms delay").arg(row).arg(after).arg(drawn.at(row))));
+            QVERIFY2(after >= delay - delay / 20 - 1 && after <= delay + 3000,
+                     qPrintable(QString("phone %1: %2 ms for a %3 ms delay").arg(row).arg(after).arg(delay)));
         }
 
-        // Back to no delay: the phones keep the delays they drew.
+        // A changed delay is drawn anew for the followers alone, in the background; back to no delay,
+        // the phones keep the delays they drew.
+        const auto applyDelay = [&](int seconds) {
+            group.setClickDelaySeconds(seconds);
+            group.applySettingsToAllDevices();
+            return QTest::qWaitFor([&] { return group.findChildren<QFutureWatcherBase *>().isEmpty(); });
+        };
+        QVERIFY(applyDelay(1));
+        const int hostDelay = drawn[0];
+        drawn = delays();
+        QCOMPARE(drawn[0], hostDelay);
+        for (const int delay : drawn.mid(1))
+            QVERIFY2(delay < 1000, qPrintable(QString::number(delay)));
         QVERIFY(applyDelay(0));
-        for (int row = 0; row < 4; ++row)
-            QCOMPARE(device(row)->controller()->clickDelayMilliSeconds(), drawn[row]);
+        QCOMPARE(delays(), drawn);
         group.stopAllDevices();
         for (int row = 0; row < 4; ++row)
             QTRY_VERIFY_WITH_TIMEOUT(!device(row)->running(), 10000);
