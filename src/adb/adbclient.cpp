@@ -1,6 +1,7 @@
 #include "adbclient.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QMutex>
 #include <QProcess>
@@ -14,12 +15,16 @@ namespace {
 constexpr int kStartTimeoutMs = 5000;
 constexpr int kNormalSeconds = 30;
 constexpr int kTransferSeconds = 300;
+// How often a running call looks whether it has been abandoned.
+constexpr int kAbandonCheckMs = 100;
 
 std::atomic<int> normalTimeoutMs{kNormalSeconds * 1000};
 std::atomic<int> transferTimeoutMs{kTransferSeconds * 1000};
 
 // Until start-up finds a server of someone else's, the server is the one Korvel's adb calls start.
 std::atomic<bool> serverIsOurs{true};
+
+std::atomic<bool> abandoned{false};
 
 QMutex programMutex;
 QString programOverride;
@@ -28,6 +33,11 @@ QString shellResult(const QString &serial, const QStringList &command)
 {
     return AdbClient::run(QStringList{"-s", serial, "shell"} + command);
 }
+}
+
+void AdbClient::setAbandoned(bool value)
+{
+    abandoned = value;
 }
 
 void AdbClient::setTimeouts(int normalMs, int transferMs)
@@ -71,6 +81,8 @@ QString AdbClient::run(const QStringList &args)
     const int timeoutMs = transfer ? transferTimeoutMs.load() : normalTimeoutMs.load();
     const int nominalSeconds = transfer ? kTransferSeconds : kNormalSeconds;
 
+    if (abandoned)
+        return QStringLiteral("[error] adb command abandoned: Korvel is ending");
     QProcess process;
     process.start(program(), args);
     // Nothing is ever typed into adb: a command that reads its input ("shell" alone) gets its end.
@@ -78,10 +90,20 @@ QString AdbClient::run(const QStringList &args)
     if (!process.waitForStarted(kStartTimeoutMs))
         return QString("[error] failed to start adb: %1").arg(process.errorString());
 
-    if (!process.waitForFinished(timeoutMs)) {
-        process.kill();
-        process.waitForFinished(kStartTimeoutMs);
-        return QString("[error] adb command timed out after %1 seconds").arg(nominalSeconds);
+    const QDeadlineTimer deadline(timeoutMs);
+    const auto slice = [&deadline] {
+        const qint64 left = deadline.remainingTime();
+        return left < 0 ? kAbandonCheckMs : int(qMin<qint64>(kAbandonCheckMs, left));
+    };
+    while (!process.waitForFinished(slice())) {
+        if (process.state() == QProcess::NotRunning)
+            break;
+        if (abandoned || deadline.hasExpired()) {
+            process.kill();
+            process.waitForFinished(kStartTimeoutMs);
+            return abandoned ? QStringLiteral("[error] adb command abandoned: Korvel is ending")
+                             : QString("[error] adb command timed out after %1 seconds").arg(nominalSeconds);
+        }
     }
 
     if (process.exitCode() == 0)

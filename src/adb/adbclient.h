@@ -57,6 +57,9 @@ public:
     // The two time-outs, in milliseconds. Tests shorten them; the reported text always names the
     // nominal 30 or 300 seconds of the time-out class that ran out.
     static void setTimeouts(int normalMs, int transferMs);
+    // Abandoned, calls end at once with an error, and running ones kill their adb: the
+    // application's end does this to calls that outlast its wait.
+    static void setAbandoned(bool abandoned);
     // The adb program: the one set, else defaultProgram().
     static QString program();
     // The adb bundled beside the executable when there is one, else the one on the PATH; looked

@@ -18,6 +18,8 @@ public:
     static constexpr int DefaultThreads = 8;
     static constexpr int ExitWaitMs = 5000;
     static QThreadPool *instance();
+    // Whether the application is ending: work of run() not started yet is skipped then.
+    static bool ending();
 
     // Runs work on the pool, then done(result) on context's thread; nothing is reported once
     // context is gone (the work itself still finishes).
@@ -31,10 +33,12 @@ public:
                              watcher->deleteLater();
                              done(watcher->result());
                          });
-        watcher->setFuture(QtConcurrent::run(instance(), std::move(work)));
+        watcher->setFuture(QtConcurrent::run(instance(), [work = std::move(work)]() mutable {
+            return ending() ? Result() : work();
+        }));
     }
 
-    // Work whose result nobody waits for (tear-downs).
+    // Work whose result nobody waits for (tear-downs); the application's end waits for it.
     template<typename Work>
     static void post(Work work)
     {

@@ -1,8 +1,8 @@
 #include "adbworkpool.h"
 
 #include "adbtask.h"
+#include "appowned.h"
 
-#include <QCoreApplication>
 #include <QtAlgorithms>
 
 namespace {
@@ -12,13 +12,8 @@ std::atomic<AdbWorkPool *> livePool{nullptr};
 
 AdbWorkPool *AdbWorkPool::instance()
 {
-    static AdbWorkPool *pool = [] {
-        auto *created = new AdbWorkPool;
-        // Ends with the application, before Qt's own objects go.
-        QObject::connect(qApp, &QObject::destroyed, [created] { delete created; });
-        return created;
-    }();
-    return pool;
+    static AppOwned<AdbWorkPool> pool([] { return new AdbWorkPool; }, AppOwnedBase::Kind::Worker);
+    return pool.get();
 }
 
 AdbWorkPool::AdbWorkPool()

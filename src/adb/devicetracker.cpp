@@ -2,6 +2,7 @@
 
 #include "adbclient.h"
 #include "adbpool.h"
+#include "appowned.h"
 
 #include <QProcess>
 #include <QTimer>
@@ -12,8 +13,8 @@ constexpr int MaxRestartDelayMs = 30000;
 
 DeviceTracker *DeviceTracker::instance()
 {
-    static DeviceTracker *tracker = new DeviceTracker;
-    return tracker;
+    static AppOwned<DeviceTracker> tracker([] { return new DeviceTracker; });
+    return tracker.get();
 }
 
 DeviceTracker::DeviceTracker(QObject *parent)

@@ -1,5 +1,7 @@
 #include "appconfig.h"
 
+#include "appowned.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
@@ -23,9 +25,8 @@ AppConfig::AppConfig()
 
 AppConfig *AppConfig::instance()
 {
-    // Deliberately never destroyed: QML and C++ share it for the whole life of the process.
-    static AppConfig *config = new AppConfig;
-    return config;
+    static AppOwned<AppConfig> config([] { return new AppConfig; });
+    return config.get();
 }
 
 

@@ -3,6 +3,7 @@
 #include "adbclient.h"
 #include "adbworkpool.h"
 #include "appconfig.h"
+#include "appowned.h"
 #include "device.h"
 #include "screenshotwriter.h"
 #include "commonphrase.h"
@@ -74,6 +75,15 @@ void giveStoresTheirFolders(QQmlApplicationEngine &engine)
     }
 }
 
+// The adb server that the application started must not outlive it; one that the user's other tools
+// were using before must. Killed at the application's end: the adb threads end before the
+// application's other objects, so the phones' tear-downs still find the server.
+class OwnAdbServer : public QObject
+{
+public:
+    ~OwnAdbServer() override { AdbClient::killOwnServer(); }
+};
+
 } // namespace
 
 void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
@@ -120,11 +130,8 @@ void AppStartup::loadUserInterface(QQmlApplicationEngine &engine)
     DeviceTracker::instance()->ensureStarted();
     engine.load(QUrl("qrc:/Korvel/src/qml/Main.qml"));
 
-    // The adb server that the application started must not outlive it; one that the user's other
-    // tools were using before must. The listing's adb process, held for the life of the process,
-    // goes first.
-    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] {
-        DeviceTracker::instance()->stop();
-        AdbClient::killOwnServer();
-    });
+    // The listing's adb process, held for the life of the process, goes first.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [] { DeviceTracker::instance()->stop(); });
+    static AppOwned<OwnAdbServer> ownServer([] { return new OwnAdbServer; });
+    ownServer.get();
 }

@@ -15,8 +15,8 @@ public:
     static void selectGraphicsApi();
     // Identity, window icon and controls style.
     static void configureApplication();
-    // Translation, value types, failure handling, Main.qml, and on quit the end of the adb listing
-    // and adb "kill-server".
+    // Translation, value types, failure handling, Main.qml, on quit the end of the adb listing, and
+    // at the application's end adb "kill-server" when the server is Korvel's.
     static void loadUserInterface(QQmlApplicationEngine &engine);
 
     // The catalogue for a locale setting such as "zh_CN"; empty for the English source texts.

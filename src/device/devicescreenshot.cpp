@@ -1,5 +1,6 @@
 #include "devicescreenshot.h"
 
+#include "appowned.h"
 #include "framehandoff.h"
 #include "screenshotwriter.h"
 
@@ -18,6 +19,19 @@ DeviceScreenshot::DeviceScreenshot(FrameHandoff *frames, QObject *parent)
 }
 
 DeviceScreenshot::~DeviceScreenshot() = default;
+
+QThreadPool *DeviceScreenshot::workers()
+{
+    static AppOwned<QThreadPool> pool(
+        [] {
+            auto *created = new QThreadPool;
+            created->setObjectName("ScreenshotWriter");
+            created->setExpiryTimeout(-1);
+            return created;
+        },
+        AppOwnedBase::Kind::Worker);
+    return pool.get();
+}
 
 void DeviceScreenshot::take(const QString &serial)
 {
@@ -64,7 +78,7 @@ void DeviceScreenshot::save()
         watcher->deleteLater();
         end(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run(ScreenshotWriter::workers(),
+    watcher->setFuture(QtConcurrent::run(workers(),
                                          [writer = m_writer, frame, folder = ScreenshotWriter::folder(), serial = m_serial] {
         QString path;
         return writer->save(frame.get(), folder, serial, &path);

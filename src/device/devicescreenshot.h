@@ -6,6 +6,7 @@
 #include <memory>
 
 class FrameHandoff;
+class QThreadPool;
 class ScreenshotWriter;
 
 // One phone's screenshots: the newest picture saved as a JPEG off the GUI thread. A phone nobody
@@ -21,6 +22,9 @@ public:
     bool busy() const { return m_busy; }
     // Starts one screenshot of a running session; the serial names the file. Ignored while busy.
     void take(const QString &serial);
+    // The threads screenshots are encoded on, kept for the life of the application for the same
+    // reason as the adb threads: a group's screenshots come in bursts.
+    static QThreadPool *workers();
     // A new picture came.
     void pictureArrived();
     // The session ended: a screenshot still waiting for its picture fails.

@@ -22,17 +22,6 @@ ScreenshotWriter::~ScreenshotWriter()
     sws_freeContext(m_scaler);
 }
 
-QThreadPool *ScreenshotWriter::workers()
-{
-    static QThreadPool *pool = [] {
-        auto *created = new QThreadPool;
-        created->setObjectName("ScreenshotWriter");
-        created->setExpiryTimeout(-1);
-        return created;
-    }();
-    return pool;
-}
-
 namespace {
 QMutex folderMutex;
 QString screenshotFolder;

@@ -4,7 +4,6 @@
 #include <QMutex>
 #include <QSize>
 #include <QString>
-#include <QThreadPool>
 
 struct AVFrame;
 struct SwsContext;
@@ -31,10 +30,6 @@ public:
     static QString fileName(const QString &serial);
     // Pictures wider than MaxWidth are scaled down to it; the height is truncated.
     static QSize targetSize(int width, int height);
-
-    // The threads screenshots are encoded on, kept for the life of the process for the same reason
-    // as the adb threads: a group's screenshots come in bursts.
-    static QThreadPool *workers();
 
     // Converts to RGB888 at targetSize; a null image when the frame is empty or cannot be scaled.
     QImage toImage(const AVFrame *frame);

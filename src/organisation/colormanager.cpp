@@ -1,8 +1,10 @@
 #include "colormanager.h"
 
+#include "appowned.h"
+
 ColorManager *ColorManager::instance()
 {
-    static ColorManager *manager = new ColorManager;
-    return manager;
+    static AppOwned<ColorManager> manager([] { return new ColorManager; });
+    return manager.get();
 }
 

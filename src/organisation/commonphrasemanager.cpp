@@ -1,5 +1,7 @@
 #include "commonphrasemanager.h"
 
+#include "appowned.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -25,8 +27,8 @@ CommonPhraseManager::CommonPhraseManager()
 
 CommonPhraseManager *CommonPhraseManager::instance()
 {
-    static CommonPhraseManager *manager = new CommonPhraseManager;
-    return manager;
+    static AppOwned<CommonPhraseManager> manager([] { return new CommonPhraseManager; });
+    return manager.get();
 }
 
 

@@ -1,5 +1,7 @@
 #include "devicesettings.h"
 
+#include "appowned.h"
+
 #include <QCoreApplication>
 #include <QJsonObject>
 
@@ -12,15 +14,15 @@ DeviceSettings::DeviceSettings()
 
 DeviceSettings *DeviceSettings::instance()
 {
-    static DeviceSettings *settings = [] {
+    static AppOwned<DeviceSettings> settings([] {
         auto *created = new DeviceSettings;
         // The adb listing may ask first, from a worker thread; QML binds to the object on the GUI
         // thread, so it must live there whichever thread created it.
         if (QCoreApplication::instance())
             created->moveToThread(QCoreApplication::instance()->thread());
         return created;
-    }();
-    return settings;
+    });
+    return settings.get();
 }
 
 

@@ -1,5 +1,7 @@
 #include "keymapping.h"
 
+#include "appowned.h"
+
 #include <QDir>
 #include <QFile>
 #include <QHash>
@@ -14,8 +16,8 @@ KeyMapping::KeyMapping()
 
 KeyMapping *KeyMapping::instance()
 {
-    static KeyMapping *mapping = new KeyMapping;
-    return mapping;
+    static AppOwned<KeyMapping> mapping([] { return new KeyMapping; });
+    return mapping.get();
 }
 
 

@@ -1,5 +1,6 @@
 #include "adbclient.h"
 #include "appconfig.h"
+#include "appowned.h"
 #include "appstartup.h"
 #include "fakeadb.h"
 #include "loopbacklease.h"
@@ -128,6 +129,9 @@ private slots:
         m_adb.clear();
         QTimer::singleShot(0, qApp, &QCoreApplication::quit);
         QCOMPARE(qApp->exec(), 0);
+        // What main() does next: the window goes, then the application.
+        delete std::exchange(m_engine, nullptr);
+        AppOwnedBase::endAll();
         QCOMPARE(m_adb.calls(), QList<QStringList>{QStringList{"kill-server"}});
     }
 

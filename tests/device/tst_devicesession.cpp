@@ -1,4 +1,6 @@
 #include "adbclient.h"
+#include "adbpool.h"
+#include "appowned.h"
 #include "deviceactions.h"
 #include "audiodecoder.h"
 #include "controller.h"
@@ -229,6 +231,38 @@ private slots:
         QCOMPARE(phone->journal("server_stop").size(), 1);
         second->stopScrcpySession();
         second->videoFrames()->removeWatcher();
+    }
+
+    // Phones ending together queue their tear-downs on the adb threads; the application's end
+    // carries out every one of them instead of dropping those still queued.
+    void endingTheApplicationStopsEveryPhonesServer()
+    {
+        // One adb thread: the tear-downs queue as a crowd of phones' would on all of them.
+        AdbPool::instance()->setMaxThreadCount(1);
+        DeviceGroup group;
+        QList<PhoneSimProcess *> phones(3, nullptr);
+        QList<Device *> devices;
+        for (PhoneSimProcess *&phone : phones) {
+            devices << makeDevice(group, phone);
+            QVERIFY(devices.last());
+            devices.last()->startScrcpySession();
+        }
+        for (PhoneSimProcess *phone : phones)
+            QTRY_COMPARE_WITH_TIMEOUT(phone->journal("server_start").size(), 1, 20000);
+
+        for (Device *device : devices)
+            device->stopScrcpySession();
+        AppOwnedBase::endAll();
+        for (PhoneSimProcess *phone : phones) {
+            QStringList shell;
+            for (const QJsonObject &line : phone->journal("shell"))
+                shell << line.value("command").toString();
+            QCOMPARE(shell.filter(QRegularExpression("^pkill -f scid=")).size(), 1);
+            const QList<QJsonObject> tunnels = phone->journal("reverse");
+            QCOMPARE(std::count_if(tunnels.cbegin(), tunnels.cend(),
+                                   [](const QJsonObject &line) { return line.value("action") == "killforward"; }),
+                     1);
+        }
     }
 
     void hiddenPhonesAreNeitherDecodedNorHeardAndShownOnesGetAFreshPicture()
