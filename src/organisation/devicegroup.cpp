@@ -429,67 +429,12 @@ void DeviceGroup::changeSetting(GroupSettings::Key key, int value, void (DeviceG
     emit(this->*changed)();
 }
 
-void DeviceGroup::setShowControlButtons(bool value)
-{
-    changeSetting(GroupSettings::ShowControlButtons, value, &DeviceGroup::showControlButtonsChanged);
-}
-
-void DeviceGroup::setMaxSize(int value)
-{
-    changeSetting(GroupSettings::MaxSize, value, &DeviceGroup::maxSizeChanged);
-}
-
-void DeviceGroup::setMaxFPS(int value)
-{
-    changeSetting(GroupSettings::MaxFPS, value, &DeviceGroup::maxFPSChanged);
-}
-
-void DeviceGroup::setBitRate(int value)
-{
-    changeSetting(GroupSettings::BitRate, value, &DeviceGroup::bitRateChanged);
-}
-
-void DeviceGroup::setMaxSizeBigView(int value)
-{
-    changeSetting(GroupSettings::MaxSizeBigView, value, &DeviceGroup::maxSizeBigViewChanged);
-}
-
-void DeviceGroup::setMaxFPSBigView(int value)
-{
-    changeSetting(GroupSettings::MaxFPSBigView, value, &DeviceGroup::maxFPSBigViewChanged);
-}
-
-void DeviceGroup::setBitRateBigView(int value)
-{
-    changeSetting(GroupSettings::BitRateBigView, value, &DeviceGroup::bitRateBigViewChanged);
-}
-
-void DeviceGroup::setClickDelaySeconds(int value)
-{
-    changeSetting(GroupSettings::ClickDelaySeconds, value, &DeviceGroup::clickDelaySecondsChanged);
-}
-
-void DeviceGroup::setCellWidth(int value)
-{
-    changeSetting(GroupSettings::CellWidth, value, &DeviceGroup::cellWidthChanged);
-}
-
 void DeviceGroup::setEnableAudio(bool value)
 {
     // Every phone hears about it, even when the group's value stays the same.
     for (Device *device : std::as_const(m_devices))
         device->setEnableAudio(value);
     changeSetting(GroupSettings::EnableAudio, value, &DeviceGroup::enableAudioChanged);
-}
-
-void DeviceGroup::setOrientation(Orientation value)
-{
-    changeSetting(GroupSettings::Orientation, value, &DeviceGroup::orientationChanged);
-}
-
-void DeviceGroup::setBigViewWidth(int value)
-{
-    changeSetting(GroupSettings::BigViewWidth, value, &DeviceGroup::bigViewWidthChanged);
 }
 
 void DeviceGroup::loadSettings(const QJsonObject &settings)

@@ -123,18 +123,18 @@ public:
     Q_INVOKABLE void stopGroupControl();
     Q_INVOKABLE void startAllDevices();
     Q_INVOKABLE void stopAllDevices();
-    Q_INVOKABLE void setShowControlButtons(bool showControlButtons);
-    Q_INVOKABLE void setMaxSize(int maxSize);
-    Q_INVOKABLE void setMaxFPS(int maxFPS);
-    Q_INVOKABLE void setBitRate(int bitRate);
-    Q_INVOKABLE void setMaxSizeBigView(int maxSizeBigView);
-    Q_INVOKABLE void setMaxFPSBigView(int maxFPSBigView);
-    Q_INVOKABLE void setBitRateBigView(int bitRateBigView);
-    Q_INVOKABLE void setClickDelaySeconds(int clickDelaySeconds);
-    Q_INVOKABLE void setCellWidth(int cellWidth);
+    Q_INVOKABLE void setShowControlButtons(bool value) { changeSetting(GroupSettings::ShowControlButtons, value, &DeviceGroup::showControlButtonsChanged); }
+    Q_INVOKABLE void setMaxSize(int value) { changeSetting(GroupSettings::MaxSize, value, &DeviceGroup::maxSizeChanged); }
+    Q_INVOKABLE void setMaxFPS(int value) { changeSetting(GroupSettings::MaxFPS, value, &DeviceGroup::maxFPSChanged); }
+    Q_INVOKABLE void setBitRate(int value) { changeSetting(GroupSettings::BitRate, value, &DeviceGroup::bitRateChanged); }
+    Q_INVOKABLE void setMaxSizeBigView(int value) { changeSetting(GroupSettings::MaxSizeBigView, value, &DeviceGroup::maxSizeBigViewChanged); }
+    Q_INVOKABLE void setMaxFPSBigView(int value) { changeSetting(GroupSettings::MaxFPSBigView, value, &DeviceGroup::maxFPSBigViewChanged); }
+    Q_INVOKABLE void setBitRateBigView(int value) { changeSetting(GroupSettings::BitRateBigView, value, &DeviceGroup::bitRateBigViewChanged); }
+    Q_INVOKABLE void setClickDelaySeconds(int value) { changeSetting(GroupSettings::ClickDelaySeconds, value, &DeviceGroup::clickDelaySecondsChanged); }
+    Q_INVOKABLE void setCellWidth(int value) { changeSetting(GroupSettings::CellWidth, value, &DeviceGroup::cellWidthChanged); }
     Q_INVOKABLE void setEnableAudio(bool enableAudio);
-    Q_INVOKABLE void setOrientation(Orientation orientation);
-    Q_INVOKABLE void setBigViewWidth(int bigViewWidth);
+    Q_INVOKABLE void setOrientation(Orientation value) { changeSetting(GroupSettings::Orientation, value, &DeviceGroup::orientationChanged); }
+    Q_INVOKABLE void setBigViewWidth(int value) { changeSetting(GroupSettings::BigViewWidth, value, &DeviceGroup::bigViewWidthChanged); }
     Q_INVOKABLE void applySettingsToAllDevices();
     Q_INVOKABLE QVariantList getDevicesForRepeater() const;
 
