@@ -21,8 +21,6 @@ public:
 
     bool offline() const { return m_offline; }
     QDateTime offlineSince() const { return m_offlineSince; }
-    // The interval before the next try.
-    int nextDelayMs() const { return m_delayMs; }
 
     // The session ended without the user asking: adb is asked whether the phone is still listed.
     void sessionEnded();

@@ -57,15 +57,21 @@ void MatroskaWriter::close()
     m_lastAudioPts = AV_NOPTS_VALUE;
 }
 
+AVStream *MatroskaWriter::newStream(const AVCodecParameters *described)
+{
+    AVStream *stream = avformat_new_stream(m_context, nullptr);
+    if (stream && described)
+        avcodec_parameters_copy(stream->codecpar, described);
+    return stream;
+}
+
 bool MatroskaWriter::addVideo(const AVCodecParameters *described, const AVPacket *config, AVRational frameRate)
 {
     if (!m_context || m_video || !config || config->size <= 0)
         return false;
-    AVStream *stream = avformat_new_stream(m_context, nullptr);
+    AVStream *stream = newStream(described);
     if (!stream)
         return false;
-    if (described)
-        avcodec_parameters_copy(stream->codecpar, described);
     stream->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
     stream->codecpar->codec_id = AV_CODEC_ID_H264;
     stream->codecpar->codec_tag = 0;
@@ -86,11 +92,9 @@ bool MatroskaWriter::addAudio(const AVCodecParameters *described)
 {
     if (!m_context || m_audio)
         return false;
-    AVStream *stream = avformat_new_stream(m_context, nullptr);
+    AVStream *stream = newStream(described);
     if (!stream)
         return false;
-    if (described)
-        avcodec_parameters_copy(stream->codecpar, described);
     AVCodecParameters *par = stream->codecpar;
     par->codec_type = AVMEDIA_TYPE_AUDIO;
     par->codec_id = AV_CODEC_ID_OPUS;

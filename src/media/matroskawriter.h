@@ -37,6 +37,8 @@ public:
     void finish();
 
 private:
+    // A new track holding the stream's description, when there is one.
+    AVStream *newStream(const AVCodecParameters *described);
     bool write(AVPacket *packet, AVStream *stream, qint64 *lastWritten);
     void close();
 

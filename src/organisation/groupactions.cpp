@@ -31,6 +31,13 @@ GroupOperation *GroupActions::beginOperation(const QString &title)
     return m_operation;
 }
 
+GroupOperation *GroupActions::runAdb(const QString &title, const GroupOperation::StepsFor &steps)
+{
+    if (GroupOperation *operation = beginOperation(title))
+        operation->startAdb(title, m_members(), steps);
+    return m_operation;
+}
+
 GroupOperation *GroupActions::screenshotAllDevices()
 {
     const QString title = tr("Screenshot");
@@ -45,22 +52,12 @@ GroupOperation *GroupActions::screenshotAllDevices()
 
 GroupOperation *GroupActions::installApk(const QString &apkPath)
 {
-    const QString title = tr("Install APK");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startAdb(title, m_members(),
-                            [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
-    }
-    return m_operation;
+    return runAdb(tr("Install APK"), [apkPath](const QString &serial) { return AdbTask::installSteps(serial, apkPath); });
 }
 
 GroupOperation *GroupActions::uploadFile(const QString &filePath)
 {
-    const QString title = tr("Upload File");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startAdb(title, m_members(),
-                            [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
-    }
-    return m_operation;
+    return runAdb(tr("Upload File"), [filePath](const QString &serial) { return AdbTask::uploadSteps(serial, filePath); });
 }
 
 GroupOperation *GroupActions::runAutojs(const QString &autojsPath)
@@ -89,10 +86,5 @@ void GroupActions::stopAllAutojs()
 
 GroupOperation *GroupActions::executeADBCommand(const QString &input)
 {
-    const QString title = tr("ADB Command");
-    if (GroupOperation *operation = beginOperation(title)) {
-        operation->startAdb(title, m_members(),
-                            [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
-    }
-    return m_operation;
+    return runAdb(tr("ADB Command"), [input](const QString &serial) { return AdbTask::commandSteps(serial, input); });
 }

@@ -1,19 +1,19 @@
 #pragma once
 
+#include "groupoperation.h"
+
 #include <QObject>
 #include <QString>
 
 #include <functional>
 
 class Device;
-class GroupOperation;
 
 // The actions on every phone of a group at once, each shown as a GroupOperation table with a
 // verdict per phone. One runs at a time: while one still runs no other starts.
 class GroupActions : public QObject
 {
     Q_OBJECT
-    Q_MOC_INCLUDE("groupoperation.h")
     Q_PROPERTY(GroupOperation *operation READ operation NOTIFY operationChanged)
 
 public:
@@ -39,6 +39,8 @@ signals:
 private:
     // The new operation, or null while the current one still runs.
     GroupOperation *beginOperation(const QString &title);
+    // An operation of adb steps on every phone; the one still running when it cannot start.
+    GroupOperation *runAdb(const QString &title, const GroupOperation::StepsFor &steps);
 
     Members m_members;
     GroupOperation *m_operation = nullptr;
